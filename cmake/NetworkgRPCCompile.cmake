@@ -1,0 +1,21 @@
+# How this project's own code is compiled and linked. Never exported: a user's
+# code is compiled by the user's rules.
+
+add_library(networkgrpc_hardening INTERFACE)
+# As Debian builds its packages. Fortified functions need an optimising build.
+target_compile_options(networkgrpc_hardening INTERFACE
+  -fstack-protector-strong -Wformat -Werror=format-security
+  $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+target_link_options(networkgrpc_hardening INTERFACE
+  LINKER:-z,relro LINKER:-z,now LINKER:--as-needed)
+
+add_library(networkgrpc_compile INTERFACE)
+target_compile_features(networkgrpc_compile INTERFACE cxx_std_17 c_std_99)
+target_compile_options(networkgrpc_compile INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  $<$<BOOL:${NETWORKGRPC_WERROR}>:-Werror>)
+target_link_libraries(networkgrpc_compile INTERFACE networkgrpc_hardening)
+
+# Executables of this project are position-independent, like everything else.
+include(CheckPIESupported)
+check_pie_supported()

@@ -1,0 +1,56 @@
+# networkgrpc_grpc: gRPC without TLS and protobuf's lite runtime.
+# networkgrpc_wire: what protoc and the gRPC plug-in make of proto/, generated
+# into NETWORKGRPC_GENERATED_DIR.
+
+# pkg-config, because gRPC's own CMake package pulls in TLS and full protobuf.
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(NetworkgRPC_grpc REQUIRED IMPORTED_TARGET grpc++_unsecure protobuf-lite)
+add_library(networkgrpc_grpc INTERFACE)
+target_link_libraries(networkgrpc_grpc INTERFACE PkgConfig::NetworkgRPC_grpc)
+
+find_program(NETWORKGRPC_PROTOC protoc REQUIRED)
+find_program(NETWORKGRPC_GRPC_PLUGIN grpc_cpp_plugin REQUIRED)
+
+set(NETWORKGRPC_GENERATED_DIR "${CMAKE_CURRENT_BINARY_DIR}/generated")
+file(MAKE_DIRECTORY "${NETWORKGRPC_GENERATED_DIR}")
+
+set(NETWORKGRPC_GENERATED_HEADERS)
+set(generated_sources)
+
+# networkgrpc_generate(<proto> <suffix...>): runs protoc for one schema file.
+function(networkgrpc_generate proto)
+  set(outputs)
+  foreach(suffix IN LISTS ARGN)
+    list(APPEND outputs "${NETWORKGRPC_GENERATED_DIR}/${proto}${suffix}")
+  endforeach()
+  set(root "${CMAKE_CURRENT_SOURCE_DIR}/proto")
+  set(grpc_arguments)
+  if(".grpc.pb.h" IN_LIST ARGN)
+    set(grpc_arguments --grpc_out=${NETWORKGRPC_GENERATED_DIR}
+        --plugin=protoc-gen-grpc=${NETWORKGRPC_GRPC_PLUGIN})
+  endif()
+  add_custom_command(
+    OUTPUT ${outputs}
+    COMMAND ${NETWORKGRPC_PROTOC} -I "${root}" --cpp_out=${NETWORKGRPC_GENERATED_DIR}
+            ${grpc_arguments} "${root}/${proto}.proto"
+    DEPENDS "${root}/${proto}.proto" "${root}/ostrevan/common.proto"
+    COMMENT "Generating ${proto}" VERBATIM)
+  set(headers ${outputs})
+  list(FILTER headers INCLUDE REGEX "\\.h$")
+  list(FILTER outputs EXCLUDE REGEX "\\.h$")
+  set(NETWORKGRPC_GENERATED_HEADERS ${NETWORKGRPC_GENERATED_HEADERS} ${headers} PARENT_SCOPE)
+  set(generated_sources ${generated_sources} ${outputs} PARENT_SCOPE)
+endfunction()
+
+networkgrpc_generate(ostrevan/common .pb.cc .pb.h)
+networkgrpc_generate(ostrevan/networkmanager .pb.cc .pb.h .grpc.pb.cc .grpc.pb.h)
+networkgrpc_generate(ostrevan/grpcdapi .pb.cc .pb.h .grpc.pb.cc .grpc.pb.h)
+
+add_library(networkgrpc_wire OBJECT ${generated_sources} ${NETWORKGRPC_GENERATED_HEADERS})
+target_compile_features(networkgrpc_wire PUBLIC cxx_std_17)
+target_include_directories(networkgrpc_wire SYSTEM PUBLIC "${NETWORKGRPC_GENERATED_DIR}")
+target_link_libraries(networkgrpc_wire PUBLIC networkgrpc_grpc PRIVATE networkgrpc_hardening)
+# Visible, so that applications and daemons can use the classes; their inline
+# functions need not be, as every user compiles its own.
+set_target_properties(networkgrpc_wire PROPERTIES
+  POSITION_INDEPENDENT_CODE ON VISIBILITY_INLINES_HIDDEN ON)

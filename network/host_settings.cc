@@ -1,0 +1,79 @@
+// The host-wide settings: host name, NTP, DNS, default gateway, factory reset.
+#include "NetworkgRPC.h"
+#include "client/NetworkManagerClient.h"
+#include "facade/frame.h"
+
+using facade::ExceptionLine;
+using facade::Frame;
+using ostrevan::networkmanager::DNS;
+using ostrevan::networkmanager::Hostname;
+using ostrevan::networkmanager::NTPServer;
+using ostrevan::networkmanager::Routing;
+using ostrevan::networkmanager::Success;
+
+bool NetworkgRPC::GetHostname(std::string& hostname) {
+  return facade::Read({"GetHostname", ExceptionLine::kNameAndText},
+                      &NetworkManagerClient::GetHostname,
+                      "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
+                      [&](const Hostname& reply) { hostname = reply.hostname(); });
+}
+
+bool NetworkgRPC::SetHostname(const std::string& hostname) {
+  return facade::Change({"SetHostname", ExceptionLine::kNameAndText},
+                        &NetworkManagerClient::SetHostname,
+                        "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
+                        [&](Hostname& request) { request.set_hostname(hostname); });
+}
+
+bool NetworkgRPC::GetNTPServer(std::string& server) {
+  const Frame frame{"GetNTPServer", ExceptionLine::kNameAndText};
+  return frame.Run([&] {
+    NTPServer reply;
+    if (!NetworkManagerClient::GetInstance().GetNTPServer(&reply).ok())
+      return frame.Fail("libNetworkgRPC: %s: error while reading NTP server via gRPC\n");
+    if (reply.servers().empty()) return false;  // none configured is no fault to report
+    server = reply.servers(0);
+    return true;
+  });
+}
+
+bool NetworkgRPC::SetNTPServer(const std::string& server, bool reload) {
+  const Frame frame{"SetNTPServer", ExceptionLine::kNameAndText};
+  return frame.Run([&] {
+    NTPServer request;
+    request.add_servers(server);
+    auto& client = NetworkManagerClient::GetInstance();
+    Success set;
+    const bool stored = facade::Confirmed(client.SetNTPServer(request, &set), set) ||
+                        frame.Fail("libNetworkgRPC: %s: error while setting NTP server via gRPC\n");
+    Success reloaded;
+    if (reload && !facade::Confirmed(client.ReloadNTPConfig(&reloaded), reloaded))
+      frame.Fail("libNetworkgRPC: ERROR: error while reloading NTP config in %s\n");
+    return stored;
+  });
+}
+
+bool NetworkgRPC::GetCurrentDNS(std::string& dns) {
+  const Frame frame{"GetCurrentDNS", ExceptionLine::kNameAndText};
+  return frame.Run([&] {
+    DNS reply;
+    if (!NetworkManagerClient::GetInstance().GetDNSList(&reply).ok())
+      return frame.Fail("libNetworkgRPC: %s: error while reading DNS list via gRPC\n");
+    if (reply.dns().empty()) return false;  // none in use is no fault to report
+    dns = reply.dns(0);
+    return true;
+  });
+}
+
+bool NetworkgRPC::GetDefaultGateway(std::string& gateway) {
+  return facade::Read({"GetDefaultGateway", ExceptionLine::kNameAndText},
+                      &NetworkManagerClient::GetRouting,
+                      "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
+                      [&](const Routing& reply) { gateway = reply.gateway(); });
+}
+
+bool NetworkgRPC::FactoryReset() {
+  return facade::Change({"FactoryReset", ExceptionLine::kNameAndText},
+                        &NetworkManagerClient::FactoryReset,
+                        "libNetworkgRPC: %s: error while requesting informations via gRPC\n");
+}

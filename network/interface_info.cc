@@ -1,0 +1,145 @@
+// Which interfaces there are, their addresses, MAC addresses and fixed labels.
+#include <algorithm>
+#include <utility>
+
+#include "NetworkgRPC.h"
+#include "client/NetworkManagerClient.h"
+#include "facade/frame.h"
+#include "network/records.h"
+
+using facade::ExceptionLine;
+using facade::Frame;
+using network::kUnresolved;
+using ostrevan::networkmanager::Ids;
+using ostrevan::networkmanager::Interface;
+using ostrevan::networkmanager::Interfaces;
+using ostrevan::networkmanager::InterfacesConfig;
+using ostrevan::networkmanager::InterfacesStatus;
+
+namespace {
+
+// The switch mode in which both Dante interfaces are in use.
+constexpr std::int32_t kBothDantePorts = 1;
+
+// What the daemon stores and what it reports about the interfaces of a request.
+struct Network {
+  InterfacesConfig config;
+  InterfacesStatus status;
+};
+
+// An answer that lists nothing is as good as none for an interface with a role.
+bool Ask(const Frame& frame, const Ids& request, Network& network) {
+  auto& client = NetworkManagerClient::GetInstance();
+  if (!client.GetNetworkConfig(request, &network.config).ok() || network.config.configs().empty())
+    return frame.Fail("libNetworkgRPC: ERROR: error while requesting network config in %s\n");
+  if (!client.GetNetworkStatus(request, &network.status).ok() || network.status.status().empty())
+    return frame.Fail("libNetworkgRPC: ERROR: error while requesting network status in %s\n");
+  return true;
+}
+
+// Appends also an interface that the daemon did not describe, then without
+// addresses and MAC: callers count on one entry per role.
+void Append(std::int32_t id, const std::string& mac, const Network& network,
+            std::vector<NetworkgRPC::InterfaceInfo>& out) {
+  NetworkgRPC::InterfaceInfo record;
+  if (network::fillInterfaceInfo(id, record, network.config, network.status)) record.mac = mac;
+  out.push_back(std::move(record));
+}
+
+}  // namespace
+
+bool NetworkgRPC::GetDanteInterfacesInfo(std::vector<InterfaceInfo>& out) {
+  const Frame frame{"GetDanteInterfacesInfo", ExceptionLine::kNameAndText};
+  return frame.Run([&] {
+    auto& client = NetworkManagerClient::GetInstance();
+    ostrevan::networkmanager::SwitchMode mode;
+    if (!client.GetCurrentSwitchMode(&mode).ok()) return false;
+
+    const std::int32_t primary = client.GetDantePrimaryInterfaceID();
+    const std::int32_t secondary = client.GetDanteSecondaryInterfaceID();
+    const bool with_secondary = mode.id() == kBothDantePorts && secondary != kUnresolved;
+    Ids request;
+    if (primary != kUnresolved) request.add_ids(primary);
+    if (with_secondary) request.add_ids(secondary);
+
+    Network network;
+    if (!Ask(frame, request, network)) return false;
+    if (primary != kUnresolved) Append(primary, client.GetDantePrimaryInterfaceMAC(), network, out);
+    if (with_secondary) Append(secondary, client.GetDanteSecondaryInterfaceMAC(), network, out);
+    return true;
+  });
+}
+
+bool NetworkgRPC::GetControlInterfacesInfo(std::vector<InterfaceInfo>& out) {
+  const Frame frame{"GetControlInterfacesInfo", ExceptionLine::kNameAndText};
+  return frame.Run([&] {
+    auto& client = NetworkManagerClient::GetInstance();
+    const std::int32_t control = client.GetControlInterfaceID();
+    if (control == kUnresolved) return false;
+
+    Ids request;
+    request.add_ids(control);
+    Network network;
+    if (!Ask(frame, request, network)) return false;
+    Append(control, client.GetControlInterfaceMAC(), network, out);
+    return true;
+  });
+}
+
+bool NetworkgRPC::GetAllIPv4(std::vector<InterfaceInfo>& out) {
+  const Frame frame{"GetAllIPv4", ExceptionLine::kNameAndText};
+  return frame.Run([&] {
+    auto& client = NetworkManagerClient::GetInstance();
+    Interfaces known;
+    if (!client.GetAvailableInterfaces(&known).ok())
+      return frame.Fail("libNetworkgRPC: %s: error while requesting informations via gRPC\n");
+
+    Ids request;
+    for (const Interface& interface : known.interfaces()) request.add_ids(interface.id());
+    Network network;
+    // Both are asked for, whatever the first gives; without both there is
+    // nothing to tell, which is no fault to report.
+    const bool configured = client.GetNetworkConfig(request, &network.config).ok();
+    const bool live = client.GetNetworkStatus(request, &network.status).ok();
+    if (configured && live) network::AppendInterfaces(known, network.config, network.status, out);
+    return true;
+  });
+}
+
+bool NetworkgRPC::GetMACAddress(const std::string& name, std::string& mac) {
+  const Frame frame{"GetMACAddress", ExceptionLine::kNameAndText};
+  return frame.Run([&] {
+    Interfaces known;
+    if (!NetworkManagerClient::GetInstance().GetAvailableInterfaces(&known).ok())
+      return frame.Fail("libNetworkgRPC: %s: error while requesting informations via gRPC\n");
+
+    const auto& list = known.interfaces();
+    const auto found = std::find_if(list.begin(), list.end(), [&](const Interface& candidate) {
+      return candidate.name() == name;
+    });
+    if (found == list.end())
+      return frame.Fail(
+          "libNetworkgRPC: %s: error while requesting informations via gRPC, interface not "
+          "found\n");
+    mac = found->mac();
+    return true;
+  });
+}
+
+bool NetworkgRPC::GetTarvoInterfaceName(int id, std::string& label) {
+  const Frame frame{"GetTarvoInterfaceName", ExceptionLine::kNameAndText};
+  return frame.Run([&] {
+    const auto& client = NetworkManagerClient::GetInstance();
+    if (id == client.GetControlInterfaceID()) {
+      label = "eth0";
+    } else if (id == client.GetDantePrimaryInterfaceID()) {
+      label = "dante-0";
+    } else if (id == client.GetDanteSecondaryInterfaceID()) {
+      label = "dante-1";
+    } else {
+      facade::Print("libNetworkgRPC: wrong interface ID while getting tarvo name: %d\n", id);
+      return false;
+    }
+    return true;
+  });
+}

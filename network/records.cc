@@ -1,0 +1,118 @@
+#include "network/records.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+using ostrevan::networkmanager::Interface;
+using ostrevan::networkmanager::InterfaceConfig;
+using ostrevan::networkmanager::Interfaces;
+using ostrevan::networkmanager::InterfacesConfig;
+using ostrevan::networkmanager::InterfacesStatus;
+using ostrevan::networkmanager::InterfaceStatus;
+
+namespace network {
+namespace {
+
+constexpr std::int32_t kDynamic = ostrevan::networkmanager::DYNAMIC;
+constexpr std::int32_t kStatic = ostrevan::networkmanager::STATIC;
+
+// Applications know two modes; the two other dynamic ones of the daemon count
+// as dynamic.
+std::int32_t ModeToRecord(ostrevan::networkmanager::EnInterfaceMode mode) {
+  return mode == ostrevan::networkmanager::STATIC ? kStatic : kDynamic;
+}
+
+// For one look-up among the entries, without memory of its own.
+template <class List>
+auto FindFirst(const List& entries, std::int32_t id) -> decltype(&*entries.begin()) {
+  const auto found = std::find_if(entries.begin(), entries.end(),
+                                  [id](const auto& entry) { return entry.id() == id; });
+  return found != entries.end() ? &*found : nullptr;
+}
+
+// For as many look-ups as there are entries: the first entry of each id, in
+// time that does not grow with the list.
+template <class Entry>
+class FirstById {
+ public:
+  template <class List>
+  explicit FirstById(const List& entries) {
+    first.reserve(static_cast<std::size_t>(entries.size()));
+    for (const Entry& entry : entries) first.try_emplace(entry.id(), &entry);
+  }
+
+  const Entry* Find(std::int32_t id) const {
+    const auto found = first.find(id);
+    return found != first.end() ? found->second : nullptr;
+  }
+
+ private:
+  std::unordered_map<std::int32_t, const Entry*> first;
+};
+
+template <class Source>
+void CopyAddress(const Source& source, NetworkgRPC::InterfaceInfo& record) {
+  record.ip = source.ip();
+  record.netmask = source.netmask();
+}
+
+}  // namespace
+
+bool fillInterfaceInfo(std::int32_t id, NetworkgRPC::InterfaceInfo& record,
+                       const InterfacesConfig& config, const InterfacesStatus& status) {
+  const InterfaceConfig* stored = FindFirst(config.configs(), id);
+  const InterfaceStatus* live = FindFirst(status.status(), id);
+  if (stored == nullptr || live == nullptr) return false;
+
+  record.active = live->flag4();
+  record.mode = ModeToRecord(stored->mode());
+  if (record.active) {
+    CopyAddress(*live, record);
+  } else if (record.mode == kStatic) {
+    CopyAddress(*stored, record);
+  }
+  return true;
+}
+
+void AppendInterfaces(const Interfaces& known, const InterfacesConfig& config,
+                      const InterfacesStatus& status,
+                      std::vector<NetworkgRPC::InterfaceInfo>& out) {
+  const FirstById<InterfaceConfig> stored_by_id(config.configs());
+  const FirstById<InterfaceStatus> live_by_id(status.status());
+
+  for (const Interface& interface : known.interfaces()) {
+    NetworkgRPC::InterfaceInfo record;
+    record.name = interface.name();
+    record.mac = interface.mac();
+    record.id = interface.id();
+    if (const InterfaceConfig* stored = stored_by_id.Find(record.id)) {
+      record.mode = ModeToRecord(stored->mode());
+      if (const InterfaceStatus* live = live_by_id.Find(record.id)) {
+        CopyAddress(*live, record);
+        record.active = live->flag4();
+      }
+      if (record.ip.empty() && record.mode == kStatic) CopyAddress(*stored, record);
+    }
+    out.push_back(std::move(record));
+  }
+}
+
+void ToWire(std::int32_t id, const NetworkgRPC::InterfaceInfo& record, InterfaceConfig& request) {
+  request.set_id(id);
+  if (record.mode != kStatic || record.ip.empty() || record.netmask.empty()) {
+    request.set_mode(ostrevan::networkmanager::DYNAMIC);
+    return;
+  }
+  request.set_mode(ostrevan::networkmanager::STATIC);
+  request.set_ip(record.ip);
+  request.set_netmask(record.netmask);
+  if (!record.gateway.empty()) request.set_gateway(record.gateway);
+  if (!record.dns.empty()) request.add_dns(record.dns);
+}
+
+NetworkgRPC::SwitchMode ToRecord(const ostrevan::networkmanager::SwitchMode& mode) {
+  return {mode.id(), mode.name()};
+}
+
+}  // namespace network
