@@ -1,0 +1,52 @@
+// Two scripted daemons that stand for a device, and the environment that leads
+// the library to them.
+#pragma once
+
+#include <google/protobuf/message_lite.h>
+
+#include <memory>
+#include <string>
+
+#include "support/scripted_daemon.h"
+
+namespace support {
+
+/// "/ostrevan.networkmanager.NetworkManager/METHOD"
+std::string NetworkManagerPath(const std::string& method);
+/// "/ostrevan.grpcdapi.DAPI/METHOD"
+std::string DapiPath(const std::string& method);
+
+/// The answer that carries this message.
+Answer Reply(const google::protobuf::MessageLite& message);
+
+// The interfaces that a scripted device has unless a test says otherwise. The
+// first three have the roles Dante primary, control and Dante secondary.
+inline constexpr int kLan0 = 10;
+inline constexpr int kLan1 = 11;
+inline constexpr int kLan2 = 12;
+inline constexpr int kLan3 = 13;
+inline constexpr const char* kLan0Mac = "02:00:00:00:00:10";
+inline constexpr const char* kLan1Mac = "02:00:00:00:00:11";
+inline constexpr const char* kLan2Mac = "02:00:00:00:00:12";
+inline constexpr const char* kLan3Mac = "02:00:00:00:00:13";
+
+class Device {
+ public:
+  /// Starts both daemons and points the environment of this process at them.
+  /// The list of interfaces is scripted, nothing else.
+  Device();
+
+  /// Makes the library build both clients, and forgets the calls that it took.
+  void BuildClients();
+
+  /// What arrived at both daemons since the last time this was asked.
+  std::vector<Request> TakeRequests();
+
+  void StopNetworkManager() { network_manager.reset(); }
+  void StopDapi() { dapi.reset(); }
+
+  std::unique_ptr<ScriptedDaemon> network_manager = std::make_unique<ScriptedDaemon>();
+  std::unique_ptr<ScriptedDaemon> dapi = std::make_unique<ScriptedDaemon>();
+};
+
+}  // namespace support

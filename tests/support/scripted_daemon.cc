@@ -1,0 +1,165 @@
+#include "support/scripted_daemon.h"
+
+#include <grpcpp/security/server_credentials.h>
+#include <grpcpp/server_builder.h>
+#include <grpcpp/support/byte_buffer.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <iomanip>
+#include <stdexcept>
+#include <utility>
+
+namespace support {
+namespace {
+
+std::string ToString(const grpc::ByteBuffer& buffer) {
+  std::vector<grpc::Slice> slices;
+  std::string bytes;
+  if (!buffer.Dump(&slices).ok()) throw std::runtime_error("unreadable request");
+  for (const grpc::Slice& slice : slices)
+    bytes.append(reinterpret_cast<const char*>(slice.begin()), slice.size());
+  return bytes;
+}
+
+grpc::ByteBuffer ToByteBuffer(const std::string& bytes) {
+  const grpc::Slice slice(bytes);
+  return {&slice, 1};
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const Request& request) {
+  out << request.path << " [" << std::hex << std::setfill('0');
+  for (const char c : request.bytes)
+    out << ' ' << std::setw(2) << (static_cast<unsigned>(c) & 0xFFU);
+  return out << std::dec << " ]";
+}
+
+// One call: reads the one request, then writes the one reply.
+class ScriptedDaemon::Call : public grpc::ServerGenericBidiReactor {
+ public:
+  Call(ScriptedDaemon& owner, std::string method) : daemon(owner), path(std::move(method)) {
+    StartRead(&request);
+  }
+
+  void OnReadDone(bool ok) override {
+    if (!ok) return Finish({grpc::StatusCode::INTERNAL, "no request"});
+    const Answer answer = daemon.Receive({path, ToString(request)});
+    if (answer.hangs) return;
+    if (!answer.status.ok()) return Finish(answer.status);
+    reply = ToByteBuffer(answer.bytes);
+    StartWriteAndFinish(&reply, {}, grpc::Status::OK);
+  }
+
+  // A hanging call ends here when its connection does.
+  void OnCancel() override {
+    if (!finished.exchange(true)) grpc::ServerGenericBidiReactor::Finish(grpc::Status::CANCELLED);
+  }
+
+  void OnDone() override { delete this; }
+
+ private:
+  void Finish(const grpc::Status& status) {
+    if (!finished.exchange(true)) grpc::ServerGenericBidiReactor::Finish(status);
+  }
+  void StartWriteAndFinish(const grpc::ByteBuffer* buffer, grpc::WriteOptions options,
+                           const grpc::Status& status) {
+    if (!finished.exchange(true))
+      grpc::ServerGenericBidiReactor::StartWriteAndFinish(buffer, options, status);
+  }
+
+  ScriptedDaemon& daemon;
+  std::string path;
+  grpc::ByteBuffer request;
+  grpc::ByteBuffer reply;
+  std::atomic<bool> finished = false;
+};
+
+ScriptedDaemon::ScriptedDaemon(const std::string& address) {
+  grpc::ServerBuilder builder;
+  // Two daemons of one test must never share a port.
+  builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
+  builder.SetMaxReceiveMessageSize(-1);
+  builder.AddListeningPort(address, grpc::InsecureServerCredentials(), &port);
+  builder.RegisterCallbackGenericService(this);
+  server = builder.BuildAndStart();
+  if (server == nullptr || port == 0) throw std::runtime_error("cannot serve on " + address);
+}
+
+ScriptedDaemon::~ScriptedDaemon() {
+  server->Shutdown(std::chrono::system_clock::now());
+  server->Wait();
+}
+
+std::string ScriptedDaemon::Url() const { return "ipv4:127.0.0.1:" + std::to_string(port); }
+
+void ScriptedDaemon::Script(const std::string& path, Answer answer) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  lasting[path] = std::move(answer);
+}
+
+void ScriptedDaemon::ScriptNext(const std::string& path, Answer answer) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  next[path].push_back(std::move(answer));
+}
+
+std::vector<Request> ScriptedDaemon::TakeRequests() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return std::exchange(requests, {});
+}
+
+bool ScriptedDaemon::WaitForRequests(std::size_t count) {
+  std::unique_lock<std::mutex> lock(mutex);
+  return arrived.wait_for(lock, std::chrono::seconds(20), [&] { return requests.size() >= count; });
+}
+
+bool ScriptedDaemon::LastCallHadDeadline() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return last_had_deadline;
+}
+
+grpc::ServerGenericBidiReactor* ScriptedDaemon::CreateReactor(
+    grpc::GenericCallbackServerContext* context) {
+  {
+    const std::lock_guard<std::mutex> lock(mutex);
+    last_had_deadline = context->deadline() != std::chrono::system_clock::time_point::max();
+  }
+  return new Call(*this, context->method());
+}
+
+Answer ScriptedDaemon::Receive(Request request) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  const std::string path = request.path;
+  requests.push_back(std::move(request));
+  arrived.notify_all();
+  if (auto& queue = next[path]; !queue.empty()) {
+    Answer answer = std::move(queue.front());
+    queue.pop_front();
+    return answer;
+  }
+  const auto found = lasting.find(path);
+  return found != lasting.end() ? found->second : Failure(grpc::StatusCode::UNIMPLEMENTED);
+}
+
+RefusedPort::RefusedPort() : descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+    throw std::runtime_error("cannot reserve a loopback port");
+}
+
+RefusedPort::~RefusedPort() { close(descriptor); }
+
+std::string RefusedPort::Url() const {
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size);
+  return "ipv4:127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+}
+
+}  // namespace support
