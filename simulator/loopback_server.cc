@@ -1,0 +1,51 @@
+#include "simulator/loopback_server.h"
+
+#include <grpcpp/security/server_credentials.h>
+#include <grpcpp/server_builder.h>
+
+#include <chrono>
+
+#include "simulator/loopback_port.h"
+
+namespace simulator {
+namespace {
+
+// How often a port may be lost to another process between finding it free and
+// listening on it.
+constexpr int kAttempts = 5;
+
+// Null when the port is taken.
+std::unique_ptr<grpc::Server> Serve(grpc::Service& service, int port) {
+  grpc::ServerBuilder builder;
+  // Without this, two processes could share the port and each get half the calls.
+  builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
+  for (const std::string& address : LoopbackAddresses())
+    builder.AddListeningPort(address + ':' + std::to_string(port),
+                             grpc::InsecureServerCredentials());
+  builder.RegisterService(&service);
+  return builder.BuildAndStart();
+}
+
+}  // namespace
+
+LoopbackServer::LoopbackServer(grpc::Service& service, int requested_port) : port(requested_port) {
+  if (requested_port != 0) {
+    RequireFreePort(port);
+    server = Serve(service, port);
+  }
+  for (int attempt = 0; requested_port == 0 && server == nullptr && attempt < kAttempts;
+       ++attempt) {
+    port = FindFreePort();
+    server = Serve(service, port);
+  }
+  if (server == nullptr)
+    throw PortUnavailable("cannot listen on port " + std::to_string(port) +
+                          " of the loopback addresses");
+}
+
+LoopbackServer::~LoopbackServer() {
+  server->Shutdown(std::chrono::system_clock::now());
+  server->Wait();
+}
+
+}  // namespace simulator
