@@ -8,6 +8,11 @@ target_compile_options(networkgrpc_hardening INTERFACE
   $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 target_link_options(networkgrpc_hardening INTERFACE
   LINKER:-z,relro LINKER:-z,now LINKER:--as-needed)
+# What is shipped must not tell where it was built, and two builds of the same
+# sources must not differ by it. A debugger at the developer's desk wants to know.
+target_compile_options(networkgrpc_hardening INTERFACE
+  $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>
+  $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${CMAKE_BINARY_DIR}=.>)
 
 add_library(networkgrpc_compile INTERFACE)
 target_compile_features(networkgrpc_compile INTERFACE cxx_std_17 c_std_99)

@@ -1,0 +1,202 @@
+#!/usr/bin/env bats
+# Programs that others would write, built from what `cmake --install` put down
+# and run against a daemon that is one of them.
+#
+# ctest gives: BUILD_TREE, SOURCE_TREE and BUILD_TYPE, the build to install;
+# LIBDIR, INCLUDEDIR, DATADIR and BINDIR, its folders below the prefix; CMAKE,
+# CMAKE_GENERATOR, READELF, CC, CFLAGS, CXX and CXXFLAGS, the tools and flags of
+# that build.
+
+bats_require_minimum_version 1.5.0
+
+# The limits, in seconds, of a program's run and of the daemon's start.
+RUN_LIMIT=60
+START_LIMIT=30
+
+setup_file() {
+  export LC_ALL=C
+  export PREFIX="$BATS_FILE_TMPDIR/moved here" # a space, as folders may have
+  "$CMAKE" --install "$BUILD_TREE" --prefix "$BATS_FILE_TMPDIR/installed" >/dev/null
+  mv "$BATS_FILE_TMPDIR/installed" "$PREFIX"
+
+  export HEADERS="$PREFIX/$INCLUDEDIR/NetworkgRPC"
+  export PKG_CONFIG_PATH="$PREFIX/$LIBDIR/pkgconfig"
+  # Libraries in folders of their own are found by their users' means.
+  export LD_LIBRARY_PATH="$PREFIX/$LIBDIR"
+
+  start_daemon
+}
+
+teardown_file() {
+  if [ -n "${DAEMON_PID:-}" ]; then
+    kill -TERM "$DAEMON_PID"
+    wait "$DAEMON_PID"
+  fi
+}
+
+start_daemon() {
+  build CXX CXXFLAGS NetworkgRPC-client "$BATS_FILE_TMPDIR/daemon" \
+    -std=c++17 "$BATS_TEST_DIRNAME/daemon/daemon.cc"
+  mkfifo "$BATS_FILE_TMPDIR/port"
+  # Descriptor 3 is bats' own: held open, it would keep bats waiting.
+  "$BATS_FILE_TMPDIR/daemon" >"$BATS_FILE_TMPDIR/port" 3>&- &
+  export DAEMON_PID=$!
+  local port
+  read -r -t "$START_LIMIT" port <"$BATS_FILE_TMPDIR/port"
+  export network_manager_url="127.0.0.1:$port" grpc_dapi_url="127.0.0.1:$port"
+}
+
+# build COMPILER FLAGS MODULE OUTPUT ARGUMENT...: compiles and links one program
+# with what pkg-config says of the module. COMPILER and FLAGS name variables.
+build() {
+  local compiler="${!1}" flags="${!2}" module="$3" output="$4"
+  shift 4
+  # pkg-config escapes for a shell, hence eval.
+  eval "\"$compiler\" $flags \"\$@\" -o \"\$output\" $(pkg-config --cflags --libs "$module")"
+}
+
+# passes PROGRAM ARGUMENT...: the program ends in time, with status 0.
+passes() {
+  timeout "$RUN_LIMIT" "$@"
+}
+
+# configure PROJECT ARGUMENT...: configures one of the CMake projects here.
+configure() {
+  local project="$1"
+  shift
+  "$CMAKE" -S "$BATS_TEST_DIRNAME/$project" -B "$BATS_TEST_TMPDIR/build" \
+    -DCMAKE_PREFIX_PATH="$PREFIX" "$@"
+}
+
+# find_in_project LINE...: configures a project that consists of these lines.
+find_in_project() {
+  mkdir -p "$BATS_TEST_TMPDIR/project"
+  printf '%s\n' 'cmake_minimum_required(VERSION 3.25)' 'project(asking LANGUAGES CXX)' "$@" \
+    >"$BATS_TEST_TMPDIR/project/CMakeLists.txt"
+  "$CMAKE" -S "$BATS_TEST_TMPDIR/project" -B "$BATS_TEST_TMPDIR/project/build" \
+    -DCMAKE_PREFIX_PATH="$PREFIX"
+}
+
+# The output of the last `run`, however CMake broke its lines.
+words() { tr -s ' \n' ' ' <<<"$output"; }
+
+@test "everything is where it belongs" {
+  cd "$PREFIX"
+  for file in NetworkgRPC.h DantegRPC.h NetworkgRPC_c.h NetworkManagerClient.h DAPIClient.h \
+    ostrevan/{common,networkmanager,grpcdapi}.pb.h ostrevan/{networkmanager,grpcdapi}.grpc.pb.h; do
+    echo "$INCLUDEDIR/NetworkgRPC/$file"
+  done | sort >"$BATS_TEST_TMPDIR/expected"
+  find "$INCLUDEDIR" -type f | sort | diff -u "$BATS_TEST_TMPDIR/expected" -
+  for schema in common networkmanager grpcdapi; do
+    [ -f "$DATADIR/NetworkgRPC/proto/ostrevan/$schema.proto" ]
+  done
+  [ "$(readlink "$LIBDIR/libNetworkgRPC.so")" = libNetworkgRPC.so.1 ]
+  [[ "$(readlink -f "$LIBDIR/libNetworkgRPC.so.1")" == */libNetworkgRPC.so.1.*.* ]]
+}
+
+@test "nothing tells where it was built" {
+  # Debug builds keep their paths, for the debugger.
+  local searched=("$PREFIX")
+  if [ "$BUILD_TYPE" = Debug ]; then
+    searched=("$HEADERS" "$PREFIX/$LIBDIR/cmake" "$PREFIX/$LIBDIR/pkgconfig")
+  fi
+  run -1 grep -rlF -e "$BUILD_TREE" -e "$SOURCE_TREE" -e "$BATS_FILE_TMPDIR" "${searched[@]}"
+}
+
+@test "nothing tells users how to compile their own code" {
+  run -1 grep -rnE -e ' -(W|O|g|f)|-Werror|NDEBUG|FORTIFY' \
+    "$PREFIX/$LIBDIR/cmake" "$PREFIX/$LIBDIR/pkgconfig"
+}
+
+@test "the installed library has no search path of its own" {
+  run -0 "$READELF" -dW "$PREFIX/$LIBDIR/libNetworkgRPC.so"
+  grep -q '(SONAME)' <<<"$output"
+  run ! grep -E '\((RPATH|RUNPATH)\)' <<<"$output"
+}
+
+@test "the installed simulator finds the library beside it" {
+  local simulator="$PREFIX/$BINDIR/networkgrpc-simulator"
+  [ -x "$simulator" ] || skip "the simulator is not built"
+  unset LD_LIBRARY_PATH
+  passes "$simulator" --version
+}
+
+@test "NetworkgRPC_c.h is a C99 header that includes what it needs" {
+  for compiler in gcc clang; do
+    command -v "$compiler" >/dev/null || continue
+    "$compiler" -std=c99 -pedantic -Wall -Wextra -Werror -fsyntax-only -x c "$HEADERS/NetworkgRPC_c.h"
+  done
+}
+
+@test "every public header is a C++17 header that includes what it needs" {
+  local flags
+  read -r -a flags < <(pkg-config --cflags grpc++_unsecure)
+  for header in "$HEADERS"/*.h; do
+    printf '#include <%s>\n' "${header##*/}" |
+      "$CXX" -std=c++17 -pedantic -Wall -Wextra -Werror -fsyntax-only -I "$HEADERS" "${flags[@]}" -x c++ -
+  done
+}
+
+@test "the facade and C headers include nothing but the standard library" {
+  for header in NetworkgRPC.h DantegRPC.h NetworkgRPC_c.h; do
+    printf '#include <%s>\n' "$header" | "$CXX" -std=c++17 -M -I "$HEADERS" -x c++ - >"$BATS_TEST_TMPDIR/files"
+    grep -qF "/NetworkgRPC/$header" "$BATS_TEST_TMPDIR/files"
+    run ! grep -E '/grpcpp/|/grpc/|protobuf|absl|ostrevan' "$BATS_TEST_TMPDIR/files"
+  done
+}
+
+@test "a C program is built by pkg-config and runs" {
+  build CC CFLAGS NetworkgRPC "$BATS_TEST_TMPDIR/consumer" \
+    -std=c99 -pedantic -Wall -Wextra -Werror "$BATS_TEST_DIRNAME/c/consumer.c"
+  passes "$BATS_TEST_TMPDIR/consumer"
+}
+
+@test "a C++ program on the facades is built by pkg-config and runs" {
+  run -0 pkg-config --print-requires --print-requires-private NetworkgRPC
+  [ -z "$output" ]
+  build CXX CXXFLAGS NetworkgRPC "$BATS_TEST_TMPDIR/consumer" \
+    -std=c++17 -pedantic -Wall -Wextra -Werror "$BATS_TEST_DIRNAME/facade/consumer.cc"
+  passes "$BATS_TEST_TMPDIR/consumer"
+}
+
+@test "a C++ program on the facades is built by CMake without gRPC and pkg-config" {
+  configure facade -DPKG_CONFIG_EXECUTABLE=/nonexistent
+  "$CMAKE" --build "$BATS_TEST_TMPDIR/build"
+  passes "$BATS_TEST_TMPDIR/build/facade_consumer"
+}
+
+@test "a C++ program on the clients is built by CMake and runs" {
+  configure client
+  "$CMAKE" --build "$BATS_TEST_TMPDIR/build"
+  passes "$BATS_TEST_TMPDIR/build/client_consumer"
+}
+
+@test "asking for the clients without pkg-config names it" {
+  run ! configure client -DPKG_CONFIG_EXECUTABLE=/nonexistent
+  [[ "$(words)" == *"component Client needs what is not installed: pkg-config "* ]]
+}
+
+@test "asking for the clients without gRPC names its modules" {
+  unset PKG_CONFIG_PATH
+  PKG_CONFIG_LIBDIR=/nonexistent run ! configure client
+  [[ "$(words)" == *"component Client needs what is not installed: grpc++_unsecure, protobuf-lite "* ]]
+}
+
+@test "asking for the package alone gives the clients too when gRPC is there" {
+  find_in_project 'find_package(NetworkgRPC REQUIRED)' \
+    'if(NOT TARGET NetworkgRPC::NetworkgRPC OR NOT TARGET NetworkgRPC::Client)' \
+    '  message(FATAL_ERROR "a target is missing")' 'endif()'
+}
+
+@test "asking for the facades alone does not look for gRPC" {
+  find_in_project 'find_package(NetworkgRPC REQUIRED COMPONENTS NetworkgRPC)' \
+    'if(NOT TARGET NetworkgRPC::NetworkgRPC OR TARGET NetworkgRPC::Client)' \
+    '  message(FATAL_ERROR "not the facades alone")' 'endif()'
+}
+
+@test "asking for what does not exist fails" {
+  run ! find_in_project 'find_package(NetworkgRPC REQUIRED COMPONENTS Server)'
+  run ! find_in_project 'find_package(NetworkgRPC 2.0 REQUIRED)'
+  run ! find_in_project 'find_package(NetworkgRPC 0.9 REQUIRED)'
+  find_in_project 'find_package(NetworkgRPC 1.0 REQUIRED)'
+}
