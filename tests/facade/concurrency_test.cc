@@ -3,42 +3,21 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <condition_variable>
-#include <functional>
-#include <mutex>
 #include <sstream>
-#include <thread>
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
 #include "support/captured_stderr.h"
 #include "support/device.h"
 #include "support/show.h"
+#include "support/together.h"
 
 namespace {
 
 using support::DapiPath;
 using support::Device;
 using support::NetworkManagerPath;
-
-// Runs `body` on this many threads, all let go at the same moment.
-void RunTogether(int threads, const std::function<void(int)>& body) {
-  std::mutex mutex;
-  std::condition_variable changed;
-  int ready = 0;
-  std::vector<std::thread> running;
-  for (int i = 0; i < threads; ++i) {
-    running.emplace_back([&, i] {
-      {
-        std::unique_lock<std::mutex> lock(mutex);
-        if (++ready == threads) changed.notify_all();
-        changed.wait(lock, [&] { return ready == threads; });
-      }
-      body(i);
-    });
-  }
-  for (std::thread& thread : running) thread.join();
-}
+using support::RunTogether;
 
 TEST(FirstUse, FromManyThreads_BuildsOneClientWithOneDiscovery) {
   Device device;

@@ -6,60 +6,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <map>
 #include <set>
 
-#include "support/captured_stderr.h"
+#include "support/outcome.h"
 
 namespace {
 
 using support::Device;
+using support::Expected;
 using support::Function;
-using support::Request;
-using support::Step;
-
-struct Outcome {
-  bool done;
-  std::string outputs;
-  std::string printed;
-  std::vector<Request> requests;
-};
-
-bool operator==(const Outcome& a, const Outcome& b) {
-  return a.done == b.done && a.outputs == b.outputs && a.printed == b.printed &&
-         a.requests == b.requests;
-}
-
-std::ostream& operator<<(std::ostream& out, const Outcome& outcome) {
-  out << (outcome.done ? "true" : "false") << "\n  outputs: " << outcome.outputs
-      << "\n  printed: " << outcome.printed << "\n  requests:";
-  for (const Request& request : outcome.requests) out << "\n    " << request;
-  return out;
-}
+using support::Outcome;
 
 Outcome Call(const Function& function, Device& device) {
-  Outcome outcome;
-  support::CapturedStderr captured;
-  outcome.done = function.call(outcome.outputs);
-  outcome.printed = captured.Take();
+  Outcome outcome = support::Call(function);
   outcome.requests = device.TakeRequests();
-  return outcome;
-}
-
-// What must come of a function when these of its steps fail.
-Outcome Expected(const Function& function, const std::set<std::size_t>& failing) {
-  Outcome outcome{function.done, function.outputs, function.printed, {}};
-  std::size_t failed = 0;
-  for (std::size_t i = 0; i < function.steps.size(); ++i) {
-    const Step& step = function.steps[i];
-    outcome.requests.push_back({step.path, step.request});
-    if (failing.count(i) == 0) continue;
-    outcome.done = step.result && (failed == 0 || outcome.done);
-    outcome.outputs = ++failed > 1 ? function.failed_outputs : step.outputs;
-    outcome.printed += step.line;
-    if (!step.goes_on) break;
-  }
   return outcome;
 }
 
@@ -133,13 +93,8 @@ TEST_P(EveryFunction, DaemonsStopAfterTheFirstUse_PrintsEveryLine) {
   device.BuildClients();
   device.StopNetworkManager();
   device.StopDapi();
-  std::set<std::size_t> all;
-  for (std::size_t i = 0; i < GetParam().steps.size(); ++i) all.insert(i);
-  Outcome expected = Expected(GetParam(), all);
-  expected.requests.clear();
-  if (!all.empty()) expected.outputs = GetParam().failed_outputs;
 
-  EXPECT_EQ(Call(GetParam(), device), expected);
+  EXPECT_EQ(Call(GetParam(), device), support::ExpectedWithoutDaemon(GetParam()));
 }
 
 TEST_P(EveryFunction, DaemonsWereNeverThere_FailsWithoutRoles) {
@@ -147,24 +102,8 @@ TEST_P(EveryFunction, DaemonsWereNeverThere_FailsWithoutRoles) {
   const support::RefusedPort nobody;
   setenv("network_manager_url", nobody.Url().c_str(), 1);
   setenv("grpc_dapi_url", nobody.Url().c_str(), 1);
-  std::set<std::size_t> all;
-  for (std::size_t i = 0; i < GetParam().steps.size(); ++i) all.insert(i);
-  Outcome expected = Expected(GetParam(), all);
-  expected.requests.clear();
-  expected.outputs = GetParam().failed_outputs;
-  // Without the daemon at the first use no role is known, so these ask nobody.
-  const std::map<std::string, std::string> needs_a_role = {
-      {"GetControlInterfacesInfo", ""},
-      {"cGetControlInterface", ""},
-      {"SetDanteIP", ""},
-      {"GetTarvoInterfaceName",
-       "libNetworkgRPC: wrong interface ID while getting tarvo name: 12\n"}};
-  if (const auto found = needs_a_role.find(GetParam().name); found != needs_a_role.end()) {
-    expected.done = false;
-    expected.printed = found->second;
-  }
 
-  EXPECT_EQ(Call(GetParam(), device), expected);
+  EXPECT_EQ(Call(GetParam(), device), support::ExpectedWithoutRoles(GetParam()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Library, EveryFunction, testing::ValuesIn(support::AllFunctions()),

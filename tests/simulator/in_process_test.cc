@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
@@ -57,6 +60,31 @@ TEST_F(InProcess, WithDevice_ModelChanged_TheNextCallTellsIt) {
   std::string name;
   EXPECT_TRUE(DantegRPC::GetName(name));
   EXPECT_EQ(name, "changed");
+}
+
+TEST_F(InProcess, WithDevice_ClientsAndTestAtOnce_EveryChangeIsKept) {
+  constexpr int kClients = 8;  // as many as there are receive channels
+  constexpr int kRounds = 20;
+  std::vector<std::thread> clients;
+  for (int id = 1; id <= kClients; ++id)
+    clients.emplace_back([this, id] {
+      for (int round = 0; round < kRounds; ++round) {
+        ostrevan::grpcdapi::LinkInfo link;
+        link.set_id(id);
+        Ask(&DanteStub::SetRxChannelLink, link);  // unsubscribes
+        link.set_devicename("Stage-Box");
+        link.set_channelname(std::to_string(round));
+        Ask(&DanteStub::SetRxChannelLink, link);
+        device.WithDevice([](simulator::Device& it) { it.dante.latency += 1; });
+      }
+    });
+  for (std::thread& client : clients) client.join();
+
+  device.WithDevice([](simulator::Device& it) {
+    EXPECT_EQ(it.dante.links.size(), kClients);
+    for (const auto& [id, link] : it.dante.links) EXPECT_EQ(link.channel_name, "19") << id;
+    EXPECT_EQ(it.dante.latency, 1000U + kClients * kRounds);
+  });
 }
 
 TEST_F(InProcess, Stop_ServingDevice_EndsBothDaemonsAndKeepsTheModel) {

@@ -93,7 +93,7 @@ template <class Request>
 Change Dante(const std::string& name,
              grpc::Status (dapi::DAPI::Stub::*method)(grpc::ClientContext*, const Request&,
                                                       dapi::Success*),
-             std::function<void(Request&)> edit) {
+             const std::function<void(Request&)>& edit) {
   return {name, [method, edit](const Stubs& stubs) {
             Request request;
             edit(request);
@@ -127,7 +127,7 @@ Change RxName(const std::string& condition, int id, const std::string& name) {
                               });
 }
 
-Change Link(const std::string& condition, std::function<void(dapi::LinkInfo&)> edit) {
+Change Link(const std::string& condition, const std::function<void(dapi::LinkInfo&)>& edit) {
   return Dante<dapi::LinkInfo>("SetRxChannelLink_" + condition, &dapi::DAPI::Stub::SetRxChannelLink,
                                [edit](auto& it) {
                                  it.set_id(1);

@@ -12,7 +12,7 @@ class SimulatorProcess {
  public:
   /// Starts it and waits until it is ready. Throws std::runtime_error when it
   /// ends before, or is not ready after 20 seconds.
-  explicit SimulatorProcess(const std::vector<std::string>& arguments = {});
+  explicit SimulatorProcess(const std::vector<std::string>& options = {});
   /// Kills it when it still runs. It also dies with the test.
   ~SimulatorProcess();
 

@@ -26,13 +26,16 @@ std::string DapiPath(const std::string& method) { return "/ostrevan.grpcdapi.DAP
 
 Answer Reply(const google::protobuf::MessageLite& message) { return {message.SerializeAsString()}; }
 
-Device::Device() {
-  ostrevan::networkmanager::Interfaces interfaces;
-  Add(interfaces, kLan0, "lan0", kLan0Mac);
-  Add(interfaces, kLan1, "lan1", kLan1Mac);
-  Add(interfaces, kLan2, "lan2", kLan2Mac);
-  Add(interfaces, kLan3, "lan3", kLan3Mac);
-  network_manager->Script(NetworkManagerPath("GetAvailableInterfaces"), Reply(interfaces));
+Device::Device(const std::string& network_manager_address, const std::string& dapi_address)
+    : network_manager(std::make_unique<ScriptedDaemon>(network_manager_address)),
+      dapi(std::make_unique<ScriptedDaemon>(dapi_address)) {
+  ostrevan::networkmanager::Interfaces list;
+  Add(list, kLan0, "lan0", kLan0Mac);
+  Add(list, kLan1, "lan1", kLan1Mac);
+  Add(list, kLan2, "lan2", kLan2Mac);
+  Add(list, kLan3, "lan3", kLan3Mac);
+  interfaces = Reply(list);
+  network_manager->Script(NetworkManagerPath("GetAvailableInterfaces"), interfaces);
   setenv("network_manager_url", network_manager->Url().c_str(), 1);
   setenv("grpc_dapi_url", dapi->Url().c_str(), 1);
   for (const char* role :

@@ -34,7 +34,9 @@ class Device {
  public:
   /// Starts both daemons and points the environment of this process at them.
   /// The list of interfaces is scripted, nothing else.
-  Device();
+  Device() : Device("127.0.0.1:0", "127.0.0.1:0") {}
+  /// ... at these addresses.
+  Device(const std::string& network_manager_address, const std::string& dapi_address);
 
   /// Makes the library build both clients, and forgets the calls that it took.
   void BuildClients();
@@ -45,8 +47,9 @@ class Device {
   void StopNetworkManager() { network_manager.reset(); }
   void StopDapi() { dapi.reset(); }
 
-  std::unique_ptr<ScriptedDaemon> network_manager = std::make_unique<ScriptedDaemon>();
-  std::unique_ptr<ScriptedDaemon> dapi = std::make_unique<ScriptedDaemon>();
+  std::unique_ptr<ScriptedDaemon> network_manager;
+  std::unique_ptr<ScriptedDaemon> dapi;
+  Answer interfaces;  // the list with the four, for who scripts it anew
 };
 
 }  // namespace support

@@ -1,5 +1,7 @@
 #include "support/failing_new.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <new>
 
@@ -7,31 +9,71 @@ namespace support {
 namespace {
 
 struct Plan {
-  std::size_t fail = 0;
-  std::size_t size = 0;
+  Watch watch;
   std::size_t seen = 0;
   bool armed = false;
+  bool deciding = false;  // what is asked may allocate, too
+  std::array<void*, 4096> alive{};
+  std::size_t alive_count = 0;
 };
 thread_local Plan plan;
 
+bool IsWatched(std::size_t size) {
+  if (!plan.armed || plan.deciding || size < plan.watch.size) return false;
+  if (plan.watch.counts == nullptr) return true;
+  plan.deciding = true;
+  const bool counts = plan.watch.counts();
+  plan.deciding = false;
+  return counts;
+}
+
+bool MustFail() {
+  if (plan.watch.fail == 0) return false;
+  return plan.watch.from_then_on ? plan.seen >= plan.watch.fail : plan.seen == plan.watch.fail;
+}
+
 void* Allocate(std::size_t size) {
-  if (plan.armed && size >= plan.size && ++plan.seen == plan.fail) throw std::bad_alloc();
-  if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
-  throw std::bad_alloc();
+  const bool watched = IsWatched(size);
+  if (watched) {
+    ++plan.seen;
+    if (MustFail()) throw std::bad_alloc();
+  }
+  void* memory = std::malloc(size != 0 ? size : 1);
+  if (memory == nullptr) throw std::bad_alloc();
+  if (watched && plan.alive_count < plan.alive.size()) plan.alive[plan.alive_count++] = memory;
+  return memory;
+}
+
+void Free(void* memory) noexcept {
+  if (plan.alive_count != 0) {
+    auto* const end = plan.alive.data() + plan.alive_count;
+    if (auto* const found = std::find(plan.alive.data(), end, memory); found != end)
+      *found = plan.alive[--plan.alive_count];
+  }
+  std::free(memory);
 }
 
 }  // namespace
 
-void FailAllocation(std::size_t count, std::size_t size) { plan = {count, size, 0, true}; }
+void FailAllocation(std::size_t count, std::size_t size) { WatchAllocations({count, size}); }
+
+void WatchAllocations(const Watch& watch) {
+  plan.watch = watch;
+  plan.seen = 0;
+  plan.alive_count = 0;
+  plan.armed = true;
+}
 
 std::size_t AllocationsSeen() {
   plan.armed = false;
   return plan.seen;
 }
 
+std::size_t AllocationsAlive() { return plan.alive_count; }
+
 }  // namespace support
 
 // The program's own operators: the library, and what it is linked with, use them.
 void* operator new(std::size_t size) { return support::Allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept { support::Free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { support::Free(memory); }

@@ -10,7 +10,20 @@ namespace support {
 /// throws std::bad_alloc; the ones before and after it succeed.
 void FailAllocation(std::size_t count, std::size_t size);
 
-/// Ends that, and tells how many allocations of that size there were.
+/// Which allocations of the calling thread are watched, and which of them fail.
+struct Watch {
+  std::size_t fail = 0;        // the number of the one to fail, from 1 on; 0: none
+  std::size_t size = 0;        // only those of at least so many bytes count
+  bool from_then_on = false;   // the ones after it fail, too
+  bool (*counts)() = nullptr;  // asked about each by the thread that allocates, if given
+};
+void WatchAllocations(const Watch& watch);
+
+/// Ends that, and tells how many allocations were watched.
 std::size_t AllocationsSeen();
+
+/// How many of the watched allocations are not freed yet. Only the last few
+/// thousand are followed.
+std::size_t AllocationsAlive();
 
 }  // namespace support

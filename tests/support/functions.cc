@@ -1,11 +1,20 @@
 #include "support/functions.h"
 
 #include <iterator>
+#include <map>
 #include <utility>
 
 #include "ostrevan/common.pb.h"
 
 namespace support {
+namespace {
+
+ScriptedDaemon& DaemonOf(Device& device, const std::string& path) {
+  const bool network = path.rfind(NetworkManagerPath(""), 0) == 0;
+  return network ? *device.network_manager : *device.dapi;
+}
+
+}  // namespace
 
 std::ostream& operator<<(std::ostream& out, const Function& function) {
   return out << function.name;
@@ -20,10 +29,25 @@ std::vector<Function> AllFunctions() {
 }
 
 void ScriptSuccess(Device& device, const Function& function) {
-  for (const Step& step : function.steps) {
-    const bool network = step.path.rfind(NetworkManagerPath(""), 0) == 0;
-    ScriptedDaemon& daemon = network ? *device.network_manager : *device.dapi;
-    daemon.ScriptNext(step.path, {step.reply});
+  for (const Step& step : function.steps)
+    DaemonOf(device, step.path).ScriptNext(step.path, {step.reply});
+}
+
+Answer AnswerWell(const Step* step, const std::string&) {
+  return step != nullptr ? Answer{step->reply} : Failure(grpc::StatusCode::INVALID_ARGUMENT);
+}
+
+void ScriptForGood(Device& device, const std::vector<Function>& functions,
+                   const Answering& answering) {
+  std::map<std::string, std::map<std::string, Step>> by_path;
+  for (const Function& function : functions)
+    for (const Step& step : function.steps) by_path[step.path][step.request] = step;
+  for (auto& [path, steps] : by_path) {
+    const auto answer = [steps = std::move(steps), answering](const std::string& request) {
+      const auto found = steps.find(request);
+      return answering(found != steps.end() ? &found->second : nullptr, request);
+    };
+    DaemonOf(device, path).ScriptEach(path, answer);
   }
 }
 

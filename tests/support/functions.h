@@ -48,7 +48,21 @@ std::vector<Function> AllFunctions();
 /// Lets the device answer every step of the function well.
 void ScriptSuccess(Device& device, const Function& function);
 
+/// Makes the answer to one request: `step` is the table's step of that request,
+/// null when there is none.
+using Answering = std::function<Answer(const Step* step, const std::string& request)>;
+Answer AnswerWell(const Step* step, const std::string& request);
+
+/// Lets the device answer every step of these functions from now on, in any order
+/// and as often as asked. The list of interfaces becomes the table's, so build the
+/// clients before.
+void ScriptForGood(Device& device, const std::vector<Function>& functions,
+                   const Answering& answering = AnswerWell);
+
 // --- What the table is made with ----------------------------------------------
+
+/// The text that readers hand out: too long to be kept without an allocation.
+inline constexpr const char* kAfter = "after, and longer than a small string";
 
 /// A call of a plain reader.
 Step Ask(std::string path, const google::protobuf::MessageLite& request,

@@ -39,7 +39,7 @@ Status On() {
 // The five readers of identity texts, which fail in silence.
 template <class Message>
 Function Text(const std::string& name, bool (*call)(std::string&), const Message& reply) {
-  return Reader<std::string>(name, call, "before", "after",
+  return Reader<std::string>(name, call, "before", kAfter,
                              {Ask(DapiPath(name), Empty(), reply, "")});
 }
 
@@ -85,14 +85,14 @@ std::vector<Function> Settings() {
   const std::vector<int> before = {1};
 
   return {
-      Text("GetName", &DantegRPC::GetName, MakeName("after")),
+      Text("GetName", &DantegRPC::GetName, MakeName(kAfter)),
       Setter(
           "SetName", [] { return DantegRPC::SetName("new"); }, "SetName", MakeName("new"),
           "error while setting dante name in "),
-      Text("GetFirmwareVersion", &DantegRPC::GetFirmwareVersion, MakeVersion("after")),
-      Text("GetSoftwareVersion", &DantegRPC::GetSoftwareVersion, MakeVersion("after")),
-      Text("GetModelName", &DantegRPC::GetModelName, MakeName("after")),
-      Text("GetModelVersion", &DantegRPC::GetModelVersion, MakeVersion("after")),
+      Text("GetFirmwareVersion", &DantegRPC::GetFirmwareVersion, MakeVersion(kAfter)),
+      Text("GetSoftwareVersion", &DantegRPC::GetSoftwareVersion, MakeVersion(kAfter)),
+      Text("GetModelName", &DantegRPC::GetModelName, MakeName(kAfter)),
+      Text("GetModelVersion", &DantegRPC::GetModelVersion, MakeVersion(kAfter)),
       Reader("GetAvailableSampleRates", &DantegRPC::GetAvailableSampleRates, before,
              {1, 48000, 44100},
              {Ask(DapiPath("GetAvailableSampleRates"), Empty(), rates,
@@ -131,7 +131,7 @@ Channels TwoChannels() {
   for (const int id : {3, 4}) {
     auto& channel = *channels.add_channels();
     channel.set_id(id);
-    channel.set_name("label " + std::to_string(id));
+    channel.set_name("label of channel " + std::to_string(id));
     channel.set_defaultname("default " + std::to_string(id));
   }
   return channels;
@@ -139,7 +139,7 @@ Channels TwoChannels() {
 
 const std::vector<DantegRPC::Channel> kChannelsBefore = {{9, "before"}};
 const std::vector<DantegRPC::Channel> kChannelsAfter = {
-    {9, "before"}, {3, "label 3"}, {4, "label 4"}};
+    {9, "before"}, {3, "label of channel 3"}, {4, "label of channel 4"}};
 
 Function ChannelCounts() {
   struct Counts {
@@ -171,8 +171,8 @@ Function ChannelCounts() {
 LinkInfo NamedLink() {
   LinkInfo link;
   link.set_id(99);  // the channel's own number counts, not this one
-  link.set_devicename("stage box");
-  link.set_channelname("Mic 1");
+  link.set_devicename("stage box, left wing");
+  link.set_channelname("microphone 1, lead singer");
   link.set_flag5(true);
   return link;
 }
@@ -195,8 +195,8 @@ LinkInfo RawLink() {
 DantegRPC::ChannelLink NamedRecord(int rx) {
   DantegRPC::ChannelLink record;
   record.rxChannelId = rx;
-  record.channelName = "Mic 1";
-  record.deviceName = "stage box";
+  record.channelName = "microphone 1, lead singer";
+  record.deviceName = "stage box, left wing";
   return record;
 }
 
@@ -238,8 +238,8 @@ std::vector<Function> ChannelsAndRouting() {
   renamed.set_name("new");
   LinkInfo subscribed;
   subscribed.set_id(4);
-  subscribed.set_devicename("stage box");
-  subscribed.set_channelname("Mic 1");
+  subscribed.set_devicename("stage box, left wing");
+  subscribed.set_channelname("microphone 1, lead singer");
 
   return {
       Reader("GetTxChannels", &DantegRPC::GetTxChannels, kChannelsBefore, kChannelsAfter,

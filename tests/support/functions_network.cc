@@ -90,15 +90,21 @@ std::string StatusLine(const std::string& name) {
   return "libNetworkgRPC: ERROR: error while requesting network status in " + name + "\n";
 }
 
+// The mode in which both Dante interfaces are in use.
+ostrevan::networkmanager::SwitchMode BothPorts() {
+  ostrevan::networkmanager::SwitchMode mode;
+  mode.set_id(1);
+  mode.set_name("one, with both ports");
+  return mode;
+}
+
 Function DanteInterfaces() {
   const std::string name = "GetDanteInterfacesInfo";
-  ostrevan::networkmanager::SwitchMode both;
-  both.set_id(1);
   const std::vector<int> ids = {kLan0, kLan2};
   return Reader(name, &NetworkgRPC::GetDanteInterfacesInfo, kBefore,
                 After({Record(1, "10.2.0.10", "255.255.0.0", kLan0Mac, true),
                        Record(0, "10.2.0.12", "255.255.0.0", kLan2Mac, true)}),
-                {Ask(NetworkManagerPath("GetSwitchModeStatus"), Empty(), both, ""),
+                {Ask(NetworkManagerPath("GetSwitchModeStatus"), Empty(), BothPorts(), ""),
                  ConfigStep(ids, ConfigLine(name)), StatusStep(ids, StatusLine(name))});
 }
 
@@ -190,13 +196,13 @@ Function AddressSetter(const std::string& name, int id, const std::string& what,
 
 Function SwitchModes() {
   ostrevan::networkmanager::SwitchModes modes;
-  modes.add_modes()->set_name("zero");
+  modes.add_modes()->set_name("zero, with one port");
   auto& second = *modes.add_modes();
   second.set_id(1);
   second.set_name("one");
   const std::vector<NetworkgRPC::SwitchMode> before = {{7, "before"}};
   return Reader("GetSwitchModes", &NetworkgRPC::GetSwitchModes, before,
-                {{7, "before"}, {0, "zero"}, {1, "one"}},
+                {{7, "before"}, {0, "zero, with one port"}, {1, "one"}},
                 {Ask(NetworkManagerPath("GetAvailableSwitchModes"), Empty(), modes,
                      "libNetworkgRPC: ERROR: error while requesting available switch mode in "
                      "GetSwitchModes\n")});
@@ -204,12 +210,9 @@ Function SwitchModes() {
 
 Function SwitchModeReader(const std::string& name, bool (*call)(NetworkgRPC::SwitchMode&),
                           const std::string& rpc) {
-  ostrevan::networkmanager::SwitchMode mode;
-  mode.set_id(2);
-  mode.set_name("two");
   return Reader<NetworkgRPC::SwitchMode>(
-      name, call, {7, "before"}, {2, "two"},
-      {Ask(NetworkManagerPath(rpc), Empty(), mode,
+      name, call, {7, "before"}, {1, "one, with both ports"},
+      {Ask(NetworkManagerPath(rpc), Empty(), BothPorts(),
            "libNetworkgRPC: ERROR: error while requesting current switch mode in " + name + "\n")});
 }
 
@@ -226,23 +229,23 @@ template <class Message>
 Function TextReader(const std::string& name, bool (*call)(std::string&), const std::string& rpc,
                     const Message& reply, const std::string& line) {
   return Reader<std::string>(
-      name, call, "before", "after",
+      name, call, "before", kAfter,
       {Ask(NetworkManagerPath(rpc), Empty(), reply, "libNetworkgRPC: " + name + line)});
 }
 
 std::vector<Function> HostSettings() {
   Hostname hostname;
-  hostname.set_hostname("after");
+  hostname.set_hostname(kAfter);
   NTPServer servers;
-  servers.add_servers("after");
+  servers.add_servers(kAfter);
   servers.add_servers("not the first");
   NTPServer one_server;
   one_server.add_servers("ntp.example");
   DNS dns;
-  dns.add_dns("after");
+  dns.add_dns(kAfter);
   dns.add_dns("not the first");
   Routing routing;
-  routing.set_gateway("after");
+  routing.set_gateway(kAfter);
 
   Step set_ntp = Confirm(NetworkManagerPath("SetNTPServer"), one_server,
                          "libNetworkgRPC: SetNTPServer: error while setting NTP server via gRPC\n");
@@ -254,7 +257,7 @@ std::vector<Function> HostSettings() {
 
   return {
       TextReader("GetHostname", &NetworkgRPC::GetHostname, "GetHostname", hostname, kInformations),
-      Changer("SetHostname", [] { return NetworkgRPC::SetHostname("after"); },
+      Changer("SetHostname", [] { return NetworkgRPC::SetHostname(kAfter); },
               {Confirm(NetworkManagerPath("SetHostname"), hostname,
                        std::string("libNetworkgRPC: SetHostname") + kInformations)}),
       TextReader("GetNTPServer", &NetworkgRPC::GetNTPServer, "GetNTPServer", servers,
@@ -299,7 +302,7 @@ std::vector<Function> CFunctions() {
           [](cInterfaceInfo& entry) { return cGetControlInterface(&entry, 1) == 1; }, before, after,
           control.steps),
       Reader<int>(
-          "cGetCurrentSwitchMode", [](int& id) { return cGetCurrentSwitchMode(&id) == 0; }, 7, 2,
+          "cGetCurrentSwitchMode", [](int& id) { return cGetCurrentSwitchMode(&id) == 0; }, 7, 1,
           mode.steps),
       ampname,
   };

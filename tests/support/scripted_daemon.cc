@@ -98,13 +98,29 @@ ScriptedDaemon::~ScriptedDaemon() {
 std::string ScriptedDaemon::Url() const { return "ipv4:127.0.0.1:" + std::to_string(port); }
 
 void ScriptedDaemon::Script(const std::string& path, Answer answer) {
+  ScriptEach(path, [answer = std::move(answer)](const std::string&) { return answer; });
+}
+
+void ScriptedDaemon::ScriptEach(const std::string& path,
+                                std::function<Answer(const std::string&)> answer) {
   const std::lock_guard<std::mutex> lock(mutex);
   lasting[path] = std::move(answer);
+}
+
+void ScriptedDaemon::ForgetRequests() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  forgets = true;
+  requests.clear();
 }
 
 void ScriptedDaemon::ScriptNext(const std::string& path, Answer answer) {
   const std::lock_guard<std::mutex> lock(mutex);
   next[path].push_back(std::move(answer));
+}
+
+void ScriptedDaemon::ScriptFor(Request request, Answer answer) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  exact[{std::move(request.path), std::move(request.bytes)}] = std::move(answer);
 }
 
 std::vector<Request> ScriptedDaemon::TakeRequests() {
@@ -132,17 +148,25 @@ grpc::ServerGenericBidiReactor* ScriptedDaemon::CreateReactor(
 }
 
 Answer ScriptedDaemon::Receive(Request request) {
-  const std::lock_guard<std::mutex> lock(mutex);
-  const std::string path = request.path;
-  requests.push_back(std::move(request));
-  arrived.notify_all();
-  if (auto& queue = next[path]; !queue.empty()) {
-    Answer answer = std::move(queue.front());
-    queue.pop_front();
-    return answer;
+  const std::string bytes = request.bytes;
+  std::function<Answer(const std::string&)> answer;
+  {
+    const std::lock_guard<std::mutex> lock(mutex);
+    const std::string path = request.path;
+    if (!forgets) requests.push_back(std::move(request));
+    arrived.notify_all();
+    if (const auto scripted = exact.find({path, bytes}); scripted != exact.end())
+      return scripted->second;
+    if (auto& queue = next[path]; !queue.empty()) {
+      Answer first = std::move(queue.front());
+      queue.pop_front();
+      return first;
+    }
+    const auto found = lasting.find(path);
+    if (found == lasting.end()) return Failure(grpc::StatusCode::UNIMPLEMENTED);
+    answer = found->second;
   }
-  const auto found = lasting.find(path);
-  return found != lasting.end() ? found->second : Failure(grpc::StatusCode::UNIMPLEMENTED);
+  return answer(bytes);
 }
 
 RefusedPort::RefusedPort() : descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {

@@ -8,11 +8,13 @@
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace support {
@@ -53,6 +55,13 @@ class ScriptedDaemon : private grpc::CallbackGenericService {
   void Script(const std::string& path, Answer answer);
   /// Answers the next calls of `path` one by one before the lasting answer holds.
   void ScriptNext(const std::string& path, Answer answer);
+  /// Answers this very request so from now on, before all else.
+  void ScriptFor(Request request, Answer answer);
+  /// Answers every call of `path` from now on with what `answer` makes of the
+  /// request's bytes; it may be asked by several threads at once.
+  void ScriptEach(const std::string& path, std::function<Answer(const std::string&)> answer);
+  /// Keeps no requests from now on: for runs too long to remember all of them.
+  void ForgetRequests();
 
   /// What has arrived since the last time this was asked.
   std::vector<Request> TakeRequests();
@@ -71,8 +80,10 @@ class ScriptedDaemon : private grpc::CallbackGenericService {
   std::mutex mutex;
   std::condition_variable arrived;
   std::vector<Request> requests;
-  std::map<std::string, Answer> lasting;
+  bool forgets = false;
+  std::map<std::string, std::function<Answer(const std::string&)>> lasting;
   std::map<std::string, std::deque<Answer>> next;
+  std::map<std::pair<std::string, std::string>, Answer> exact;
   bool last_had_deadline = false;
   int port = 0;
   std::unique_ptr<grpc::Server> server;

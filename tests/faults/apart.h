@@ -1,0 +1,24 @@
+// Many cases at once, each in a process of its own: a fault of the connection
+// needs clients that no other case has used.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "faults/tally.h"
+
+namespace faults {
+
+struct Job {
+  std::string name;
+  std::function<void(Tally&)> work;
+};
+
+/// Runs all jobs at the same time and adds up what they counted. This process
+/// must not have used gRPC yet. A job that has not ended after `limit` is ended
+/// and counts as a case that failed.
+Tally RunApart(const std::vector<Job>& jobs, std::chrono::seconds limit);
+
+}  // namespace faults

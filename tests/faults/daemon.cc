@@ -1,0 +1,51 @@
+// A scripted daemon as a program: serves the address that it is given, takes
+// commands on standard input and answers each with one line. Ends with the test
+// that started it.
+//   answer PATH REQUEST REPLY | hang PATH REQUEST x | wait COUNT | forget
+#include <signal.h>
+#include <sys/prctl.h>
+
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "faults/hex.h"
+#include "support/scripted_daemon.h"
+
+namespace {
+
+std::string Obey(support::ScriptedDaemon& daemon, const std::string& line) {
+  std::istringstream words(line);
+  std::string verb;
+  words >> verb;
+  if (verb == "wait") {
+    std::size_t count = 0;
+    words >> count;
+    return daemon.WaitForRequests(count) ? "yes" : "no";
+  }
+  if (verb == "forget") {
+    daemon.TakeRequests();
+    return "ok";
+  }
+  std::string path;
+  std::string request;
+  std::string reply;
+  words >> path >> request >> reply;
+  support::Answer answer{faults::FromHex(reply)};
+  answer.hangs = verb == "hang";
+  daemon.ScriptFor({path, faults::FromHex(request)}, answer);
+  return "ok";
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) return 2;
+  // A stopped process would not see the end of its input.
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  support::ScriptedDaemon daemon(argv[1]);
+  std::cout << "ready" << std::endl;
+  for (std::string line; std::getline(std::cin, line);)
+    std::cout << Obey(daemon, line) << std::endl;
+  return 0;
+}
