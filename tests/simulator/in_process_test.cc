@@ -75,12 +75,16 @@ TEST_F(InProcess, WithDevice_ClientsAndTestAtOnce_EveryChangeIsKept) {
         link.set_devicename("Stage-Box");
         link.set_channelname(std::to_string(round));
         Ask(&DanteStub::SetRxChannelLink, link);
-        device.WithDevice([](simulator::Device& it) { it.dante.latency += 1; });
+        device.WithDevice([](simulator::Device& it) {
+          const std::uint32_t before = it.dante.latency;
+          std::this_thread::yield();  // an invitation to come in between
+          it.dante.latency = before + 1;
+        });
       }
     });
   for (std::thread& client : clients) client.join();
 
-  device.WithDevice([](simulator::Device& it) {
+  device.WithDevice([&](const simulator::Device& it) {
     EXPECT_EQ(it.dante.links.size(), kClients);
     for (const auto& [id, link] : it.dante.links) EXPECT_EQ(link.channel_name, "19") << id;
     EXPECT_EQ(it.dante.latency, 1000U + kClients * kRounds);
