@@ -1,0 +1,179 @@
+// A long run of mixed calls from a few threads against daemons of which every
+// tenth answer is faulty and which are killed and started again all the time.
+// Every result, output and line is checked; the process must not grow.
+#include <CLI/CLI.hpp>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <mutex>
+#include <random>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "load/daemon_process.h"
+#include "load/process_size.h"
+#include "support/captured_stderr.h"
+#include "support/outcome.h"
+#include "support/together.h"
+
+namespace {
+
+using load::ProcessSize;
+using support::Function;
+
+struct Figures {
+  std::atomic<long> calls = 0;
+  std::atomic<long> failed = 0;  // as the table says that they fail
+  std::atomic<long> wrong = 0;
+  long lines = 0;
+  long foreign_lines = 0;  // gRPC's own
+  long torn_lines = 0;     // anybody else's
+  long restarts = 0;
+  std::vector<ProcessSize> samples;
+};
+
+using Result = std::pair<bool, std::string>;
+
+// What may come of a function whichever of its steps fail.
+std::set<Result> PossibleFailures(const Function& function) {
+  std::set<Result> results;
+  for (unsigned subset = 1; subset < 1U << function.steps.size(); ++subset) {
+    std::set<std::size_t> failing;
+    for (std::size_t i = 0; i < function.steps.size(); ++i)
+      if ((subset >> i & 1U) != 0) failing.insert(i);
+    const support::Outcome outcome = Expected(function, failing);
+    results.insert({outcome.done, outcome.outputs});
+  }
+  return results;
+}
+
+class Mix {
+ public:
+  explicit Mix(Figures& counted) : figures(counted) {
+    for (const Function& function : functions) {
+      failures.push_back(PossibleFailures(function));
+      Learn(function.printed);
+      for (const support::Step& step : function.steps) Learn(step.line);
+    }
+  }
+
+  /// `calls` functions chosen at random.
+  void Run(int thread, long calls) {
+    std::mt19937 random(static_cast<unsigned>(thread) * 7919U +
+                        static_cast<unsigned>(figures.calls.load()));
+    for (long i = 0; i < calls; ++i) CallOne(random() % functions.size());
+  }
+
+  /// Every line that was printed must be one of the library's, or gRPC's own.
+  void CheckLines(const std::string& printed) {
+    static const std::regex foreign("[EID][0-9]{4} .*");
+    std::istringstream stream(printed);
+    for (std::string line; std::getline(stream, line);) {
+      if (lines.count(line) != 0) {
+        ++figures.lines;
+      } else if (std::regex_match(line, foreign)) {
+        ++figures.foreign_lines;
+      } else {
+        if (++figures.torn_lines < 10) std::printf("unknown line: %s\n", line.c_str());
+      }
+    }
+  }
+
+ private:
+  void Learn(const std::string& text) {
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.insert(line);
+  }
+
+  void CallOne(std::size_t index) {
+    const Function& function = functions[index];
+    // setampname is the one function that is not for several threads at once.
+    std::unique_lock<std::mutex> lock(ampname, std::defer_lock);
+    if (function.name == "setampname") lock.lock();
+    Result result;
+    result.first = function.call(result.second);
+    ++figures.calls;
+    if (result == Result(function.done, function.outputs)) return;
+    if (failures[index].count(result) != 0) {
+      ++figures.failed;
+    } else if (++figures.wrong < 10) {
+      std::printf("wrong: %s gave %d %s\n", function.name.c_str(), result.first,
+                  result.second.c_str());
+    }
+  }
+
+  const std::vector<Function> functions = support::AllFunctions();
+  std::vector<std::set<Result>> failures;
+  std::set<std::string> lines;
+  std::mutex ampname;
+  Figures& figures;
+};
+
+struct Options {
+  long calls = 1000000;
+  long restart_every = 10000;
+  int threads = 4;
+  std::string daemon;
+};
+
+void Soak(const Options& options, Figures& figures) {
+  load::DaemonProcess daemon(options.daemon);
+  Mix mix(figures);
+  while (figures.calls < options.calls) {
+    support::CapturedStderr captured;
+    support::RunTogether(options.threads, [&](int thread) {
+      mix.Run(thread, options.restart_every / options.threads);
+    });
+    mix.CheckLines(captured.Take());
+    figures.samples.push_back(load::Measure());
+    daemon.Restart();
+    ++figures.restarts;
+  }
+}
+
+void PrintRange(const char* name, const std::vector<ProcessSize>& samples,
+                long ProcessSize::*what) {
+  std::printf("  %-13s first %ld", name, samples.front().*what);
+  for (std::size_t i = 1; i <= 4; ++i)
+    std::printf(", at %zu/4 %ld", i, samples[samples.size() * i / 4 - 1].*what);
+  std::printf("\n");
+}
+
+bool Report(const Figures& figures, double seconds) {
+  std::printf("soak: %ld calls in %.0f s, %ld restarts of the daemons\n", figures.calls.load(),
+              seconds, figures.restarts);
+  std::printf("  %ld calls failed as they should, %ld gave something wrong\n",
+              figures.failed.load(), figures.wrong.load());
+  std::printf("  %ld lines of the library, %ld of gRPC, %ld of nobody\n", figures.lines,
+              figures.foreign_lines, figures.torn_lines);
+  PrintRange("resident KiB", figures.samples, &ProcessSize::resident_kib);
+  PrintRange("threads", figures.samples, &ProcessSize::threads);
+  PrintRange("descriptors", figures.samples, &ProcessSize::descriptors);
+  const std::string grew = load::WhatGrew(figures.samples);
+  std::printf("  %s\n", grew.empty() ? "flat" : grew.c_str());
+  // Fewer failures than one call in twenty would mean that there were no faults.
+  const bool faults_seen = figures.failed * 20 > figures.calls;
+  if (!faults_seen) std::printf("  too few faults\n");
+  return figures.wrong == 0 && figures.torn_lines == 0 && grew.empty() && faults_seen &&
+         figures.failed * 2 < figures.calls;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  CLI::App app("Calls all functions of the library at random, many times");
+  app.add_option("--calls", options.calls, "how many calls")->capture_default_str();
+  app.add_option("--restart-every", options.restart_every, "calls between restarts of the daemons")
+      ->capture_default_str();
+  app.add_option("--threads", options.threads, "how many threads call")->capture_default_str();
+  app.add_option("DAEMON", options.daemon, "the program soak_daemon")->required();
+  CLI11_PARSE(app, argc, argv);
+
+  Figures figures;
+  const auto begin = std::chrono::steady_clock::now();
+  Soak(options, figures);
+  const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+  return Report(figures, taken.count()) ? 0 : 1;
+}
