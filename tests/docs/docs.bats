@@ -1,7 +1,7 @@
 # The documents against the tree that they speak of.
 
 setup() {
-  cd "$SOURCE_DIR"
+  cd "$SOURCE_DIR" || exit
 }
 
 # code_block LANGUAGE FILE: the first fenced block of that language.

@@ -75,5 +75,12 @@ std::size_t AllocationsAlive() { return plan.alive_count; }
 
 // The program's own operators: the library, and what it is linked with, use them.
 void* operator new(std::size_t size) { return support::Allocate(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return support::Allocate(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
 void operator delete(void* memory) noexcept { support::Free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { support::Free(memory); }
