@@ -1,0 +1,145 @@
+#!/usr/bin/env bats
+# What the recorded outputs cannot show: limits, terminals, streams.
+
+# shellcheck disable=SC2154 # set by device.bash and by run
+
+load device.bash
+
+# on_terminal WORDS: runs a command line with a terminal around it.
+on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
+
+@test "Timeout_DaemonNeverAnswers_EndsWithThreeAndSaysWho" {
+  start_device "$DAEMONS" mute
+  run --separate-stderr tool --timeout 0.3 dante name
+  [ "$status" -eq 3 ]
+  [ -z "$output" ]
+  [[ $stderr == "networkgrpc: no answer from the dante-api daemon at 127.0.0.1:"*" within 0.3 s" ]]
+}
+
+@test "Timeout_DaemonNeverAnswersWithJson_PrintsOneErrorObject" {
+  start_device "$DAEMONS" mute
+  run --separate-stderr tool --timeout 0.3 --json hostname get
+  [ "$status" -eq 3 ]
+  [ "$(jq -r '.command + " " + .error.name + " " + .error.daemon' <<<"$output")" = \
+    "hostname get time-limit network-manager" ]
+  /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <<<"$output"
+}
+
+@test "Timeout_NotANumberOfSeconds_IsAUsageError" {
+  for value in 0 -1 abc 1e9 nan ''; do
+    run -2 tool --timeout "$value" dns
+  done
+}
+
+@test "Endpoints_GivenAsOptions_GoBeforeTheEnvironment" {
+  start_simulator
+  network="$network_manager_url" dante="$grpc_dapi_url"
+  absent_device
+  run -8 --separate-stderr tool hostname get
+  run -0 --separate-stderr tool hostname get --network-manager "$network"
+  [ "$output" = amplifier ]
+  run -8 --separate-stderr tool dante name --network-manager "$network"
+  run -0 --separate-stderr tool dante name --dapi "$dante"
+}
+
+@test "Json_CommandLineIsWrong_PrintsOneErrorObject" {
+  for words in "--frobnicate" "interface frobnicate" "switch set" "dante aes67 maybe" ""; do
+    # shellcheck disable=SC2086 # words of one line
+    run -2 --separate-stderr tool --json $words
+    [ -z "$stderr" ]
+    [ "$(jq -r .error.name <<<"$output")" = usage ]
+  done
+}
+
+@test "Arguments_NotUtf8_AreAUsageError" {
+  start_simulator
+  run -2 --separate-stderr tool hostname set $'\xff'
+  [ "$(tool hostname get)" = amplifier ]
+}
+
+@test "Status_OneDaemonAbsent_ShowsTheOther" {
+  start_simulator
+  export grpc_dapi_url=127.0.0.1:1
+  run -8 --separate-stderr tool --json status
+  [ "$(jq -r '.result.network.hostname + " " + .error.daemon' <<<"$output")" = "amplifier dante-api" ]
+  [ "$(jq .result.dante <<<"$output")" = null ]
+}
+
+@test "Doctor_DaemonNeverAnswers_StillReportsEverythingElse" {
+  start_device "$DAEMONS" mute
+  run -8 --separate-stderr tool --timeout 2 doctor
+  [[ $output == *"takes calls, but does not answer them"* ]]
+  [[ $output == *"VARIABLE"* ]]
+}
+
+@test "Doctor_ProxyIsSet_SaysWhatToDo" {
+  start_simulator
+  unset no_grpc_proxy
+  http_proxy=http://127.0.0.1:1 run --separate-stderr tool doctor
+  [ "$status" -ne 0 ]
+  [[ $output == *"http_proxy is set"*"no_grpc_proxy=localhost"* ]]
+}
+
+@test "Doctor_NothingIsWrong_EndsWithZero" {
+  start_simulator
+  run -0 --separate-stderr tool doctor
+  [[ $output == *"Nothing is wrong." ]]
+}
+
+@test "Colour_OutputIsAPipe_IsNotUsed" {
+  start_simulator
+  TERM=xterm run -0 tool interface list
+  [[ $output != *$'\033'* ]]
+}
+
+@test "Colour_OutputIsATerminal_IsUsedUnlessForbidden" {
+  start_simulator
+  run -0 on_terminal "$TOOL interface list"
+  [[ $output == *$'\033[1m'* ]]
+  NO_COLOR=1 run -0 on_terminal "$TOOL interface list"
+  [[ $output != *$'\033'* ]]
+}
+
+@test "DangerousCommand_PersonSaysNo_ChangesNothing" {
+  start_simulator
+  tool hostname set kept >/dev/null
+  run -1 on_terminal "$TOOL factory-reset" <<<n
+  [[ $output == *"[y/N]"*"nothing was changed"* ]]
+  [ "$(tool hostname get)" = kept ]
+}
+
+@test "DangerousCommand_PersonSaysYes_IsDone" {
+  start_simulator
+  tool hostname set lost >/dev/null
+  run -0 on_terminal "$TOOL factory-reset" <<<y
+  [ "$(tool hostname get)" = amplifier ]
+}
+
+@test "DangerousCommand_NoTerminalAndNoYes_ChangesNothing" {
+  start_simulator
+  tool hostname set kept >/dev/null
+  run -2 --separate-stderr tool factory-reset
+  [[ $stderr == *"give --yes"* ]]
+  [ "$(tool hostname get)" = kept ]
+}
+
+@test "SwitchSet_IdOfTheList_SelectsThatMode" {
+  start_simulator
+  for id in $(tool switch list --json | jq '.result.modes[].id'); do
+    tool switch set "$id" >/dev/null
+    [ "$(tool switch configured --json | jq .result.id)" = "$id" ]
+  done
+}
+
+@test "Output_CannotBeWritten_EndsWithOne" {
+  start_simulator
+  run -1 bash -c "'$TOOL' interface list >/dev/full"
+}
+
+@test "Help_EveryCommand_EndsWithZero" {
+  absent_device
+  run -0 tool --help
+  run -0 tool interface set --help
+  [[ $output == "Usage: networkgrpc interface set [OPTION]..."* ]]
+  run -0 tool --version
+}

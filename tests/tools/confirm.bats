@@ -1,0 +1,67 @@
+#!/usr/bin/env bats
+# interface set --confirm-within: the previous configuration comes back unless it
+# is confirmed in time.
+
+# shellcheck disable=SC2154 # set by device.bash and by run
+
+load device.bash
+
+setup() {
+  open_device_input
+  start_simulator
+  before=$(stored)
+}
+
+stored() { tool interface stored lan1 --json | jq -c .result; }
+is_back() { [ "$(stored)" = "$before" ]; }
+is_set() { [ "$(stored | jq -r .ip)" = 192.168.10.60 ]; }
+in_use() { tool interface control --json | jq -r '.result.interfaces[0].ip'; }
+
+change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --reload)
+
+@test "ConfirmWithin_Confirmed_KeepsTheNewConfiguration" {
+  run -0 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<y
+  is_set
+  [ "$(in_use)" = 192.168.10.60 ]
+}
+
+@test "ConfirmWithin_Declined_PutsThePreviousOneBack" {
+  run -1 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<n
+  [[ $stderr == *"not confirmed: the previous configuration is back" ]]
+  is_back
+  [ "$(in_use)" = 192.168.10.57 ]
+}
+
+@test "ConfirmWithin_NoAnswerInTime_PutsThePreviousOneBack" {
+  run -1 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 0.5 <&"$device_input"
+  [[ $stderr == *"the previous configuration is back" ]]
+  is_back
+}
+
+@test "ConfirmWithin_ToolIsKilled_PutsThePreviousOneBack" {
+  "$TOOL" "${change[@]}" --confirm-within 60 <&"$device_input" 2>/dev/null 3>&- &
+  wait_until 10 is_set
+  kill -KILL $!
+  wait_until 10 is_back
+  [ "$(in_use)" = 192.168.10.57 ]
+}
+
+@test "ConfirmWithin_TerminalIsLost_PutsThePreviousOneBack" {
+  # script's end closes the terminal and hangs up whoever is on it.
+  script --quiet --command "$TOOL ${change[*]} --confirm-within 60" /dev/null \
+    <&"$device_input" >/dev/null 2>&1 3>&- &
+  wait_until 10 is_set
+  kill -KILL $!
+  wait_until 10 is_back
+}
+
+@test "ConfirmWithin_DaemonRefusesTheChange_LeavesEverythingAsItWas" {
+  run -4 --separate-stderr "$TOOL" interface set --control --ip 300.0.0.1 --netmask 255.0.0.0 \
+    --reload --confirm-within 10 <<<y
+  is_back
+}
+
+@test "ConfirmWithin_WithoutReload_IsAUsageError" {
+  run -2 --separate-stderr tool interface set --control --dynamic --confirm-within 5
+  is_back
+}

@@ -1,0 +1,53 @@
+#!/usr/bin/env bats
+# Every example that a manual page or a document shows is run, against a fresh
+# device; the pages are clean; the README's tour is what the tour prints.
+
+# shellcheck disable=SC2154 # set by device.bash and by run
+
+load device.bash
+
+# examples_of COMMAND...: those of a command's help.
+examples_of() { tool "$@" | sed -n '/^Examples:$/,$ s/^  //p'; }
+
+with_tool() { PATH="$(dirname "$TOOL"):$PATH" "$@"; }
+
+# run_examples: those on standard input, one a line; each must end with zero.
+run_examples() {
+  local example count=0
+  cd "$BATS_TEST_TMPDIR" || return
+  while IFS= read -r example; do
+    start_simulator
+    with_tool bash -c "$example" >output 2>&1 </dev/null || { echo "$example"; cat output; return 1; }
+    stop_devices
+    count=$((count + 1))
+  done
+  [ "$count" -gt 0 ]
+}
+
+@test "Examples_OfEveryNoun_Work" {
+  for noun in $(tool __complete '' | cut -f1); do
+    run_examples < <(examples_of "$noun" --help-all)
+  done
+}
+
+@test "Examples_OfTheToolItself_Work" { run_examples < <(examples_of --help); }
+
+@test "Examples_OfTheGuide_Work" {
+  # shellcheck disable=SC2016 # backticks of Markdown
+  run_examples < <(sed -n '/^```sh$/,/^```$/p' "$SOURCE_TREE/docs/tool.md" | grep -v '^```' |
+    sed -E 's/ +# .*//')
+}
+
+@test "Pages_EveryCommand_HasOneThatIsClean" {
+  [ -e "$MAN_PAGES/networkgrpc.1" ] || skip "help2man was not installed"
+  for noun in $(tool __complete '' | cut -f1); do [ -e "$MAN_PAGES/networkgrpc-$noun.1" ]; done
+  run -0 mandoc -Tlint "$MAN_PAGES"/*.1
+  [ -z "$output" ]
+}
+
+@test "Tour_OfTheReadme_IsWhatTheTourPrints" {
+  cd "$SOURCE_TREE" || return
+  NETWORKGRPC_BUILD=$(dirname "$(dirname "$TOOL")") scripts/demo --transcript >"$BATS_TEST_TMPDIR/tour"
+  sed -n '/<!-- tour -->/,/<!-- end of the tour -->/p' README.md | grep -Ev '^(<!--|```)' |
+    diff -u - "$BATS_TEST_TMPDIR/tour"
+}

@@ -1,0 +1,121 @@
+#!/usr/bin/env bats
+# export, diff and import.
+
+# shellcheck disable=SC2154 # set by device.bash and by run
+
+load device.bash
+
+setup() {
+  open_device_input
+  start_simulator
+  state="$BATS_TEST_TMPDIR/state.json"
+}
+
+# A document made of the device's own by a jq filter.
+document() { tool export | jq "$1" >"$state"; }
+
+@test "Export_Always_IsADocumentThatTheSchemaAllows" {
+  tool export --json >"$state"
+  /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <"$state"
+}
+
+@test "Diff_DocumentOfTheDevice_IsEqual" {
+  tool export >"$state"
+  run -0 tool diff "$state" --exit-code
+  [ "$output" = "no difference" ]
+}
+
+@test "Diff_SettingDiffers_ShowsItsPathAndBothValues" {
+  document '.network.hostname = "other" | .dante.routing[0].device = "D" | .dante.routing[0].channel = "C"'
+  run -0 tool diff "$state"
+  [ "${lines[0]}" = 'network.hostname: "amplifier" -> "other"' ]
+  [ "${lines[1]}" = 'dante.routing[1].device: "" -> "D"' ]
+  run -1 tool diff "$state" --exit-code
+}
+
+@test "Diff_TwoDocuments_AsksNoDaemon" {
+  document '.dante.latency = 5000'
+  tool export >"$state.other"
+  absent_device
+  run -0 tool diff "$state" "$state.other"
+  [ "$output" = "dante.latency: 5000 -> 1000" ]
+}
+
+@test "Import_EverySettingDiffers_MakesTheDeviceSo" {
+  document '.network.hostname = "hall" | .network.ntp = ["time.example"] | .network.switch_mode = 2
+    | .network.interfaces[0] += {mode: "static", ip: "10.0.0.2", netmask: "255.0.0.0", gateway: "10.0.0.1", dns: ["10.0.0.3"]}
+    | .dante.name = "Hall" | .dante.sample_rate = 96000 | .dante.latency = 2000 | .dante.aes67 = true
+    | .dante.transmit_disabled = true | .dante.ptp_slave_only = true | .dante.tx_channels[1].name = "Right"
+    | .dante.routing[0] += {device: "D", channel: "C"}
+    | .dante.routing[1].raw = {ip: "239.0.0.1", value2: 1, value3: 2, value4: 3, value5: 4, value6: 5, encoding: "L16", sip: "10.0.0.8", session_id: 9}'
+  run -0 --separate-stderr tool import "$state" --yes
+  [[ $output == *"verified by reading back" ]]
+  diff "$state" <(tool export | jq .)
+  run -0 tool import "$state" --yes
+  [[ $output == *"the device is as the document says" ]]
+}
+
+@test "Import_MembersAreMissing_LeavesThemAlone" {
+  printf '{"schema": 1, "dante": {"latency": 3000}} // the rest stays' >"$state"
+  before=$(tool export | jq 'del(.dante.latency)')
+  run -0 tool import "$state" --yes
+  [ "$(tool dante latency)" = 3000 ]
+  [ "$(tool export | jq 'del(.dante.latency)')" = "$before" ]
+}
+
+@test "Import_DeviceRefusesOneSetting_TellsWhatWasAppliedAndWhatNot" {
+  document '.dante.name = "Hall" | .dante.sample_rate = 12345 | .network.hostname = "hall"'
+  run -4 --separate-stderr tool import "$state" --yes --json
+  [ "$(jq -c '[.result.applied, [.result.not_applied[].path]]' <<<"$output")" = \
+    '[["dante.name"],["dante.sample_rate","network.hostname"]]' ]
+  [ "$(tool dante name) $(tool hostname get)" = "Hall amplifier" ]
+  /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <<<"$output"
+}
+
+@test "Import_SeveralNtpServers_IsRefusedAndChangesNothing" {
+  document '.dante.name = "Hall" | .network.ntp = ["a", "b"]'
+  run -1 --separate-stderr tool import "$state" --yes
+  [[ $stderr == *"network.ntp: the library sets exactly one NTP server; nothing was changed" ]]
+  [ "$(tool dante name)" != Hall ]
+}
+
+@test "Import_ModeThatTheLibraryCannotSet_SaysSoBeforeAndFails" {
+  document '.network.interfaces[1].mode = "dhcp-only"'
+  run -1 --separate-stderr tool import "$state" --yes
+  [[ $stderr == *"Cannot be made:"*"network.interfaces[lan1]"* ]]
+  [[ $output == *'not as said  network.interfaces[lan1].mode: "dynamic" -> "dhcp-only"'* ]]
+}
+
+@test "Import_NoTerminalAndNoYes_ShowsTheDifferencesAndChangesNothing" {
+  document '.dante.name = "Hall"'
+  run -2 --separate-stderr tool import "$state"
+  [[ $stderr == *'dante.name: "Amplifier-520001" -> "Hall"'*"give --yes"* ]]
+  [ "$(tool dante name)" != Hall ]
+}
+
+@test "Import_DocumentIsWrong_NamesThePath" {
+  while IFS='|' read -r document message; do
+    printf '%s' "$document" >"$state"
+    run -1 --separate-stderr tool import "$state" --yes
+    [[ $stderr == "networkgrpc: $state: $message" ]] || { echo "$document: $stderr"; return 1; }
+  done <<'DOCUMENTS'
+{}|schema is missing
+{"schema": 2}|schema is not 1
+{"schema": 1, "more": 1}|more is not known
+[]|the document is not an object
+{"schema": 1, "dante": {"aes67": 1}}|dante.aes67 is not true or false
+{"schema": 1, "dante": {"latency": -1}}|dante.latency is not a whole number in its range
+{"schema": 1, "dante": {"latency": 4294967296}}|dante.latency is not a whole number in its range
+{"schema": 1, "dante": {"name": null}}|dante.name is not a text
+{"schema": 1, "network": {"interfaces": [{"name": "lan0", "mod": ""}]}}|network.interfaces[0].mod is not known
+{"schema": 1, "network": {"interfaces": [{"mode": "static"}]}}|network.interfaces[0].name is missing
+{"schema": 1, "network": {"interfaces": [{"name": "a"}, {"name": "a"}]}}|network.interfaces has name "a" twice
+{"schema": 1, "dante": {"routing": [{"rx_channel": 1, "raw": {"encoding": "L8"}}]}}|dante.routing[0].raw.encoding is none of L24, L16
+DOCUMENTS
+}
+
+@test "Import_NotJson_NamesTheLine" {
+  printf '{\n"schema": 1,\n"dante": oops\n}' >"$state"
+  run -1 --separate-stderr tool import "$state"
+  [[ $stderr == "networkgrpc: $state:3: not a JSON document:"* ]]
+}

@@ -1,0 +1,50 @@
+#!/usr/bin/env bats
+# watch: a line for each change.
+
+# shellcheck disable=SC2154 # set by device.bash and by run
+
+load device.bash
+
+setup() {
+  open_device_input
+  start_simulator
+  seen="$BATS_TEST_TMPDIR/lines"
+}
+
+# watch ARGUMENT...: in the background, as $watcher, until it has looked once.
+watch() {
+  "$TOOL" watch --interval 0.1 "$@" >"$seen" 2>/dev/null 3>&- &
+  watcher=$!
+  wait_until 10 grep -q started "$seen"
+}
+
+teardown() {
+  kill -KILL "$watcher" 2>/dev/null || true
+  stop_devices
+}
+
+@test "Watch_SettingChanges_PrintsPathAndBothValues" {
+  watch
+  tool hostname set other
+  wait_until 10 grep -qx 'network.hostname: "amplifier" -> "other"' "$seen"
+}
+
+@test "Watch_Json_PrintsOneObjectALine" {
+  watch --json
+  tool channel rename 1 Left
+  wait_until 10 grep -q 'tx_channels\[1\].name' "$seen"
+  /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <"$seen"
+}
+
+@test "Watch_DaemonGoesAway_SaysSoOnce" {
+  watch
+  stop_devices
+  wait_until 10 grep -q 'cannot be reached' "$seen"
+  [ "$(grep -c 'cannot be reached' "$seen")" -eq 1 ]
+}
+
+@test "Watch_Interrupted_EndsWithZero" {
+  watch
+  kill -TERM "$watcher"
+  wait "$watcher"
+}

@@ -1,0 +1,191 @@
+// What a shell asks when its user presses the completion key.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <iostream>
+
+#include "DantegRPC.h"
+#include "NetworkgRPC.h"
+#include "tools/tool.h"
+
+namespace tool {
+namespace {
+
+// Less than what a person takes for a hang, with room for starting.
+constexpr double kLimit = 0.25;
+
+struct Candidate {
+  std::string text;
+  std::string description;
+};
+using List = std::vector<Candidate>;
+
+List Channels(bool (*read)(std::vector<DantegRPC::Channel>&)) {
+  std::vector<DantegRPC::Channel> channels;
+  List list;
+  if (read(channels))
+    for (const auto& it : channels) list.push_back({std::to_string(it.id), it.name});
+  return list;
+}
+
+List Interfaces(bool by_id) {
+  std::vector<NetworkgRPC::InterfaceInfo> interfaces;
+  List list;
+  if (NetworkgRPC::GetAllIPv4(interfaces))
+    for (const auto& it : interfaces)
+      list.push_back(by_id ? Candidate{std::to_string(it.id), it.name} : Candidate{it.name, it.ip});
+  return list;
+}
+
+List SwitchModes() {
+  std::vector<NetworkgRPC::SwitchMode> modes;
+  List list;
+  if (NetworkgRPC::GetSwitchModes(modes))
+    for (const auto& it : modes) list.push_back({std::to_string(it.id), it.name});
+  return list;
+}
+
+List SampleRates() {
+  std::vector<int> rates;
+  List list;
+  if (DantegRPC::GetAvailableSampleRates(rates))
+    for (const int it : rates) list.push_back({std::to_string(it), ""});
+  return list;
+}
+
+List Ask(Candidates what) {
+  switch (what) {
+    case Candidates::kInterfaceNames:
+      return Interfaces(false);
+    case Candidates::kInterfaceIds:
+      return Interfaces(true);
+    case Candidates::kTxChannels:
+      return Channels(DantegRPC::GetTxChannels);
+    case Candidates::kRxChannels:
+      return Channels(DantegRPC::GetRxChannels);
+    case Candidates::kSwitchModes:
+      return SwitchModes();
+    case Candidates::kSampleRates:
+      return SampleRates();
+    case Candidates::kOnOff:
+      return {{"on", ""}, {"off", ""}};
+    case Candidates::kFiles:
+    case Candidates::kNothing:
+      break;
+  }
+  return {};
+}
+
+bool IsOption(const std::string& word) { return word.size() > 1 && word[0] == '-'; }
+
+// Where in the command line its last word stands.
+class Position {
+ public:
+  Position(const CLI::App& root, const std::vector<std::string>& words)
+      : top(root), command(&root) {
+    for (std::size_t i = 0; i + 1 < words.size(); ++i) Pass(words[i]);
+  }
+
+  const CLI::App& Command() const { return *command; }
+
+  /// The option whose value is wanted, else the argument whose turn it is, else
+  /// none.
+  const CLI::Option* Wanted() const {
+    if (option != nullptr) return option;
+    std::size_t left = arguments;
+    for (const CLI::Option* it : command->get_options())
+      if (it->get_positional() && left-- == 0) return it;
+    return nullptr;
+  }
+  bool IsOptionValue() const { return option != nullptr; }
+
+  /// The value that an option of the whole tool has so far.
+  std::string ValueOf(const CLI::Option& it) const {
+    const auto found = values.find(&it);
+    return found != values.end() ? found->second : "";
+  }
+
+ private:
+  void Pass(const std::string& word) {
+    if (option != nullptr) {
+      values[option] = word;
+      option = nullptr;
+    } else if (IsOption(word)) {
+      const std::size_t equals = word.find('=');
+      const CLI::Option* it = FindOption(word.substr(0, equals));
+      if (it != nullptr && equals != std::string::npos) values[it] = word.substr(equals + 1);
+      if (it != nullptr && equals == std::string::npos && it->get_type_size() != 0) option = it;
+    } else if (const CLI::App* next = FindCommand(word)) {
+      command = next;
+    } else {
+      ++arguments;
+    }
+  }
+
+  const CLI::Option* FindOption(const std::string& name) const {
+    for (const CLI::App* it : {command, &top})
+      if (const CLI::Option* found = it->get_option_no_throw(name)) return found;
+    return nullptr;
+  }
+
+  const CLI::App* FindCommand(const std::string& name) const {
+    for (const CLI::App* it : command->get_subcommands(nullptr))
+      if (it->get_name() == name) return it;
+    return nullptr;
+  }
+
+  const CLI::App& top;
+  const CLI::App* command;
+  const CLI::Option* option = nullptr;
+  std::size_t arguments = 0;
+  std::map<const CLI::Option*, std::string> values;
+};
+
+void AppendOptions(const CLI::App& command, List& list) {
+  for (const CLI::Option* it : command.get_options())
+    if (!it->get_positional())
+      for (const std::string& name : it->get_lnames())
+        list.push_back({"--" + name, it->get_description()});
+}
+
+// The library's lines have no place in the middle of a command line.
+void Silence() {
+  const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  if (nothing >= 0) dup2(nothing, STDERR_FILENO);
+}
+
+}  // namespace
+
+int Tool::Complete(const std::vector<std::string>& words) {
+  if (words.empty()) return 0;
+  Silence();
+  deadline::StartQuiet(kLimit);
+  const Position position(app, words);
+  const std::string& start = words.back();
+  network_manager = position.ValueOf(*app.get_option("--network-manager"));
+  dapi = position.ValueOf(*app.get_option("--dapi"));
+  UseEndpoints();
+
+  List list;
+  const CLI::Option* wanted = position.Wanted();
+  if (IsOption(start) && !position.IsOptionValue()) {
+    AppendOptions(position.Command(), list);
+    AppendOptions(app, list);
+  } else if (wanted != nullptr) {
+    const auto found = candidates.find(wanted);
+    if (found != candidates.end()) list = Ask(found->second);
+  } else {
+    for (const CLI::App* it : position.Command().get_subcommands(nullptr))
+      list.push_back({it->get_name(), it->get_description()});
+  }
+  std::string text;
+  for (const Candidate& it : list)
+    if (it.text.compare(0, start.size(), start) == 0)
+      text += it.text + "\t" + it.description + "\n";
+  deadline::Stop();
+  std::cout << text << std::flush;
+  return 0;
+}
+
+}  // namespace tool

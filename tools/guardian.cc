@@ -1,0 +1,160 @@
+#include "tools/guardian.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <stdexcept>
+
+#include "NetworkManagerClient.h"
+#include "tools/failure.h"
+
+extern char** environ;
+
+namespace tool {
+namespace {
+
+constexpr int kMostBytes = 65536;
+constexpr char kArm = 'A';   // followed by milliseconds, a blank, the configuration
+constexpr char kKeep = 'K';  // alone
+constexpr const char* kDone = "done";
+constexpr const char* kKept = "kept";
+
+std::string ReceiveFrom(int socket) {
+  std::string message(kMostBytes, '\0');
+  const ssize_t size = recv(socket, message.data(), message.size(), 0);
+  message.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+  return message;
+}
+
+void SendTo(int socket, const std::string& message) {
+  send(socket, message.data(), message.size(), MSG_NOSIGNAL);
+}
+
+}  // namespace
+
+// --- The side of networkgrpc ----------------------------------------------------
+
+Guardian::Guardian() {
+  std::array<int, 2> ends{};
+  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
+    throw Failure(ExitStatus::kFailed, "cannot make a socket");
+  posix_spawn_file_actions_t files;
+  posix_spawn_file_actions_init(&files);
+  posix_spawn_file_actions_adddup2(&files, ends[1], STDIN_FILENO);
+  // A pipe that is read to its end must not wait for the guardian.
+  posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+  std::string name = "networkgrpc";
+  std::string command = guardian::kCommand;
+  std::array<char*, 3> arguments{name.data(), command.data(), nullptr};
+  pid_t child = 0;
+  const int error =
+      posix_spawn(&child, "/proc/self/exe", &files, &attributes, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&files);
+  posix_spawnattr_destroy(&attributes);
+  close(ends[1]);
+  socket = ends[0];
+  if (error != 0 || Receive() != kDone)
+    throw Failure(ExitStatus::kFailed, "cannot start what would put the configuration back");
+}
+
+Guardian::~Guardian() { close(socket); }
+
+void Guardian::Send(const std::string& message) const { SendTo(socket, message); }
+
+std::string Guardian::Receive() const { return ReceiveFrom(socket); }
+
+void Guardian::Arm(const std::string& configuration, double seconds) {
+  const auto milliseconds = static_cast<long long>(seconds * 1000);
+  Send(kArm + std::to_string(milliseconds) + " " + configuration);
+  if (Receive() != kDone)
+    throw Failure(ExitStatus::kFailed, "what would put the configuration back has ended");
+}
+
+bool Guardian::Keep() {
+  Send(std::string(1, kKeep));
+  return Receive() == kKept;
+}
+
+bool Guardian::PutBack() {
+  shutdown(socket, SHUT_WR);
+  return Receive() == kDone;
+}
+
+// --- The guardian's side --------------------------------------------------------
+
+namespace guardian {
+namespace {
+
+constexpr int kAttempts = 30;
+constexpr int kPauseMs = 1000;  // the network may be reloading
+
+using Clock = std::chrono::steady_clock;
+
+bool Restore(const std::string& configuration) {
+  ostrevan::networkmanager::InterfaceConfig config;
+  if (!config.ParseFromString(configuration)) return false;
+  auto& client = NetworkManagerClient::GetInstance();
+  ostrevan::networkmanager::Success stored;
+  ostrevan::networkmanager::Success reloaded;
+  return client.SetNetworkConfig(config, &stored).ok() && stored.success() &&
+         client.ReloadNetworkConfig(&reloaded).ok() && reloaded.success();
+}
+
+bool RestoreInTheEnd(const std::string& configuration) {
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    if (Restore(configuration)) return true;
+    poll(nullptr, 0, kPauseMs);
+  }
+  return false;
+}
+
+// True when told to keep the new configuration before the limit; false at the
+// limit, and when networkgrpc has gone.
+bool IsKept(int limit_ms) {
+  const auto end = Clock::now() + std::chrono::milliseconds(limit_ms);
+  while (true) {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+    if (left <= 0) return false;
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    if (poll(&input, 1, static_cast<int>(left)) <= 0) continue;
+    return ReceiveFrom(STDIN_FILENO) == std::string(1, kKeep);
+  }
+}
+
+}  // namespace
+
+int Main() {
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE}) std::signal(signal, SIG_IGN);
+  SendTo(STDIN_FILENO, kDone);
+  const std::string armed = ReceiveFrom(STDIN_FILENO);
+  if (armed.empty() || armed[0] != kArm) return 0;  // nothing was changed
+  std::size_t digits = 0;
+  const int limit_ms = std::stoi(armed.substr(1), &digits);
+  const std::string configuration = armed.substr(digits + 2);
+  SendTo(STDIN_FILENO, kDone);
+  if (IsKept(limit_ms)) {
+    SendTo(STDIN_FILENO, kKept);
+    return 0;
+  }
+  const bool restored = RestoreInTheEnd(configuration);
+  if (!restored)
+    syslog(LOG_DAEMON | LOG_ERR, "networkgrpc: cannot put back an interface's configuration");
+  SendTo(STDIN_FILENO, restored ? kDone : "failed");
+  return restored ? 0 : 1;
+}
+
+}  // namespace guardian
+}  // namespace tool

@@ -1,0 +1,182 @@
+// networkgrpc routing: where each receive channel takes its audio from.
+#include <algorithm>
+
+#include "DantegRPC.h"
+#include "tools/call.h"
+#include "tools/dante_settings.h"
+#include "tools/routing_json.h"
+#include "tools/table.h"
+#include "tools/tool.h"
+
+namespace tool {
+namespace {
+
+constexpr auto kDaemon = Daemon::kDante;
+using Link = DantegRPC::ChannelLink;
+
+std::string NameOf(const std::vector<DantegRPC::Channel>& channels, int id) {
+  for (const auto& channel : channels)
+    if (channel.id == id) return channel.name;
+  return "";
+}
+
+Json List() {
+  Json routing = Json::array();
+  const auto channels = ReadRxChannels();
+  for (const Link& link : ReadRouting()) {
+    Json entry = ToJson(link);
+    entry["rx_name"] = NameOf(channels, link.rxChannelId);
+    routing.push_back(entry);
+  }
+  return {{"routing", routing}};
+}
+
+std::string ShowList(const Json& result) {
+  Table table({"RX", "NAME", "DEVICE", "CHANNEL", "STREAM", "ENCODING", "SIP", "SESSION"});
+  for (const Json& it : result["routing"]) {
+    const Json& raw = it["raw"];
+    Table::Row row = {it["rx_channel"].dump(), it["rx_name"], it["device"], it["channel"]};
+    if (!raw.is_null()) {
+      const Json& encoding = raw["encoding"];
+      row.insert(row.end(),
+                 {raw["ip"], encoding.is_string() ? encoding.get<std::string>() : encoding.dump(),
+                  raw["sip"], raw["session_id"].is_null() ? "" : raw["session_id"].dump()});
+    }
+    table.Add(row);
+  }
+  return table.Text();
+}
+
+// Receive channels down, sources across; the sources' names, which can be long,
+// stand below.
+std::string ShowGrid(const Json& result) {
+  std::vector<std::string> sources;
+  for (const Json& it : result["routing"]) {
+    const std::string source = SourceText(it);
+    if (!source.empty() && std::find(sources.begin(), sources.end(), source) == sources.end())
+      sources.push_back(source);
+  }
+  Table::Row headings = {"RX", "NAME"};
+  for (std::size_t i = 0; i < sources.size(); ++i) headings.push_back(std::to_string(i + 1));
+  Table grid(headings);
+  for (const Json& it : result["routing"]) {
+    Table::Row row = {it["rx_channel"].dump(), it["rx_name"]};
+    for (const std::string& source : sources) row.push_back(source == SourceText(it) ? "x" : ".");
+    grid.Add(row);
+  }
+  if (sources.empty()) return grid.Text();
+  Table legend({"", "SOURCE"});
+  for (std::size_t i = 0; i < sources.size(); ++i) legend.Add({std::to_string(i + 1), sources[i]});
+  return grid.Text() + "\n" + legend.Text();
+}
+
+Json Subscribe(const Link& link) {
+  const std::string channel = "receive channel " + std::to_string(link.rxChannelId);
+  deadline::Asking(kDaemon);
+  if (!DantegRPC::SetTapping(link)) {
+    const Failure failure = Explain(kDaemon, "route " + channel);
+    std::vector<DantegRPC::Channel> channels;
+    if (failure.status == ExitStatus::kUnreachable || !DantegRPC::GetRxChannels(channels))
+      throw failure;
+    for (const auto& it : channels)
+      if (it.id == link.rxChannelId) throw failure;
+    throw Failure(ExitStatus::kNotFound, "there is no " + channel, kDaemon);
+  }
+  return ToJson(link);
+}
+
+std::string ShowSubscription(const Json& result) {
+  const std::string source = SourceText(result);
+  const std::string channel = "receive channel " + result["rx_channel"].dump();
+  return source.empty() ? channel + " takes nothing\n"
+                        : channel + " takes " + Printable(source) + "\n";
+}
+
+Json Set(const Link& link) {
+  // The library would remove the subscription.
+  if (link.deviceName.empty() || link.channelName.empty())
+    throw Failure(ExitStatus::kUsage,
+                  "neither DEVICE nor CHANNEL can be empty; see 'routing clear'");
+  return Subscribe(link);
+}
+
+Json SetRaw(Link link) {
+  if (link.ip.empty()) throw Failure(ExitStatus::kUsage, "IP cannot be empty; see 'routing clear'");
+  link.isRaw = true;
+  return Subscribe(link);
+}
+
+void AddReceiver(Tool& tool, CLI::App& verb, int& id) {
+  tool.Offer(verb.add_option("RX", id, "The receive channel's id in 'channel list'")->required(),
+             Candidates::kRxChannels);
+}
+
+void AddSetRaw(Tool& tool, CLI::App& noun) {
+  const auto link = std::make_shared<Link>();
+  const auto l16 = std::make_shared<std::string>("L24");
+  const auto session = std::make_shared<CLI::Option*>(nullptr);
+  CLI::App& raw =
+      tool.AddVerb(noun, "set-raw",
+                   {"Subscribes a receive channel to a stream by its parameters.",
+                    [link, l16, session] {
+                      link->encoding = *l16 == "L16" ? 1 : 0;
+                      link->hasSessionId = (*session)->count() != 0;
+                      return SetRaw(*link);
+                    },
+                    ShowSubscription,
+                    {"networkgrpc routing set-raw 2 239.69.0.2 --encoding L24 --session-id 7"}});
+  AddReceiver(tool, raw, link->rxChannelId);
+  raw.add_option("IP", link->ip, "An address of the stream")->required();
+  const std::vector<std::pair<const char*, std::uint32_t*>> values = {{"--value2", &link->value2},
+                                                                      {"--value3", &link->value3},
+                                                                      {"--value4", &link->value4},
+                                                                      {"--value5", &link->value5},
+                                                                      {"--value6", &link->value6}};
+  for (const auto& [name, value] : values)
+    raw.add_option(name, *value, "Parameter of the stream, passed through")->type_name("N");
+  raw.add_option("--encoding", *l16, "Sample encoding, L24 or L16; default L24")
+      ->type_name("NAME")
+      ->check(CLI::Validator(
+          [](const std::string& text) {
+            return text == "L24" || text == "L16" ? "" : "'" + text + "' is not L24 or L16";
+          },
+          ""));
+  raw.add_option("--sip", link->sip, "A second address of the stream")->type_name("ADDRESS");
+  *session = raw.add_option("--session-id", link->sessionId, "The stream's session identifier")
+                 ->type_name("N");
+}
+
+}  // namespace
+
+void AddRouting(Tool& tool) {
+  CLI::App& noun = tool.AddNoun("routing", "Where receive channels take their audio from.", "list");
+  const auto grid = std::make_shared<bool>(false);
+  CLI::App& list = tool.AddVerb(
+      noun, "list",
+      {"Tells what each receive channel is subscribed to.",
+       List,
+       [grid](const Json& result) { return *grid ? ShowGrid(result) : ShowList(result); },
+       {"networkgrpc routing list", "networkgrpc routing list --grid"}});
+  list.add_flag("--grid", *grid, "Show receive channels against sources");
+
+  const auto link = std::make_shared<Link>();
+  CLI::App& set = tool.AddVerb(noun, "set",
+                               {"Subscribes a receive channel to a device's channel.",
+                                [link] { return Set(*link); },
+                                ShowSubscription,
+                                {"networkgrpc routing set 1 'Stage box' 'Mic 1'"}});
+  AddReceiver(tool, set, link->rxChannelId);
+  set.add_option("DEVICE", link->deviceName, "Name of the transmitting device")->required();
+  set.add_option("CHANNEL", link->channelName, "Name of its transmit channel")->required();
+  AddSetRaw(tool, noun);
+
+  const auto id = std::make_shared<int>(0);
+  CLI::App& clear = tool.AddVerb(noun, "clear",
+                                 {"Removes a receive channel's subscription.",
+                                  [id] { return Subscribe(Unsubscribed(*id)); },
+                                  ShowSubscription,
+                                  {"networkgrpc routing clear 1"}});
+  AddReceiver(tool, clear, *id);
+}
+
+}  // namespace tool

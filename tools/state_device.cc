@@ -1,0 +1,72 @@
+// The state document of the device as it is.
+#include "NetworkManagerClient.h"
+#include "tools/call.h"
+#include "tools/dante_settings.h"
+#include "tools/host.h"
+#include "tools/interfaces.h"
+#include "tools/routing_json.h"
+#include "tools/state.h"
+
+namespace tool {
+namespace {
+
+constexpr auto kNetworkManager = Daemon::kNetworkManager;
+
+template <class List>
+Json Texts(const List& list) {
+  Json texts = Json::array();
+  for (const std::string& text : list) texts.push_back(text);
+  return texts;
+}
+
+// All servers: the library's function hands out the first only.
+Json NtpServers() {
+  ostrevan::networkmanager::NTPServer reply;
+  Do(kNetworkManager, "read the NTP servers",
+     [&] { return NetworkManagerClient::GetInstance().GetNTPServer(&reply).ok(); });
+  return Texts(reply.servers());
+}
+
+Json Interfaces() {
+  Json interfaces = Json::array();
+  for (const auto& interface : AllInterfaces()) {
+    const auto stored = StoredConfiguration(interface.id);
+    interfaces.push_back({{"name", interface.name},
+                          {"mode", ModeText(stored.mode())},
+                          {"ip", stored.ip()},
+                          {"netmask", stored.netmask()},
+                          {"gateway", stored.gateway()},
+                          {"dns", Texts(stored.dns())}});
+  }
+  return interfaces;
+}
+
+Json Network() {
+  const std::string hostname = ReadHostname();
+  const Json ntp = NtpServers();
+  const auto mode = Get<NetworkgRPC::SwitchMode>(kNetworkManager, "read the stored switch mode",
+                                                 NetworkgRPC::GetConfiguredSwitchMode);
+  return {
+      {"hostname", hostname}, {"ntp", ntp}, {"switch_mode", mode.id}, {"interfaces", Interfaces()}};
+}
+
+Json Dante() {
+  Json dante = {{"name", ReadDeviceName()},
+                {"sample_rate", ReadSampleRate()},
+                {"latency", ReadLatency()},
+                {"aes67", ReadAes67()},
+                {"transmit_disabled", ReadTransmitDisabled()},
+                {"ptp_slave_only", ReadPtpSlaveOnly()},
+                {"tx_channels", Json::array()},
+                {"routing", Json::array()}};
+  for (const auto& channel : ReadTxChannels())
+    dante["tx_channels"].push_back({{"id", channel.id}, {"name", channel.name}});
+  for (const auto& link : ReadRouting()) dante["routing"].push_back(ToJson(link));
+  return dante;
+}
+
+}  // namespace
+
+Json ReadState() { return {{"schema", 1}, {"network", Network()}, {"dante", Dante()}}; }
+
+}  // namespace tool

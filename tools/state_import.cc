@@ -1,0 +1,148 @@
+#include "tools/state_import.h"
+
+#include <iostream>
+#include <optional>
+
+#include "NetworkManagerClient.h"
+#include "tools/call.h"
+#include "tools/state.h"
+#include "tools/state_plan.h"
+#include "tools/table.h"
+
+namespace tool {
+namespace {
+
+struct Arguments {
+  std::string file;
+  bool reload = false;
+};
+
+std::vector<Difference> DifferencesOf(const std::vector<Step>& steps) {
+  std::vector<Difference> differences;
+  for (const Step& step : steps)
+    for (Difference& it : Differences(step.path, step.from, step.to))
+      differences.push_back(std::move(it));
+  return differences;
+}
+
+Json Impossible(const std::vector<Step>& steps) {
+  Json list = Json::array();
+  for (const Step& step : steps)
+    if (!step.impossible.empty())
+      list.push_back({{"path", step.path}, {"reason", step.impossible}});
+  return list;
+}
+
+std::string ShowReasons(const std::string& heading, const Json& list) {
+  std::string text;
+  for (const Json& it : list)
+    text += "  " +
+            Printable(it["path"].get<std::string>() + ": " + it["reason"].get<std::string>()) +
+            "\n";
+  return text.empty() ? "" : heading + "\n" + text;
+}
+
+std::string ShowPlan(const Json& result) {
+  return "Differences:\n" + ShowDifferences(result["differences"]) +
+         ShowReasons("Cannot be made:", result["not_possible"]);
+}
+
+// The list of servers is all or nothing: a half-made one would look intended.
+void RefuseSeveralServers(const std::vector<Step>& steps) {
+  for (const Step& step : steps)
+    if (step.path == "network.ntp" && !step.impossible.empty())
+      throw Failure(ExitStatus::kFailed,
+                    "network.ntp: " + step.impossible + "; nothing was changed");
+}
+
+void Apply(const std::vector<Step>& steps, Json& result) {
+  std::string stopped;
+  std::optional<Failure> first;
+  for (const Step& step : steps) {
+    if (!step.set) continue;
+    if (first.has_value()) {
+      result["not_applied"].push_back({{"path", step.path}, {"reason", "not tried"}});
+      continue;
+    }
+    try {
+      Do(step.daemon, "set " + step.path, step.set);
+      result["applied"].push_back(step.path);
+    } catch (const Failure& failure) {
+      result["not_applied"].push_back({{"path", step.path}, {"reason", failure.what()}});
+      first = failure;
+    }
+  }
+  if (first.has_value()) throw first->With(result);
+}
+
+void Reload() {
+  Do(Daemon::kNetworkManager, "reload the network configuration", [] {
+    ostrevan::networkmanager::Success reply;
+    return NetworkManagerClient::GetInstance().ReloadNetworkConfig(&reply).ok() && reply.success();
+  });
+}
+
+void Verify(const Json& wanted, Json& result) {
+  const auto remaining = Differences("", ReadState(), wanted);
+  result["remaining"] = ToJson(remaining);
+  result["verified"] = remaining.empty();
+  if (!remaining.empty())
+    throw Failure(ExitStatus::kFailed, "read back, the device is not as the document says")
+        .With(result);
+}
+
+Json Run(Tool& tool, const Arguments& arguments) {
+  const Json document = Settable(ReadStateFile(arguments.file));
+  const Json current = ReadState();
+  const Json wanted = Merged(current, document);
+  const auto steps = Plan(current, wanted);
+  RefuseSeveralServers(steps);
+  Json result = {{"differences", ToJson(DifferencesOf(steps))},
+                 {"not_possible", Impossible(steps)},
+                 {"applied", Json::array()},
+                 {"not_applied", Json::array()},
+                 {"remaining", Json::array()},
+                 {"reload", arguments.reload},
+                 {"verified", false}};
+  if (!steps.empty()) {
+    std::cerr << ShowPlan(result);
+    tool.Confirm("the device will be changed", "Change it?");
+    Apply(steps, result);
+  }
+  if (arguments.reload) Reload();
+  Verify(wanted, result);
+  return result;
+}
+
+std::string Show(const Json& result) {
+  if (result["differences"].empty()) return "the device is as the document says\n";
+  std::string text;
+  for (const Json& path : result["applied"])
+    text += "applied      " + Printable(path.get<std::string>()) + "\n";
+  for (const Json& it : result["not_applied"])
+    text += "not applied  " +
+            Printable(it["path"].get<std::string>() + ": " + it["reason"].get<std::string>()) +
+            "\n";
+  for (const Json& it : result["remaining"])
+    text += "not as said  " + ShowDifferences(Json::array({it}));
+  return result["verified"] ? text + "verified by reading back\n" : text;
+}
+
+}  // namespace
+
+void AddImport(Tool& tool) {
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App& verb = tool.AddVerb(
+      tool.app, "import",
+      {"Gives the device the state of a document: shows the differences, asks, applies, verifies.",
+       [&tool, arguments] { return Run(tool, *arguments); },
+       Show,
+       {"networkgrpc export >state.json && networkgrpc import state.json --yes"}});
+  tool.Offer(
+      verb.add_option("FILE", arguments->file, "The document; - is standard input")->required(),
+      Candidates::kFiles);
+  verb.add_flag("--reload", arguments->reload, "Apply the stored network configuration at the end");
+  tool.AddYes(verb);
+}
+
+}  // namespace tool
