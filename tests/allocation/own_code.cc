@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -23,8 +23,10 @@ namespace {
 class Functions {
  public:
   explicit Functions(const char* path) {
-    std::ifstream file(path, std::ios::binary);
-    image.assign(std::istreambuf_iterator<char>(file), {});
+    // At once: with debugging information there are many megabytes of it.
+    image.resize(std::filesystem::file_size(path));
+    std::ifstream(path, std::ios::binary)
+        .read(image.data(), static_cast<std::streamsize>(image.size()));
     const auto& header = At<ElfW(Ehdr)>(0);
     for (int i = 0; i < header.e_shnum; ++i) {
       const auto& section = SectionAt(i);
@@ -42,7 +44,7 @@ class Functions {
         functions.begin(), functions.end(), address,
         [](std::size_t sought, const Function& function) { return sought < function.begin; });
     if (after == functions.begin()) return {};
-    const Function& function = *std::prev(after);
+    const Function& function = *(after - 1);
     return address < function.end ? function.name : std::string_view();
   }
 
@@ -116,8 +118,12 @@ Owner OwnerOf(const void* address) {
     // A return address may lie just behind the function that never returns.
     return OwnerOf(functions.NameAt(offset - 1));
   }
-  return Contains(module.path, "libstdc++") || Contains(module.path, "libgcc") ? Owner::kRuntime
-                                                                               : Owner::kOther;
+  // The first frames are the program's operator new, what it asks, and perhaps a
+  // sanitizer; further up the program stands only above what it allocates itself.
+  static const void* const program = ModuleOf(reinterpret_cast<void*>(&CalledByOwnCode)).base;
+  const bool runtime = module.base == program || Contains(module.path, "libstdc++") ||
+                       Contains(module.path, "libgcc") || Contains(module.path, "san.so");
+  return runtime ? Owner::kRuntime : Owner::kOther;
 }
 
 }  // namespace
@@ -125,11 +131,7 @@ Owner OwnerOf(const void* address) {
 bool CalledByOwnCode() {
   std::array<void*, 64> frames{};
   const auto count = static_cast<std::size_t>(backtrace(frames.data(), frames.size()));
-  const void* const program = ModuleOf(reinterpret_cast<void*>(&CalledByOwnCode)).base;
-  // The first frames are this function's and those of the program's operator new.
-  std::size_t i = 0;
-  while (i < count && ModuleOf(frames[i]).base == program) ++i;
-  for (; i < count; ++i)
+  for (std::size_t i = 0; i < count; ++i)
     if (const Owner owner = OwnerOf(frames[i]); owner != Owner::kRuntime)
       return owner == Owner::kLibrary;
   return false;
