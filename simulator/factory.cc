@@ -1,11 +1,17 @@
 #include "simulator/factory.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
 #include <utility>
 
 #include "simulator/network_rules.h"
 
 namespace simulator {
 namespace {
+
+// Where a device's own two digits stand in its MAC addresses.
+constexpr std::size_t kMacOfDevice = 12;
 
 Addresses LinkLocal(std::string ip) { return {std::move(ip), "255.255.0.0", "", {}}; }
 
@@ -32,20 +38,30 @@ Network FactoryNetwork() {
   network.interfaces = {primary, control, secondary, service};
 
   network.switch_modes = {{0, "Switched"}, {1, "Redundant"}, {2, "Separate control"}};
-  network.hostname = "amplifier";
-  network.stored_ntp = {"pool.ntp.example"};
-  ApplyNetwork(network);
-  ApplyNtp(network);
-  return network;
+  return FactoryReset(network);
 }
 
-// "01", "02", ... "10", ...
+std::string TwoDigits(std::int32_t number) {
+  return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+std::string TwoHexDigits(int number) {
+  std::array<char, 8> text{};
+  std::snprintf(text.data(), text.size(), "%02x", static_cast<unsigned>(number) & 0xFFU);
+  return text.data();
+}
+
+// Adds to one of the four numbers of an address, the first being 0.
+void MoveUp(std::string& address, int octet, int by) {
+  std::size_t start = 0;
+  for (int dot = 0; dot < octet; ++dot) start = address.find('.', start) + 1;
+  const std::size_t size = std::min(address.find('.', start), address.size()) - start;
+  address.replace(start, size, std::to_string(std::stoi(address.substr(start, size)) + by));
+}
+
 std::vector<Channel> Channels(int count) {
   std::vector<Channel> channels;
-  for (int id = 1; id <= count; ++id) {
-    const std::string label = (id < 10 ? "0" : "") + std::to_string(id);
-    channels.push_back({id, label, label});
-  }
+  for (int id = 1; id <= count; ++id) channels.push_back(FactoryChannel(id));
   return channels;
 }
 
@@ -74,8 +90,52 @@ Dante FactoryDante(int tx_channels, int rx_channels) {
 }  // namespace
 
 Device FactoryDevice(int tx_channels, int rx_channels) {
-  const Network network = FactoryNetwork();
-  return {network, network, FactoryDante(tx_channels, rx_channels)};
+  return FactoryDevice(tx_channels, rx_channels, 1);
+}
+
+Device FactoryDevice(int tx_channels, int rx_channels, int number) {
+  Device device{FactoryNetwork(), {}, FactoryDante(tx_channels, rx_channels)};
+  if (number > 1) {
+    for (Interface& interface : device.network.interfaces) {
+      interface.mac.replace(kMacOfDevice, 2, TwoHexDigits(number - 1));
+      if (interface.lease.has_value()) MoveUp(interface.lease->ip, 3, number - 1);
+      MoveUp(interface.link_local.ip, 2, number - 1);
+    }
+    device.network.hostname += "-" + std::to_string(number);
+    device.dante.name = "Amplifier-5200" + TwoDigits(number);
+  }
+  ApplyNetwork(device.network);
+  device.factory_network = device.network;
+  return device;
+}
+
+Interface FactoryInterface(const std::string& name) {
+  for (const Interface& interface : FactoryNetwork().interfaces)
+    if (interface.name == name) return interface;
+  Interface interface;
+  interface.id = kNoInterface;
+  interface.name = name;
+  interface.mac = "02:54:41:52:ff:00";
+  interface.speed = LinkSpeed::k1000Mbs;
+  interface.flag6 = true;
+  return interface;
+}
+
+// "01", "02", ... "10", ...
+Channel FactoryChannel(std::int32_t id) {
+  const std::string label = TwoDigits(id);
+  return {id, label, label};
+}
+
+Network FactoryReset(const Network& network) {
+  Network reset = network;
+  for (Interface& interface : reset.interfaces) interface.stored = {};
+  reset.stored_switch_mode = reset.switch_modes.empty() ? 0 : reset.switch_modes.front().id;
+  reset.hostname = "amplifier";
+  reset.stored_ntp = {"pool.ntp.example"};
+  ApplyNetwork(reset);
+  ApplyNtp(reset);
+  return reset;
 }
 
 }  // namespace simulator

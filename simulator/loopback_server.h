@@ -1,8 +1,11 @@
 // One gRPC server on the loopback addresses of this machine.
 #pragma once
 
+#include <grpcpp/generic/async_generic_service.h>
 #include <grpcpp/server.h>
+#include <grpcpp/server_builder.h>
 
+#include <functional>
 #include <memory>
 
 namespace simulator {
@@ -12,6 +15,7 @@ class LoopbackServer {
   /// Serves `service`, which must outlive this object, on `port`; on a free one
   /// when that is 0. Throws PortUnavailable.
   LoopbackServer(grpc::Service& service, int port);
+  LoopbackServer(grpc::CallbackGenericService& service, int port);
 
   /// Ends the calls that are open.
   ~LoopbackServer();
@@ -22,6 +26,9 @@ class LoopbackServer {
   int Port() const { return port; }
 
  private:
+  using Registration = std::function<void(grpc::ServerBuilder&)>;
+  LoopbackServer(const Registration& registration, int port);
+
   int port;
   std::unique_ptr<grpc::Server> server;
 };

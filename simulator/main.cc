@@ -1,92 +1,128 @@
 // networkgrpc-simulator: the simulated device as a program. It says where it
 // listens in one line on standard output and serves until SIGTERM or SIGINT.
+// With `ctl`, it asks or changes another one that runs.
 //
-// Exit status: 0 ended by a signal, or --help or --version; 1 it cannot serve;
-// 2 bad options.
+// Exit status: 0 ended by a signal, or --help or --version, or ctl is done; 1 it
+// cannot serve or save, or ctl failed; 2 bad options.
 #include <pthread.h>
 
-#include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <optional>
+#include <stdexcept>
 
-#include "simulator/simulator.h"
+#include "simulator/control.h"
+#include "simulator/control_socket.h"
+#include "simulator/factory.h"
+#include "simulator/json.h"
+#include "simulator/program_options.h"
 
 namespace {
 
-constexpr const char* kName = "networkgrpc-simulator";
-constexpr int kCannotServe = 1;
-constexpr int kBadOptions = 2;
-constexpr int kLastPort = 65535;
-constexpr int kMostChannels = 512;
+using simulator::Devices;
+using simulator::Json;
+using simulator::ProgramOptions;
+using simulator::State;
 
-void AddNumber(CLI::App& app, const std::string& name, int& value, int largest,
-               const std::string& description) {
-  app.add_option(name, value, description)
-      ->check(CLI::Range(0, largest))
-      ->option_text("N, 0 to " + std::to_string(largest) + ", default " + std::to_string(value));
+constexpr int kFailed = 1;
+
+// Everything is read before anything starts.
+std::vector<State> InitialStates(const ProgramOptions& options) {
+  std::vector<State> states;
+  for (int number = 1; number <= options.devices; ++number) {
+    State state{
+        simulator::FactoryDevice(options.device.tx_channels, options.device.rx_channels, number),
+        {}};
+    if (!options.states.empty()) {
+      const std::size_t own = options.states.size() == 1 ? 0 : static_cast<std::size_t>(number - 1);
+      state = simulator::LoadState(options.states[own], state);
+    }
+    state.faults.insert(state.faults.end(), options.faults.begin(), options.faults.end());
+    states.push_back(std::move(state));
+  }
+  return states;
 }
 
-void Describe(CLI::App& app, simulator::Options& options) {
-  app.description(
-      "Simulates a device: a network-manager daemon and a Dante API daemon on loopback.\n"
-      "When both serve, one line on standard output tells their endpoints:\n"
-      "  ready network_manager_url=127.0.0.1:PORT grpc_dapi_url=127.0.0.1:PORT\n"
-      "SIGTERM and SIGINT end it.");
-  app.set_version_flag("--version", std::string(kName) + " " + NETWORKGRPC_VERSION,
-                       "Print the version and exit");
-  AddNumber(app, "--network-manager-port", options.network_manager_port, kLastPort,
-            "Port of the network-manager daemon; 0 is a free one");
-  AddNumber(app, "--dapi-port", options.dapi_port, kLastPort,
-            "Port of the Dante API daemon; 0 is a free one");
-  AddNumber(app, "--tx-channels", options.tx_channels, kMostChannels,
-            "Number of transmit channels");
-  AddNumber(app, "--rx-channels", options.rx_channels, kMostChannels, "Number of receive channels");
-  app.callback([&options] {
-    if (options.dapi_port != 0 && options.dapi_port == options.network_manager_port)
-      throw CLI::ValidationError("--dapi-port",
-                                 "The same port as --network-manager-port, choose another");
-  });
+void PrintReadyLines(const Devices& devices, const std::string& control) {
+  for (const auto& device : devices) {
+    std::cout << "ready network_manager_url=" << device->NetworkManagerUrl()
+              << " grpc_dapi_url=" << device->DapiUrl();
+    if (!control.empty()) std::cout << " control=unix:" << control;
+    std::cout << '\n';
+  }
+  std::cout.flush();
 }
 
-int Serve(const simulator::Options& options) {
-  // Before any thread starts, so that every thread leaves the signals to sigwait.
+sigset_t EndingSignals() {
   sigset_t ending;
   sigemptyset(&ending);
   sigaddset(&ending, SIGTERM);
   sigaddset(&ending, SIGINT);
+  return ending;
+}
+
+int Serve(const ProgramOptions& options) {
+  const std::vector<State> states = InitialStates(options);
+  // Before any thread starts, so that every thread leaves the signals to sigwait.
+  const sigset_t ending = EndingSignals();
   pthread_sigmask(SIG_BLOCK, &ending, nullptr);
   // A port that is taken is told below; gRPC's own lines about it tell less. Who
   // wants them sets the variable.
   setenv("GRPC_VERBOSITY", "NONE", 0);
 
-  simulator::Simulator device(options);
-  std::cout << "ready network_manager_url=" << device.NetworkManagerUrl()
-            << " grpc_dapi_url=" << device.DapiUrl() << std::endl;
+  Devices devices;
+  std::optional<simulator::ControlSocket> control;
+  if (!options.control.empty()) control.emplace(options.control);
+  for (const State& state : states)
+    devices.push_back(std::make_unique<simulator::Simulator>(options.device, state));
+  if (control.has_value())
+    control->Serve([&devices](const std::string& request) {
+      return simulator::AnswerControl(devices, request);
+    });
+  PrintReadyLines(devices, options.control);
   int signal = 0;
   sigwait(&ending, &signal);
+
+  control.reset();
+  for (const auto& device : devices) device->Stop();
+  for (std::size_t i = 0; i < options.saves.size(); ++i)
+    simulator::SaveState(options.saves[i], devices[i]->CurrentState());
+  return EXIT_SUCCESS;
+}
+
+void PrintResult(const std::string& command, const Json& result) {
+  if (command == "state") {
+    std::cout << result.dump(2) << '\n';
+  } else if (result.is_array()) {
+    for (const Json& line : result)
+      std::cout << (line.is_string() ? line.get<std::string>() : line.dump()) << '\n';
+  }
+}
+
+int Ask(const ProgramOptions& options) {
+  for (const simulator::CtlRequest& wish : options.wishes) {
+    const Json request = {
+        {"command", wish.command}, {"device", wish.device}, {"argument", wish.argument}};
+    const Json answer = Json::parse(simulator::AskControl(options.control, request.dump()));
+    if (!answer.at("ok").get<bool>())
+      throw std::runtime_error(answer.at("error").get<std::string>());
+    PrintResult(wish.command, answer.at("result"));
+  }
   return EXIT_SUCCESS;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  simulator::Options options;
-  CLI::App app("", kName);
-  Describe(app, options);
+  int status = EXIT_SUCCESS;
+  const std::optional<ProgramOptions> options = simulator::ParseProgramOptions(argc, argv, status);
+  if (!options.has_value()) return status;
   try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
-      return app.exit(error);  // prints the help or the version
-    std::cerr << kName << ": " << error.what() << "; " << kName << " --help tells the options\n";
-    return kBadOptions;
-  }
-  try {
-    return Serve(options);
+    return options->wishes.empty() ? Serve(*options) : Ask(*options);
   } catch (const std::exception& error) {
-    std::cerr << kName << ": " << error.what() << '\n';
-    return kCannotServe;
+    std::cerr << simulator::kProgramName << ": " << error.what() << '\n';
+    return kFailed;
   }
 }

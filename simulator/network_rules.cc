@@ -34,22 +34,6 @@ bool IsUsable(const Addresses& addresses) {
          std::all_of(addresses.dns.begin(), addresses.dns.end(), IsHostAddress);
 }
 
-// What the stored configuration leads to on the network that the interface is
-// plugged into.
-Addresses Resolve(const Interface& interface) {
-  switch (interface.stored.mode) {
-    case Addressing::kStatic:
-      return interface.stored.addresses;
-    case Addressing::kDhcpOnly:
-      return interface.lease.value_or(Addresses{});
-    case Addressing::kLinkLocalOnly:
-      return interface.link_local;
-    case Addressing::kDynamic:
-      break;
-  }
-  return interface.lease.value_or(interface.link_local);
-}
-
 }  // namespace
 
 const Interface* FindInterface(const Network& network, std::int32_t id) {
@@ -85,8 +69,22 @@ void StoreNtp(Network& network, std::vector<std::string> servers) {
   network.stored_ntp = std::move(servers);
 }
 
+Addresses AddressesInUse(const Interface& interface) {
+  switch (interface.stored.mode) {
+    case Addressing::kStatic:
+      return interface.stored.addresses;
+    case Addressing::kDhcpOnly:
+      return interface.lease.value_or(Addresses{});
+    case Addressing::kLinkLocalOnly:
+      return interface.link_local;
+    case Addressing::kDynamic:
+      break;
+  }
+  return interface.lease.value_or(interface.link_local);
+}
+
 void ApplyNetwork(Network& network) {
-  for (Interface& interface : network.interfaces) interface.live = Resolve(interface);
+  for (Interface& interface : network.interfaces) interface.live = AddressesInUse(interface);
   network.live_switch_mode = network.stored_switch_mode;
 }
 

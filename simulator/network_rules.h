@@ -29,6 +29,10 @@ bool SetHostname(Network& network, const std::string& hostname);
 
 void StoreNtp(Network& network, std::vector<std::string> servers);
 
+/// What the stored configuration leads to on the network that the interface is
+/// plugged into.
+Addresses AddressesInUse(const Interface& interface);
+
 /// Puts the stored configuration of every interface and the stored switch mode
 /// into effect.
 void ApplyNetwork(Network& network);

@@ -1,0 +1,31 @@
+// A test of an application that renames its device: what does it do when the
+// device refuses once?
+#include <simulator/simulator.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+#include "DantegRPC.h"
+
+int main() {
+  // Starts on free ports; the library finds it through the environment.
+  simulator::Simulator device = simulator::Builder()
+                                    .Channels(2, 4)
+                                    .With([](simulator::Device& it) { it.dante.name = "Hall"; })
+                                    .Inject("SetName:refuse,times=1")
+                                    .Start();
+  setenv("network_manager_url", device.NetworkManagerUrl().c_str(), 1);
+  setenv("grpc_dapi_url", device.DapiUrl().c_str(), 1);
+
+  const bool first = DantegRPC::SetName("Stage");
+  const bool second = DantegRPC::SetName("Stage");
+  const bool seen = device.WaitForCalls("SetName", 2);
+  const std::string name = device.WithDevice([](simulator::Device& it) { return it.dante.name; });
+
+  std::cout << "first: " << first << ", second: " << second << ", name: " << name << '\n';
+  for (const simulator::ReceivedCall& call : device.Calls())
+    std::cout << call.method << ' ' << call.request << ' ' << call.fault << '\n';
+  device.Stop();
+  return !first && second && seen && name == "Stage" ? EXIT_SUCCESS : EXIT_FAILURE;
+}

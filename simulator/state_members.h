@@ -1,0 +1,214 @@
+// What stands where in the state document; see archive.h.
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "simulator/archive.h"
+#include "simulator/factory.h"
+#include "simulator/network_rules.h"
+#include "simulator/state.h"
+
+namespace simulator {
+
+inline constexpr std::array<const char*, 4> kModeNames{"dynamic", "static", "dhcp-only",
+                                                       "link-local-only"};
+inline constexpr std::array<const char*, 4> kSpeedNames{"none", "10", "100", "1000"};
+inline constexpr std::array<const char*, 4> kClockNames{"none", "passive", "undisciplined",
+                                                        "disciplined"};
+inline constexpr std::array<const char*, 2> kEncodingNames{"L24", "L16"};
+
+/// Refuses a list of which two entries have the same key.
+template <class Entry, class Key>
+void RefuseTwins(const Reader& it, const std::string& name, const std::vector<Entry>& list,
+                 Key Entry::*key) {
+  for (std::size_t i = 0; i < list.size(); ++i)
+    for (std::size_t j = 0; j < i; ++j)
+      if (list[i].*key == list[j].*key)
+        it.Refuse(EntryPath(name, i), "is the same as " + EntryPath(name, j));
+}
+
+// --- Host networking -----------------------------------------------------------
+
+template <class Archive>
+void Members(Archive& it, Addresses& addresses) {
+  it("ip", addresses.ip);
+  it("netmask", addresses.netmask);
+  it("gateway", addresses.gateway);
+  it("dns", addresses.dns);
+}
+
+template <class Archive>
+void Members(Archive& it, Interface& interface) {
+  it("name", interface.name);
+  it.WhenReading([&](const Reader& reader) {
+    reader.Require("name");
+    interface = FactoryInterface(interface.name);
+  });
+  it("mode", Named(interface.stored.mode, kModeNames));
+  Members(it, interface.stored.addresses);
+  it("id", interface.id);
+  it("mac", interface.mac);
+  it("speed", Named(interface.speed, kSpeedNames));
+  it("lease", interface.lease);
+  it("link_local", interface.link_local);
+  it("flag6", interface.flag6);
+  it("flag7", interface.stored.flag7);
+  it("flag8", interface.stored.flag8);
+  // What is in use follows from the rest, unless the document tells it.
+  it.WhenReading([&](const Reader&) { interface.live = AddressesInUse(interface); });
+  it("live", interface.live);
+}
+
+template <class Archive>
+void Members(Archive& it, SwitchMode& mode) {
+  it("id", mode.id);
+  it("name", mode.name);
+}
+
+/// Gives every interface that has none the next free id.
+void NumberInterfaces(std::vector<Interface>& interfaces);
+
+template <class Archive>
+void Members(Archive& it, Network& network) {
+  it("hostname", network.hostname);
+  it("ntp", network.stored_ntp);
+  it("switch_mode", network.stored_switch_mode);
+  it("interfaces", network.interfaces);
+  it("switch_modes", network.switch_modes);
+  it.WhenReading([&](const Reader& reader) {
+    NumberInterfaces(network.interfaces);
+    RefuseTwins(reader, "interfaces", network.interfaces, &Interface::name);
+    RefuseTwins(reader, "interfaces", network.interfaces, &Interface::id);
+    RefuseTwins(reader, "switch_modes", network.switch_modes, &SwitchMode::id);
+    network.live_switch_mode = network.stored_switch_mode;
+    network.live_ntp = network.stored_ntp;
+  });
+  it("switch_mode_in_effect", network.live_switch_mode);
+  it("ntp_in_effect", network.live_ntp);
+}
+
+// --- Dante module --------------------------------------------------------------
+
+template <class Archive>
+void Members(Archive& it, Channel& channel) {
+  it("id", channel.id);
+  it.WhenReading([&](const Reader& reader) {
+    reader.Require("id");
+    channel = FactoryChannel(channel.id);
+  });
+  it("name", channel.name);
+  it("default_name", channel.default_name);
+}
+
+template <class Archive>
+void Members(Archive& it, RawStream& raw) {
+  it("ip", raw.ip);
+  it("value2", raw.values[0]);
+  it("value3", raw.values[1]);
+  it("value4", raw.values[2]);
+  it("value5", raw.values[3]);
+  it("value6", raw.values[4]);
+  it("encoding", Named(raw.encoding, kEncodingNames, true));
+  it("sip", raw.sip);
+  it("session_id", raw.session_id);
+}
+
+/// One receive channel and what it is subscribed to.
+struct Route {
+  std::int32_t rx_channel = 0;
+  Link link;
+};
+
+template <class Archive>
+void Members(Archive& it, Route& route) {
+  it("rx_channel", route.rx_channel);
+  it.WhenReading([](const Reader& reader) { reader.Require("rx_channel"); });
+  it("device", route.link.device_name);
+  it("channel", route.link.channel_name);
+  it("raw", route.link.raw);
+  it("flag5", route.link.flag5);
+}
+
+/// One for each receive channel.
+std::vector<Route> Routes(const Dante& dante);
+
+/// Subscribes the channels accordingly; refuses one that there is not.
+void SetRoutes(const Reader& reader, const std::vector<Route>& routes, Dante& dante);
+
+template <class Archive>
+void Members(Archive& it, Ptp& ptp) {
+  it("config_value1", ptp.config_value1);
+  it("config_value2", ptp.config_value2);
+  it("status_value1", ptp.status_value1);
+  it("clock", Named(ptp.clock, kClockNames));
+}
+
+template <class Archive>
+void Members(Archive& it, Dante& dante) {
+  std::vector<Route> routes = Routes(dante);
+  it("name", dante.name);
+  it("sample_rate", dante.sample_rate);
+  it("latency", dante.latency);
+  it("aes67", dante.aes67);
+  it("transmit_disabled", dante.tx_disabled);
+  it("ptp_slave_only", dante.ptp.slave_only);
+  it("tx_channels", dante.tx);
+  it("routing", routes);
+  it("rx_channels", dante.rx);
+  it("manufacturer", dante.manufacturer);
+  it("model_name", dante.model_name);
+  it("model_version", dante.model_version);
+  it("software_version", dante.software_version);
+  it("firmware_version", dante.firmware_version);
+  it("sample_rates", dante.sample_rates);
+  it("min_latency", dante.min_latency);
+  it("aes67_available", dante.aes67_available);
+  it("ptp", dante.ptp);
+  it.WhenReading([&](const Reader& reader) {
+    RefuseTwins(reader, "tx_channels", dante.tx, &Channel::id);
+    RefuseTwins(reader, "rx_channels", dante.rx, &Channel::id);
+    if (reader.Has("routing")) SetRoutes(reader, routes, dante);
+  });
+}
+
+// --- Faults --------------------------------------------------------------------
+
+template <class Archive>
+void Members(Archive& it, Fault& fault) {
+  std::string kind = Name(fault.kind);
+  std::string status = StatusName(fault.status);
+  it("method", fault.method);
+  it("fault", kind);
+  it("status", status);
+  it("message", fault.message);
+  it("delay_ms", fault.delay_ms);
+  it("times", fault.times);
+  it.WhenReading([&](const Reader& reader) {
+    try {
+      fault.kind = FaultKindOf(kind);
+      fault.status = StatusOf(status);
+      Check(fault);
+    } catch (const BadFault& bad) {
+      reader.Refuse("", std::string("cannot be: ") + bad.what());
+    }
+  });
+}
+
+// --- The document --------------------------------------------------------------
+
+template <class Archive>
+void Members(Archive& it, State& state) {
+  std::int32_t schema = 1;
+  it("schema", schema);
+  it.WhenReading([&](const Reader& reader) {
+    reader.Require("schema");
+    if (schema != 1) reader.Refuse("schema", "is not 1");
+  });
+  it("network", state.device.network);
+  it("dante", state.device.dante);
+  it("faults", state.faults);
+}
+
+}  // namespace simulator

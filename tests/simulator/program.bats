@@ -1,0 +1,118 @@
+# The program from a shell: states, control socket, and what is installed of the
+# library.
+#
+# ctest gives: SIMULATOR, the program; BUILD_TREE, LIBDIR and DATADIR, what is
+# installed and where; CMAKE and CXX, the tools.
+
+bats_require_minimum_version 1.5.0
+
+teardown() {
+  if [ -n "${DEVICE_PID:-}" ]; then
+    kill -KILL "$DEVICE_PID" 2>/dev/null || true
+  fi
+}
+
+# start OPTION...: waits for the first ready line and takes its endpoints.
+start() {
+  local word
+  mkfifo "$BATS_TEST_TMPDIR/ready$((++STARTS))"
+  # Descriptor 3 is bats' own: held open, it would keep bats waiting.
+  "$SIMULATOR" "$@" >"$BATS_TEST_TMPDIR/ready$STARTS" 3>&- &
+  DEVICE_PID=$!
+  exec 4<"$BATS_TEST_TMPDIR/ready$STARTS"
+  read -r -t 20 word READY <&4
+  [ "$word" = ready ]
+}
+
+# end: ends it as a user would, and passes on its status.
+end() {
+  kill -TERM "$DEVICE_PID"
+  wait "$DEVICE_PID"
+  DEVICE_PID=
+}
+
+ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control" "$@"; }
+
+@test "a saved state is what the next run begins with" {
+  cd "$BATS_TEST_TMPDIR"
+  start --tx-channels 2 --fault SetName:refuse,times=3 --save first.json
+  end
+  start --state first.json --save second.json
+  end
+  diff first.json second.json
+  jq -e '.faults[0].times == 3 and (.dante.tx_channels | length) == 2' first.json
+}
+
+@test "a bad state is refused with file, line and reason before anything starts" {
+  printf '{"schema": 1,\n"bogus": 2}\n' >"$BATS_TEST_TMPDIR/bad.json"
+  run -1 --separate-stderr "$SIMULATOR" --state "$BATS_TEST_TMPDIR/bad.json"
+  [ -z "$output" ]
+  # shellcheck disable=SC2154 # run sets it
+  [ "$stderr" = "networkgrpc-simulator: $BATS_TEST_TMPDIR/bad.json:2: bogus is not known" ]
+}
+
+@test "the control socket is private, adds and takes back faults, and goes with the program" {
+  start --control "$BATS_TEST_TMPDIR/private/control"
+  [[ "$READY" == *" control=unix:$BATS_TEST_TMPDIR/private/control" ]]
+  [ "$(stat -c %a "$BATS_TEST_TMPDIR/private")" = 700 ]
+  [ "$(stat -c %a "$BATS_TEST_TMPDIR/private/control")" = 600 ]
+  ctl fault GetName:freeze '*:delay=1'
+  [ "$(ctl faults)" = $'GetName:freeze\n*:delay=1' ]
+  ctl clear '*'
+  [ "$(ctl faults)" = GetName:freeze ]
+  ctl clear all
+  ctl stop DAPI
+  [ "$(ctl faults)" = "DAPI.*:stop" ]
+  ctl start DAPI
+  ctl drop NetworkManager
+  [ -z "$(ctl faults)" ]
+  [ -z "$(ctl calls)" ]
+  ctl state | jq -e '.schema == 1 and .dante.name == "Amplifier-520001"'
+  run -1 ctl stop bogus
+  run -1 ctl --device 2 state
+  run -1 ctl fault GetBogus:drop
+  run -2 ctl
+  end
+  [ ! -e "$BATS_TEST_TMPDIR/private/control" ]
+  run -1 ctl state
+}
+
+@test "a control socket in a folder that others can enter is refused" {
+  mkdir -m 755 "$BATS_TEST_TMPDIR/open"
+  run -1 timeout 20 "$SIMULATOR" --control "$BATS_TEST_TMPDIR/open/control"
+  [[ "$output" == *"others have access"* ]]
+}
+
+@test "several devices have names, addresses and ready lines of their own" {
+  start --devices 3 --control "$BATS_TEST_TMPDIR/private/control"
+  local word line
+  for line in 2 3; do
+    read -r -t 20 word READY <&4
+    [ "$word" = ready ]
+  done
+  for line in 1 2 3; do
+    ctl --device "$line" state | jq -r '.dante.name, .network.hostname, .network.interfaces[].mac'
+  done >"$BATS_TEST_TMPDIR/names"
+  [ "$(wc -l <"$BATS_TEST_TMPDIR/names")" -eq 18 ]
+  [ -z "$(sort "$BATS_TEST_TMPDIR/names" | uniq -d)" ]
+  end
+}
+
+@test "options that do not go together are refused" {
+  run -2 "$SIMULATOR" --devices 2 --dapi-port 5000
+  run -2 "$SIMULATOR" --devices 2 --save one.json
+  run -2 "$SIMULATOR" --fault GetBogus:drop
+}
+
+@test "the installed library builds the installed example, which passes" {
+  local prefix="$BATS_TEST_TMPDIR/installed" project="$BATS_TEST_TMPDIR/project"
+  "$CMAKE" --install "$BUILD_TREE" --prefix "$prefix" >/dev/null
+  mkdir "$project"
+  printf '%s\n' 'cmake_minimum_required(VERSION 3.25)' 'project(own LANGUAGES CXX)' \
+    'find_package(NetworkgRPC REQUIRED COMPONENTS Simulator)' \
+    "add_executable(own \"$prefix/$DATADIR/NetworkgRPC/simulator/simulated_device.cc\")" \
+    'target_link_libraries(own PRIVATE NetworkgRPC::Simulator)' >"$project/CMakeLists.txt"
+  "$CMAKE" -S "$project" -B "$project/build" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$CXX"
+  "$CMAKE" --build "$project/build"
+  timeout 60 "$project/build/own"
+}
