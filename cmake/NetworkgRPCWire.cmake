@@ -49,7 +49,7 @@ networkgrpc_generate(ostrevan/grpcdapi .pb.cc .pb.h .grpc.pb.cc .grpc.pb.h)
 add_library(networkgrpc_wire OBJECT ${generated_sources} ${NETWORKGRPC_GENERATED_HEADERS})
 target_compile_features(networkgrpc_wire PUBLIC cxx_std_17)
 target_include_directories(networkgrpc_wire SYSTEM PUBLIC "${NETWORKGRPC_GENERATED_DIR}")
-target_link_libraries(networkgrpc_wire PUBLIC networkgrpc_grpc PRIVATE networkgrpc_hardening)
+target_link_libraries(networkgrpc_wire PUBLIC networkgrpc_grpc PRIVATE networkgrpc_hardening networkgrpc_small)
 # Visible, so that applications and daemons can use the classes; their inline
 # functions need not be, as every user compiles its own.
 set_target_properties(networkgrpc_wire PROPERTIES
