@@ -158,6 +158,30 @@ TEST_P(OutOfMemory, AllocationsFailFromOneOnWhileItsClientIsBuilt_NextCallBuilds
 INSTANTIATE_TEST_SUITE_P(Library, OutOfMemory, testing::ValuesIn(support::AllFunctions()),
                          [](const auto& test) { return test.param.name; });
 
+struct NoStdException {};
+
+class NoStdExceptionThrown : public testing::TestWithParam<Function> {};
+
+// Not the library's to judge, and nothing is half built after it.
+TEST_P(NoStdExceptionThrown, WhileItsClientIsBuilt_PassesToTheCallerAndNextCallBuildsIt) {
+  allocation::CalledByOwnCode();
+  Device device;
+  ScriptForGood(device, {GetParam()});
+  std::string outputs;
+  support::CapturedStderr captured;
+
+  support::WatchAllocations(
+      {1, 0, false, &allocation::CalledByOwnCode, [] { throw NoStdException(); }});
+  EXPECT_THROW(GetParam().call(outputs), NoStdException);
+  EXPECT_EQ(support::AllocationsSeen(), 1U);
+
+  EXPECT_EQ(captured.Take(), GetParam().printed);
+  ExpectSuccess(GetParam(), Call(GetParam(), 0, false));
+}
+
+INSTANTIATE_TEST_SUITE_P(Library, NoStdExceptionThrown, testing::ValuesIn(support::AllFunctions()),
+                         [](const auto& test) { return test.param.name; });
+
 // A text of this size is allocated by the library for what it hands to gRPC.
 TEST(SetAmpName, NoMemoryForTheTextOfALongName_PassesTheExceptionOnAndWorksAgain) {
   allocation::CalledByOwnCode();

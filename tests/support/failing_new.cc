@@ -36,7 +36,10 @@ void* Allocate(std::size_t size) {
   const bool watched = IsWatched(size);
   if (watched) {
     ++plan.seen;
-    if (MustFail()) throw std::bad_alloc();
+    if (MustFail()) {
+      if (plan.watch.fails != nullptr) plan.watch.fails();
+      throw std::bad_alloc();
+    }
   }
   void* memory = std::malloc(size != 0 ? size : 1);
   if (memory == nullptr) throw std::bad_alloc();

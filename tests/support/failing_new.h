@@ -16,6 +16,7 @@ struct Watch {
   std::size_t size = 0;        // only those of at least so many bytes count
   bool from_then_on = false;   // the ones after it fail, too
   bool (*counts)() = nullptr;  // asked about each by the thread that allocates, if given
+  void (*fails)() = nullptr;   // throws in place of std::bad_alloc, if given
 };
 void WatchAllocations(const Watch& watch);
 
