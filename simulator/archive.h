@@ -24,15 +24,15 @@
 
 namespace simulator {
 
-/// A number or an enumeration that counts from 0, by its names.
+/// An enumeration that counts from 0, by its names; a number where it has none,
+/// as daemons of another version may have more of them.
 template <class Enum, std::size_t kCount>
 struct Named {
-  Named(Enum& named, const std::array<const char*, kCount>& by_number, bool number_too = false)
-      : value(named), names(by_number), or_number(number_too) {}
+  Named(Enum& named, const std::array<const char*, kCount>& by_number)
+      : value(named), names(by_number) {}
 
   Enum& value;
   const std::array<const char*, kCount>& names;
-  bool or_number;  // a number without a name is one, too
 };
 
 class Reader {
@@ -100,7 +100,7 @@ class Reader {
 
   template <class Enum, std::size_t kCount>
   void Read(const Json& json, const std::string& at, Named<Enum, kCount>& named) const {
-    if (named.or_number && json.is_number()) {
+    if (json.is_number()) {
       std::int32_t number = 0;
       Read(json, at, number);
       named.value = static_cast<Enum>(number);
@@ -114,7 +114,7 @@ class Reader {
       }
       list += (list.empty() ? "" : ", ") + std::string(named.names[number]);
     }
-    document.Refuse(at, "is none of " + list);
+    document.Refuse(at, "is none of " + list + ", and no number");
   }
 
   template <class Value>

@@ -63,11 +63,12 @@ const std::map<std::string, Command>& Commands() {
 Json Result(const Devices& devices, const Json& request) {
   const auto number = request.value("device", std::int64_t{1});
   if (number < 1 || number > static_cast<std::int64_t>(devices.size()))
-    throw std::runtime_error("there is no device " + std::to_string(number) + ", but " +
+    throw std::runtime_error("there is no device " + std::to_string(number) + ", only 1 to " +
                              std::to_string(devices.size()));
   const auto name = request.value("command", std::string());
   const auto command = Commands().find(name);
-  if (command == Commands().end()) throw std::runtime_error("'" + name + "' is no command");
+  if (command == Commands().end())
+    throw std::runtime_error("'" + name + "' is no command that this simulator knows");
   return command->second(*devices[static_cast<std::size_t>(number - 1)],
                          request.value("argument", std::string()));
 }

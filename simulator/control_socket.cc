@@ -160,7 +160,9 @@ void ControlSocket::Run(const std::function<std::string(const std::string&)>& an
 
 std::string AskControl(const std::string& path, const std::string& request) {
   const Socket socket;
-  if (!Connect(socket, AddressOf(path))) Throw("reach a simulator at", path);
+  if (!Connect(socket, AddressOf(path)))
+    Throw("reach a simulator at", path,
+          std::string(std::strerror(errno)) + "; is there one that was started with --control?");
   SetLimit(socket, kClientLimit);
   std::string answer;
   if (!SendLine(socket, request) || !ReceiveLine(socket, kLongestAnswer, answer))

@@ -3,18 +3,12 @@
 
 #include <cstddef>
 #include <map>
-#include <stdexcept>
 #include <string>
 
+#include "simulator/bad_document.h"
 #include "simulator/json.h"
 
 namespace simulator {
-
-/// what() reads "FILE:LINE: reason".
-class BadDocument : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 class Document {
  public:

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <sstream>
+#include <cstring>
 #include <vector>
 
 #include "simulator/methods.h"
@@ -22,6 +22,8 @@ constexpr std::array<const char*, 17> kStatuses{
     "DATA_LOSS", "UNAUTHENTICATED"};
 
 constexpr std::array<Daemon, 2> kDaemons{Daemon::kNetworkManager, Daemon::kDapi};
+
+constexpr const char* kMessage = "message=";
 
 template <class Names>
 std::size_t IndexOf(const Names& names, const std::string& name, const std::string& what) {
@@ -60,7 +62,8 @@ void ParseWord(const std::string& word, Fault& fault) {
   } else if (key == "times") {
     fault.times = ParseNumber(key, value);
   } else {
-    throw BadFault('\'' + word + "' is none of status=CODE, delay=MILLISECONDS, times=N");
+    throw BadFault('\'' + word +
+                   "' is none of status=CODE, delay=MILLISECONDS, times=N, message=TEXT");
   }
 }
 
@@ -69,12 +72,15 @@ bool IsAllOfOneDaemon(const std::string& pattern) {
                      [&](Daemon daemon) { return pattern == Name(daemon) + std::string(".*"); });
 }
 
-// The methods that the fault is for.
-std::vector<const Method*> Matching(const Fault& fault) {
+// The methods that the pattern is for; one at least.
+std::vector<const Method*> Matching(const std::string& pattern) {
   std::vector<const Method*> matching;
   for (const Daemon daemon : kDaemons)
     for (const Method& method : MethodsOf(daemon))
-      if (IsFor(fault, daemon, method.name)) matching.push_back(&method);
+      if (Matches(pattern, daemon, method.name)) matching.push_back(&method);
+  if (matching.empty())
+    throw BadFault("no method is called '" + pattern + "'; DAPI.* and NetworkManager.* " +
+                   "stand for all of a daemon, * for all");
   return matching;
 }
 
@@ -90,8 +96,16 @@ Fault ParseFault(const std::string& text) {
     throw BadFault('\'' + text + "' is not METHOD:FAULT, such as GetName:status=UNAVAILABLE");
   Fault fault;
   fault.method = text.substr(0, colon);
-  std::istringstream words(text.substr(colon + 1));
-  for (std::string word; std::getline(words, word, ',');) ParseWord(word, fault);
+  for (std::size_t start = colon + 1; start < text.size();) {
+    // A message may have commas of its own, so that it comes last.
+    if (text.compare(start, std::strlen(kMessage), kMessage) == 0) {
+      fault.message = text.substr(start + std::strlen(kMessage));
+      break;
+    }
+    const std::size_t end = std::min(text.find(',', start), text.size());
+    ParseWord(text.substr(start, end - start), fault);
+    start = end + 1;
+  }
   Check(fault);
   return fault;
 }
@@ -106,18 +120,21 @@ std::string ToText(const Fault& fault) {
   }
   if (fault.delay_ms != 0) add("delay=" + std::to_string(fault.delay_ms));
   if (fault.times != 0) add("times=" + std::to_string(fault.times));
+  if (!fault.message.empty()) add(kMessage + fault.message);
   return fault.method + ':' + words;
 }
 
 void Check(const Fault& fault) {
-  const std::vector<const Method*> matching = Matching(fault);
-  if (matching.empty())
-    throw BadFault("no method is called '" + fault.method + "'; DAPI.* and NetworkManager.* " +
-                   "stand for all of a daemon, * for all");
+  const std::vector<const Method*> matching = Matching(fault.method);
   if (fault.kind == FaultKind::kNone && fault.delay_ms == 0)
     throw BadFault(fault.method + " is told no fault");
+  if (static_cast<std::size_t>(fault.status) >= kStatuses.size())  // negative ones, too
+    throw BadFault(std::to_string(fault.status) + " is no status code");
   if (fault.kind == FaultKind::kStatus && fault.status == 0)
-    throw BadFault("the status OK is no fault");
+    throw BadFault("the fault status needs a code, and OK is none, such as status=UNAVAILABLE");
+  if (fault.kind != FaultKind::kStatus && (fault.status != 0 || !fault.message.empty()))
+    throw BadFault(std::string("a status code or message is for the fault status, not for ") +
+                   Name(fault.kind));
   if (fault.kind == FaultKind::kRefuse &&
       std::none_of(matching.begin(), matching.end(),
                    [](const Method* method) { return method->replies_success; }))
@@ -127,14 +144,16 @@ void Check(const Fault& fault) {
     throw BadFault("only DAPI.* or NetworkManager.* can stop, without delay and times");
 }
 
-bool IsFor(const Fault& fault, Daemon daemon, const std::string& method) {
+void CheckPattern(const std::string& pattern) { Matching(pattern); }
+
+bool Matches(const std::string& pattern, Daemon daemon, const std::string& method) {
   const std::string prefix = Name(daemon) + std::string(".");
-  return fault.method == "*" || fault.method == prefix + '*' || fault.method == method ||
-         fault.method == prefix + method;
+  return pattern == "*" || pattern == prefix + '*' || pattern == method ||
+         pattern == prefix + method;
 }
 
 Daemon StoppedDaemon(const Fault& fault) {
-  return IsFor(fault, Daemon::kDapi, "") ? Daemon::kDapi : Daemon::kNetworkManager;
+  return Matches(fault.method, Daemon::kDapi, "") ? Daemon::kDapi : Daemon::kNetworkManager;
 }
 
 const char* Name(FaultKind kind) { return kKinds[static_cast<std::size_t>(kind)]; }

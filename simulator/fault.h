@@ -4,6 +4,7 @@
 // lines and tests:
 //
 //   GetName:status=UNAVAILABLE,times=2   twice that status, then as usual
+//   GetName:status=INTERNAL,message=gone that status with that message
 //   SetName:refuse                       the reply says false
 //   DAPI.*:delay=250                     a quarter of a second late, else as usual
 //   GetRxChannelLink:malformed           a reply that cannot be parsed
@@ -52,18 +53,21 @@ class BadFault : public std::invalid_argument {
   using std::invalid_argument::invalid_argument;
 };
 
-/// From the text form above. Throws BadFault.
+/// From the text form above, in which a message comes last. Throws BadFault.
 Fault ParseFault(const std::string& text);
 
-/// The text form; it has no place for a message.
+/// The text form.
 std::string ToText(const Fault& fault);
 
 /// Throws BadFault when there is no such method, or the method cannot have that
 /// fault.
 void Check(const Fault& fault);
 
-/// True when the fault is for this method of this daemon.
-bool IsFor(const Fault& fault, Daemon daemon, const std::string& method);
+/// Throws BadFault when no method is spelled so, as Fault::method spells them.
+void CheckPattern(const std::string& pattern);
+
+/// True when the pattern is for this method of this daemon.
+bool Matches(const std::string& pattern, Daemon daemon, const std::string& method);
 
 /// The daemon of a fault of the kind kStop.
 Daemon StoppedDaemon(const Fault& fault);

@@ -12,10 +12,8 @@ constexpr std::size_t kMostCalls = 10000;
 bool IsCallOf(const ReceivedCall& call, const std::string& pattern) {
   const std::size_t dot = call.method.find('.');
   const std::string service = call.method.substr(0, dot);
-  Fault asked;
-  asked.method = pattern;
-  return IsFor(asked, service == Name(Daemon::kDapi) ? Daemon::kDapi : Daemon::kNetworkManager,
-               call.method.substr(dot + 1));
+  return Matches(pattern, service == Name(Daemon::kDapi) ? Daemon::kDapi : Daemon::kNetworkManager,
+                 call.method.substr(dot + 1));
 }
 
 bool Stops(const Fault& fault, Daemon daemon) {
@@ -58,7 +56,7 @@ void Faults::ClearStop(Daemon daemon) {
 std::optional<Fault> Faults::Take(Daemon daemon, const std::string& method) {
   const std::lock_guard<std::mutex> lock(mutex);
   const auto found = std::find_if(faults.begin(), faults.end(), [&](const Fault& fault) {
-    return fault.kind != FaultKind::kStop && IsFor(fault, daemon, method);
+    return fault.kind != FaultKind::kStop && Matches(fault.method, daemon, method);
   });
   if (found == faults.end()) return std::nullopt;
   const Fault taken = *found;

@@ -65,6 +65,7 @@ sigset_t EndingSignals() {
 
 int Serve(const ProgramOptions& options) {
   const std::vector<State> states = InitialStates(options);
+  for (const std::string& file : options.saves) simulator::CheckSavable(file);
   // Before any thread starts, so that every thread leaves the signals to sigwait.
   const sigset_t ending = EndingSignals();
   pthread_sigmask(SIG_BLOCK, &ending, nullptr);

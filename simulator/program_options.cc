@@ -4,6 +4,9 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <set>
+
+#include "simulator/help.h"
 
 namespace simulator {
 namespace {
@@ -16,9 +19,12 @@ constexpr const char* kAutomatic = "auto";
 
 CLI::Option* AddNumber(CLI::App& app, const std::string& name, int& value, int largest,
                        const std::string& description) {
-  return app.add_option(name, value, description)
+  return app
+      .add_option(name, value,
+                  description + ": 0 to " + std::to_string(largest) + ", " + std::to_string(value) +
+                      " by default")
       ->check(CLI::Range(0, largest))
-      ->option_text("N, 0 to " + std::to_string(largest) + ", default " + std::to_string(value));
+      ->option_text("N");
 }
 
 // Where --control auto leads to, empty when nowhere.
@@ -32,9 +38,9 @@ std::string ControlPath(const std::string& asked) {
 
 void DescribePorts(CLI::App& app, Options& options) {
   AddNumber(app, "--network-manager-port", options.network_manager_port, kLastPort,
-            "Port of the network-manager daemon; 0 is a free one");
+            "Port of the network-manager daemon, 0 being a free one");
   AddNumber(app, "--dapi-port", options.dapi_port, kLastPort,
-            "Port of the Dante API daemon; 0 is a free one");
+            "Port of the Dante API daemon, 0 being a free one");
   AddNumber(app, "--tx-channels", options.tx_channels, kMostChannels,
             "Number of transmit channels");
   AddNumber(app, "--rx-channels", options.rx_channels, kMostChannels, "Number of receive channels");
@@ -42,24 +48,30 @@ void DescribePorts(CLI::App& app, Options& options) {
 
 void DescribeState(CLI::App& app, ProgramOptions& options, std::vector<std::string>& faults) {
   app.add_option("--state", options.states,
-                 "Begin with the state in this JSON file; give it again for each further device")
+                 "Begin with the state in this JSON file, in which comments are allowed; one for "
+                 "all devices, or again for each")
       ->option_text("FILE")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  app.add_option("--save", options.saves, "Write the state to this file in the end")
+  app.add_option("--save", options.saves,
+                 "Write the state to this file in the end; again for each device")
       ->option_text("FILE")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   app.add_option("--fault", faults,
-                 "Do this instead of answering, such as GetName:status=UNAVAILABLE,times=2")
+                 "Do this instead of answering, on every device; again for each fault")
       ->option_text("METHOD:FAULT")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  app.add_option("--devices", options.devices, "Number of devices, each on ports of its own")
+  app.add_option("--devices", options.devices,
+                 "Number of devices, each with ports, names, addresses and a ready line of its "
+                 "own: 1 to " +
+                     std::to_string(kMostDevices) + ", 1 by default")
       ->check(CLI::Range(1, kMostDevices))
-      ->option_text("N, 1 to " + std::to_string(kMostDevices) + ", default 1");
+      ->option_text("N");
   app.add_option("--control", options.control,
-                 "Listen for the ctl command on this unix socket; auto is one in XDG_RUNTIME_DIR")
+                 "Listen for ctl on this unix socket, which only its user can reach; auto is one "
+                 "in XDG_RUNTIME_DIR")
       ->option_text("PATH");
 }
 
@@ -75,11 +87,24 @@ void CheckTogether(const ProgramOptions& options) {
     throw CLI::ValidationError("--state", "Give one for all devices, or one for each");
   if (!options.saves.empty() && options.saves.size() != devices)
     throw CLI::ValidationError("--save", "Give one for each device");
+  if (std::set<std::string>(options.saves.begin(), options.saves.end()).size() !=
+      options.saves.size())
+    throw CLI::ValidationError("--save", "Two devices cannot be written to one file");
+}
+
+// Options in front of ctl would be for a simulator that starts.
+void CheckCtl(const CLI::App& app, const ProgramOptions& options) {
+  if (options.wishes.empty())
+    throw CLI::ValidationError("ctl", "A command is missing, such as ctl state");
+  for (const CLI::Option* option : app.get_options())
+    if (option->count() != 0)
+      throw CLI::ValidationError(option->get_name(),
+                                 "Does not go with ctl, whose options stand behind it");
 }
 
 void AddCommand(CLI::App& ctl, ProgramOptions& options, const std::string& name,
                 const std::string& description) {
-  ctl.add_subcommand(name, description)->callback([&options, name] {
+  ctl.add_subcommand(name, description)->fallthrough()->callback([&options, name] {
     options.wishes.push_back({name, "", 1});
   });
 }
@@ -87,7 +112,7 @@ void AddCommand(CLI::App& ctl, ProgramOptions& options, const std::string& name,
 // A command that takes words; it is run for each.
 void AddCommand(CLI::App& ctl, ProgramOptions& options, const std::string& name,
                 const std::string& description, const std::string& argument) {
-  CLI::App* const command = ctl.add_subcommand(name, description);
+  CLI::App* const command = ctl.add_subcommand(name, description)->fallthrough();
   const auto words = std::make_shared<std::vector<std::string>>();
   command->add_option(argument, *words)->option_text(" ")->required();
   command->callback([&options, name, words] {
@@ -97,21 +122,25 @@ void AddCommand(CLI::App& ctl, ProgramOptions& options, const std::string& name,
 
 void DescribeCtl(CLI::App& app, ProgramOptions& options, std::string& control, int& device) {
   CLI::App* const ctl = app.add_subcommand("ctl", "Ask or change a simulator that runs");
-  ctl->require_subcommand(1);
-  ctl->add_option("--control", control, "Its socket, as its --control says")
-      ->option_text("PATH, default auto");
-  ctl->add_option("--device", device, "Which of its devices")
+  // That there is one is checked in the end, when what stands instead is told.
+  ctl->require_subcommand(0, 1);
+  ctl->add_option("--control", control, "Its socket, as its --control says; auto by default")
+      ->option_text("PATH");
+  ctl->add_option("--device", device,
+                  "Which of its devices, in the order of the ready lines: 1 by default")
       ->check(CLI::Range(1, kMostDevices))
-      ->option_text("N, default 1");
+      ->option_text("N");
   AddCommand(*ctl, options, "state", "Print the state as --save writes it");
-  AddCommand(*ctl, options, "calls", "Print the calls received, one JSON object a line");
+  AddCommand(*ctl, options, "calls",
+             "Print the calls received with their requests, one JSON object a line");
   AddCommand(*ctl, options, "forget", "Forget the calls received");
   AddCommand(*ctl, options, "faults", "Print the faults, one a line");
-  AddCommand(*ctl, options, "fault", "Add faults, METHOD:FAULT", "fault");
-  AddCommand(*ctl, options, "clear", "Take back the faults of a METHOD; all is for all", "method");
-  AddCommand(*ctl, options, "stop", "Stop a daemon: DAPI or NetworkManager", "daemon");
-  AddCommand(*ctl, options, "start", "Start it again", "daemon");
-  AddCommand(*ctl, options, "drop", "Cut the connections to it", "daemon");
+  AddCommand(*ctl, options, "fault", "Add faults, METHOD:FAULT each", "FAULT");
+  AddCommand(*ctl, options, "clear",
+             "Take back the faults told for exactly this METHOD; all takes back all", "METHOD");
+  AddCommand(*ctl, options, "stop", "Stop a daemon: DAPI or NetworkManager", "DAEMON");
+  AddCommand(*ctl, options, "start", "Start it again", "DAEMON");
+  AddCommand(*ctl, options, "drop", "Cut the connections to it", "DAEMON");
 }
 
 std::vector<Fault> ParseFaults(const std::vector<std::string>& texts) {
@@ -130,18 +159,19 @@ ProgramOptions Parse(CLI::App& app, int argc, char** argv) {
   std::vector<std::string> faults;
   std::string ctl_control = kAutomatic;
   int ctl_device = 1;
+  app.formatter(std::make_shared<Help>());
   app.description(
-      "Simulates a device: a network-manager daemon and a Dante API daemon on loopback.\n"
-      "When both serve, one line on standard output tells their endpoints:\n"
+      "Simulates a device with its network-manager and Dante API daemons on loopback.\n"
+      "When both serve, one line on standard output tells where:\n"
       "  ready network_manager_url=127.0.0.1:PORT grpc_dapi_url=127.0.0.1:PORT\n"
-      "SIGTERM and SIGINT end it.");
+      "It serves until SIGTERM or SIGINT. With ctl, it asks or changes one that runs.");
   app.set_version_flag("--version", std::string(kProgramName) + " " + NETWORKGRPC_VERSION,
                        "Print the version and exit");
   DescribePorts(app, options.device);
   DescribeState(app, options, faults);
   DescribeCtl(app, options, ctl_control, ctl_device);
   app.parse(argc, argv);
-  CheckTogether(options);
+  app.got_subcommand("ctl") ? CheckCtl(app, options) : CheckTogether(options);
   options.faults = ParseFaults(faults);
   if (!options.wishes.empty()) options.control = ctl_control;
   options.control = ControlPath(options.control);

@@ -37,9 +37,9 @@ class Process {
     const std::lock_guard<std::mutex> lock(mutex);
     if (running == nullptr) running = std::make_unique<Running>(daemon, service, faults, port);
   }
-  void Thaw() {
+  void Thaw(const std::string& pattern) {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (running != nullptr) running->dispatcher.Thaw();
+    if (running != nullptr) running->dispatcher.Thaw(pattern);
   }
 
  private:
@@ -109,10 +109,11 @@ void Simulator::Inject(const Fault& fault) {
 }
 
 void Simulator::ClearFaults(const std::string& method) {
+  if (!method.empty()) CheckPattern(method);
   faults.Clear(method);
   for (const Daemon which : {Daemon::kNetworkManager, Daemon::kDapi}) {
     if (daemons == nullptr) return;
-    daemons->Of(which).Thaw();
+    daemons->Of(which).Thaw(method);
     if (!faults.HasStop(which)) daemons->Of(which).Start();
   }
 }

@@ -70,8 +70,8 @@ class Simulator {
   /// The same, from the text form.
   void Inject(const std::string& fault) { Inject(ParseFault(fault)); }
   /// Takes back the faults told for exactly this method or pattern, all for "";
-  /// answers frozen calls and starts a daemon that a fault has stopped. Throws
-  /// std::runtime_error when its port is taken.
+  /// answers the calls that they froze and starts a daemon that one has stopped.
+  /// Throws BadFault, and std::runtime_error when a daemon's port is taken.
   void ClearFaults(const std::string& method = "");
   std::vector<Fault> ListFaults();
 

@@ -1,5 +1,7 @@
 #include "simulator/state.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -16,6 +18,9 @@ namespace {
 [[noreturn]] void Throw(const std::string& what, const std::string& file) {
   throw std::runtime_error("cannot " + what + ' ' + file + ": " + std::strerror(errno));
 }
+
+// What becomes the file once it is complete.
+std::string Fresh(const std::string& file) { return file + ".new"; }
 
 }  // namespace
 
@@ -50,7 +55,11 @@ void SetRoutes(const Reader& reader, const std::vector<Route>& routes, Dante& da
     const std::string entry = EntryPath("routing", i);
     if (!HasRxChannel(dante, routes[i].rx_channel))
       reader.Refuse(entry, "is for a receive channel that there is not");
-    if (!SetLink(dante, routes[i].rx_channel, routes[i].link))
+    const Link& link = routes[i].link;
+    // A real device may know encodings that this one refuses to be set to.
+    if (link.raw.has_value() && !link.raw->ip.empty())
+      dante.links[routes[i].rx_channel] = link;
+    else if (!SetLink(dante, routes[i].rx_channel, link))
       reader.Refuse(entry, "needs both device and channel, or a raw stream with an ip");
   }
 }
@@ -77,13 +86,28 @@ std::string WriteState(State state) {
 State LoadState(const std::string& file, const State& defaults) {
   std::ifstream stream(file, std::ios::binary);
   if (!stream) Throw("read", file);
-  const std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (stream.bad()) Throw("read", file);
+  std::string text;
+  try {
+    text.assign(std::istreambuf_iterator<char>(stream), {});
+  } catch (const std::ios_base::failure&) {  // from the buffer: the stream throws nothing
+    Throw("read", file);
+  }
   return ReadState(text, file, defaults);
 }
 
+void CheckSavable(const std::string& file) {
+  struct stat found {};
+  if (stat(file.c_str(), &found) == 0 && S_ISDIR(found.st_mode)) {
+    errno = EISDIR;
+    Throw("write", file);
+  }
+  const std::string fresh = Fresh(file);
+  if (!std::ofstream(fresh, std::ios::binary | std::ios::trunc)) Throw("write", file);
+  std::remove(fresh.c_str());
+}
+
 void SaveState(const std::string& file, const State& state) {
-  const std::string fresh = file + ".new";
+  const std::string fresh = Fresh(file);
   std::ofstream stream(fresh, std::ios::binary | std::ios::trunc);
   stream << WriteState(state);
   stream.close();

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "simulator/bad_document.h"
 #include "simulator/fault.h"
 #include "simulator/model.h"
 
@@ -27,5 +28,8 @@ std::string WriteState(State state);
 /// whole or not at all. Throw std::runtime_error when that cannot be done.
 State LoadState(const std::string& file, const State& defaults);
 void SaveState(const std::string& file, const State& state);
+
+/// Throws what SaveState would throw for a file that cannot be written.
+void CheckSavable(const std::string& file);
 
 }  // namespace simulator

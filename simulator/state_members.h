@@ -110,7 +110,7 @@ void Members(Archive& it, RawStream& raw) {
   it("value4", raw.values[2]);
   it("value5", raw.values[3]);
   it("value6", raw.values[4]);
-  it("encoding", Named(raw.encoding, kEncodingNames, true));
+  it("encoding", Named(raw.encoding, kEncodingNames));
   it("sip", raw.sip);
   it("session_id", raw.session_id);
 }

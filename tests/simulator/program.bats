@@ -1,8 +1,8 @@
 # The program from a shell: states, control socket, and what is installed of the
 # library.
 #
-# ctest gives: SIMULATOR, the program; BUILD_TREE, LIBDIR and DATADIR, what is
-# installed and where; CMAKE and CXX, the tools.
+# ctest gives: SIMULATOR, the program; SOURCE_TREE; BUILD_TREE, LIBDIR and DATADIR,
+# what is installed and where; CMAKE, CXX and CXXFLAGS, the tools and flags.
 
 bats_require_minimum_version 1.5.0
 
@@ -64,6 +64,9 @@ ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control
   ctl stop DAPI
   [ "$(ctl faults)" = "DAPI.*:stop" ]
   ctl start DAPI
+  ctl fault 'GetName:status=INTERNAL,message=down, up'
+  [ "$(ctl faults)" = 'GetName:status=INTERNAL,message=down, up' ]
+  ctl clear GetName
   ctl drop NetworkManager
   [ -z "$(ctl faults)" ]
   [ -z "$(ctl calls)" ]
@@ -75,6 +78,31 @@ ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control
   end
   [ ! -e "$BATS_TEST_TMPDIR/private/control" ]
   run -1 ctl state
+  [[ "$output" == *"No such file or directory; is there one that was started with --control?" ]]
+}
+
+@test "a control socket that is in use is left alone, one that was left behind is replaced" {
+  start --control "$BATS_TEST_TMPDIR/private/control"
+  run -1 timeout 20 "$SIMULATOR" --control "$BATS_TEST_TMPDIR/private/control"
+  [[ "$output" == *"a simulator does already"* ]]
+  [ "$(ctl state | jq .schema)" = 1 ]
+  kill -KILL "$DEVICE_PID"
+  wait "$DEVICE_PID" || true
+  [ -e "$BATS_TEST_TMPDIR/private/control" ]
+  start --control "$BATS_TEST_TMPDIR/private/control"
+  [ "$(ctl state | jq .schema)" = 1 ]
+  end
+}
+
+@test "the automatic control socket needs XDG_RUNTIME_DIR, and both sides find it" {
+  unset XDG_RUNTIME_DIR
+  run -2 "$SIMULATOR" --control auto
+  [[ "$output" == *"XDG_RUNTIME_DIR is not set, give a path"* ]]
+  export XDG_RUNTIME_DIR="$BATS_TEST_TMPDIR"
+  start --control auto
+  [[ "$READY" == *" control=unix:$BATS_TEST_TMPDIR/networkgrpc-simulator/control" ]]
+  [ "$(timeout 20 "$SIMULATOR" ctl state | jq .schema)" = 1 ]
+  end
 }
 
 @test "a control socket in a folder that others can enter is refused" {
@@ -108,11 +136,34 @@ ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control
   local prefix="$BATS_TEST_TMPDIR/installed" project="$BATS_TEST_TMPDIR/project"
   "$CMAKE" --install "$BUILD_TREE" --prefix "$prefix" >/dev/null
   mkdir "$project"
-  printf '%s\n' 'cmake_minimum_required(VERSION 3.25)' 'project(own LANGUAGES CXX)' \
-    'find_package(NetworkgRPC REQUIRED COMPONENTS Simulator)' \
-    "add_executable(own \"$prefix/$DATADIR/NetworkgRPC/simulator/simulated_device.cc\")" \
-    'target_link_libraries(own PRIVATE NetworkgRPC::Simulator)' >"$project/CMakeLists.txt"
-  "$CMAKE" -S "$project" -B "$project/build" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$CXX"
+  {
+    printf '%s\n' 'cmake_minimum_required(VERSION 3.25)' 'project(own LANGUAGES CXX)' \
+      "add_executable(my_test \"$prefix/$DATADIR/NetworkgRPC/simulator/simulated_device.cc\")"
+    # What the guide tells users to write.
+    # shellcheck disable=SC2016 # backticks of Markdown
+    sed -n '/^```cmake$/,/^```$/ { /^```/d; p }' "$SOURCE_TREE/docs/simulator.md"
+  } >"$project/CMakeLists.txt"
+  # shellcheck disable=SC2120 # run passes them
+  configure() {
+    "$CMAKE" -S "$project" -B "$project/build" -DCMAKE_PREFIX_PATH="$prefix" \
+      -DCMAKE_CXX_COMPILER="$CXX" "$@"
+  }
+  # shellcheck disable=SC2119 # none here
+  configure
   "$CMAKE" --build "$project/build"
-  timeout 60 "$project/build/own"
+  run -0 timeout 60 "$project/build/my_test"
+  [[ "$output" == *'DAPI.SetName {"name":"Stage"} SetName:refuse,times=1'* ]]
+
+  # Every header that is installed compiles alone.
+  local header
+  for header in "$prefix"/include/NetworkgRPC/simulator/*.h; do
+    "$CXX" -std=c++17 -fsyntax-only -I "$prefix/include/NetworkgRPC" -x c++ "$header"
+  done
+
+  # What is missing is told of the component that was asked for.
+  run ! configure --fresh -DPKG_CONFIG_EXECUTABLE=/nonexistent
+  [[ "$(tr -s ' \n' ' ' <<<"$output")" == *"component Simulator needs what is not installed: pkg-config "* ]]
+  rm "$prefix/$LIBDIR"/cmake/NetworkgRPC/NetworkgRPCSimulatorTargets*
+  run ! configure --fresh
+  [[ "$(tr -s ' \n' ' ' <<<"$output")" == *"component Simulator needs what is not installed: the simulator, which this NetworkgRPC was built without "* ]]
 }

@@ -46,7 +46,7 @@ SimulatorProcess::SimulatorProcess(const std::vector<std::string>& options) {
   close(pipe[1]);
   out = pipe[0];
   try {
-    WaitForReadyLine();
+    NextDevice();
   } catch (const std::runtime_error&) {
     End(SIGKILL);
     throw;
@@ -57,7 +57,8 @@ SimulatorProcess::~SimulatorProcess() {
   if (process > 0) End(SIGKILL);
 }
 
-void SimulatorProcess::WaitForReadyLine() {
+void SimulatorProcess::NextDevice() {
+  ready_line.clear();
   char next = '\0';
   while (next != '\n') {
     if (!WaitFor(out)) throw std::runtime_error("the simulator is not ready in time");

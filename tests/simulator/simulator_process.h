@@ -19,7 +19,11 @@ class SimulatorProcess {
   SimulatorProcess(const SimulatorProcess&) = delete;
   SimulatorProcess& operator=(const SimulatorProcess&) = delete;
 
-  /// Everything that it printed up to the end of the first line, newline included.
+  /// Waits for the ready line of the next of several devices, which the functions
+  /// below speak of from then on. Throws like the constructor.
+  void NextDevice();
+
+  /// The whole line, newline included.
   const std::string& ReadyLine() const { return ready_line; }
   /// What the ready line says; empty when it does not say it.
   std::string NetworkManagerUrl() const { return Value("network_manager_url="); }
@@ -31,7 +35,6 @@ class SimulatorProcess {
 
  private:
   std::string Value(const std::string& key) const;
-  void WaitForReadyLine();
 
   pid_t process = -1;
   int out = -1;  // its standard output

@@ -4,6 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 
@@ -82,6 +86,152 @@ TEST(State, WithoutWhatOnlyASimulatorHas_TakesChannelsFromTheRouting) {
   EXPECT_EQ(read.device.dante.links.at(7).channel_name, "B");
 }
 
+TEST(State, ExportOfAnotherVersion_KeepsNumbersWithoutName) {
+  const State read = ReadState(
+      R"({"schema": 1, "network": {"switch_mode": 7,
+          "interfaces": [{"name": "lan0", "mode": 4, "speed": 9}]},
+          "dante": {"routing": [{"rx_channel": 1, "raw": {"ip": "239.1.2.3", "encoding": 5}}],
+                    "ptp": {"clock": -1}}})",
+      "", Factory());
+
+  EXPECT_EQ(read.device.network.stored_switch_mode, 7);
+  EXPECT_EQ(read.device.network.live_switch_mode, 7);
+  EXPECT_EQ(static_cast<int>(read.device.network.interfaces[0].stored.mode), 4);
+  EXPECT_EQ(static_cast<int>(read.device.network.interfaces[0].speed), 9);
+  EXPECT_EQ(read.device.network.interfaces[0].live.ip, "169.254.82.1");  // as dynamic
+  EXPECT_EQ(read.device.dante.links.at(1).raw->encoding, 5);
+  EXPECT_EQ(static_cast<int>(read.device.dante.ptp.clock), -1);
+  EXPECT_EQ(WriteState(ReadState(WriteState(read), "", Factory())), WriteState(read));
+}
+
+TEST(State, InterfaceOfTheFactory_HasItsDefaultsAndOthersTheNextIds) {
+  const State read = ReadState(
+      R"({"schema": 1, "network": {"interfaces": [
+          {"name": "eth7"}, {"name": "lan1", "mode": "link-local-only"}, {"name": "eth8"}]}})",
+      "", Factory());
+
+  const auto& interfaces = read.device.network.interfaces;
+  ASSERT_THAT(interfaces, SizeIs(3));
+  EXPECT_EQ(interfaces[0].id, 3);
+  EXPECT_EQ(interfaces[0].mac, "02:54:41:52:ff:03");
+  EXPECT_EQ(interfaces[1].id, 2);
+  EXPECT_EQ(interfaces[1].mac, "02:54:41:52:00:02");
+  EXPECT_EQ(interfaces[1].live.ip, "169.254.82.2");
+  EXPECT_EQ(interfaces[2].id, 4);
+}
+
+TEST(State, InEffectTold_MayDifferFromWhatIsStored) {
+  const State read = ReadState(
+      R"({"schema": 1, "network": {"ntp": ["a"], "ntp_in_effect": ["b"], "switch_mode": 1,
+          "switch_mode_in_effect": 2, "interfaces": [{"name": "lan0", "live": {"ip": "10.0.0.9"}}]}})",
+      "", Factory());
+
+  EXPECT_EQ(read.device.network.stored_ntp.at(0), "a");
+  EXPECT_EQ(read.device.network.live_ntp.at(0), "b");
+  EXPECT_EQ(read.device.network.stored_switch_mode, 1);
+  EXPECT_EQ(read.device.network.live_switch_mode, 2);
+  EXPECT_EQ(read.device.network.interfaces[0].live.ip, "10.0.0.9");
+}
+
+TEST(State, Read_AFactoryResetKeepsInterfacesAndBringsBackSettings) {
+  const State read = ReadState(
+      R"({"schema": 1, "network": {"hostname": "hall", "ntp": ["a"], "interfaces": [
+          {"name": "eth7", "mode": "static", "ip": "10.0.0.2", "netmask": "255.0.0.0"}]}})",
+      "", Factory());
+
+  const simulator::Network& factory = read.device.factory_network;
+  EXPECT_EQ(factory.hostname, "amplifier");
+  EXPECT_EQ(factory.stored_ntp.at(0), "pool.ntp.example");
+  ASSERT_THAT(factory.interfaces, SizeIs(1));
+  EXPECT_EQ(factory.interfaces[0].name, "eth7");
+  EXPECT_EQ(factory.interfaces[0].stored.mode, simulator::Addressing::kDynamic);
+}
+
+TEST(State, RoutingTold_ReplacesThatOfTheDefaults) {
+  State defaults = Factory();
+  defaults.device.dante.links[2] = {"Desk", "05", std::nullopt, false};
+  const std::string routing = R"({"rx_channel": 1, "device": "A", "channel": "B"})";
+
+  const State told = ReadState(R"({"schema": 1, "dante": {"routing": [)" + routing +
+                                   R"(], "rx_channels": [{"id": 1}, {"id": 2}]}})",
+                               "", defaults);
+  const State not_told = ReadState(R"({"schema": 1})", "", defaults);
+
+  EXPECT_EQ(told.device.dante.links.count(1), 1U);
+  EXPECT_EQ(told.device.dante.links.count(2), 0U);
+  EXPECT_EQ(not_told.device.dante.links.count(2), 1U);
+}
+
+TEST(State, MessageOfAFault_IsReadAndWritten) {
+  State state = Factory();
+  state.faults = {simulator::ParseFault("GetName:status=ABORTED,message=a, b")};
+
+  const State read = ReadState(WriteState(state), "", Factory());
+
+  ASSERT_THAT(read.faults, SizeIs(1));
+  EXPECT_EQ(read.faults[0].message, "a, b");
+}
+
+class StateFile : public testing::Test {
+ protected:
+  StateFile() {
+    std::string pattern = testing::TempDir() + "state_test.XXXXXX";
+    if (mkdtemp(pattern.data()) != nullptr) folder = pattern;
+  }
+  ~StateFile() override {
+    std::remove(Path("state.json").c_str());
+    rmdir(folder.c_str());
+  }
+  StateFile(const StateFile&) = delete;
+  StateFile& operator=(const StateFile&) = delete;
+
+  std::string Path(const std::string& name) const { return folder + '/' + name; }
+
+  // Why the file cannot be used, "" when it can.
+  template <class Use>
+  static std::string Refusal(Use use) {
+    try {
+      use();
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+    return "";
+  }
+
+  std::string folder;
+};
+
+TEST_F(StateFile, Saved_ReplacesTheFileAndIsLoadedAgain) {
+  SaveState(Path("state.json"), Factory());
+  State changed = Factory();
+  changed.device.dante.name = "changed";
+  simulator::CheckSavable(Path("state.json"));
+  struct stat found {};
+  EXPECT_NE(stat(Path("state.json.new").c_str(), &found), 0);  // nothing is left behind
+  SaveState(Path("state.json"), changed);
+
+  const State loaded = LoadState(Path("state.json"), Factory());
+
+  EXPECT_EQ(WriteState(loaded), WriteState(changed));
+  EXPECT_NE(stat(Path("state.json.new").c_str(), &found), 0);
+}
+
+TEST_F(StateFile, Absent_IsRefusedWithItsNameAndReason) {
+  EXPECT_EQ(Refusal([&] { LoadState(Path("none"), Factory()); }),
+            "cannot read " + Path("none") + ": No such file or directory");
+  EXPECT_EQ(Refusal([&] { LoadState(folder, Factory()); }),
+            "cannot read " + folder + ": Is a directory");
+}
+
+TEST_F(StateFile, ThatCannotBeWritten_IsRefusedWithItsNameAndReason) {
+  const std::string file = Path("none/state.json");
+  const std::string reason = "cannot write " + file + ": No such file or directory";
+  EXPECT_EQ(Refusal([&] { SaveState(file, Factory()); }), reason);
+  EXPECT_EQ(Refusal([&] { simulator::CheckSavable(file); }), reason);
+  EXPECT_EQ(Refusal([&] { simulator::CheckSavable(folder); }),
+            "cannot write " + folder + ": Is a directory");
+}
+
 struct Bad {
   std::string text;
   std::string where;
@@ -115,6 +265,34 @@ INSTANTIATE_TEST_SUITE_P(
             "4", "dante.routing[0] is for a receive channel that there is not"},
         Bad{"{\"schema\": 1,\n\"faults\": [\n{\"method\": \"GetBogus\", \"fault\": \"drop\"}]}",
             "3", "GetBogus"},
+        Bad{"{\"schema\": 1,\n\"network\": {\"interfaces\": [{\"name\": \"a\",\n\"mode\": "
+            "\"bogus\"}]}}",
+            "3", "network.interfaces[0].mode is none of dynamic, static, dhcp-only, "},
+        Bad{"{\"schema\": 1,\n\"network\": {\"interfaces\": [{\"name\": \"a\"},\n{\"name\": "
+            "\"a\"}]}}",
+            "3", "network.interfaces[1] is the same as interfaces[0]"},
+        Bad{"{\"schema\": 1,\n\"network\": {\"switch_modes\": [{\"id\": 1},\n{\"id\": 1}]}}", "3",
+            "network.switch_modes[1] is the same as"},
+        Bad{"{\"schema\": 1,\n\"dante\": {\"tx_channels\": [{\"id\": 1},\n{\"id\": 1}]}}", "3",
+            "dante.tx_channels[1] is the same as"},
+        Bad{"{\"schema\": 1,\n\"dante\": {\"rx_channels\": [\n{\"name\": \"x\"}]}}", "3",
+            "dante.rx_channels[0].id is missing"},
+        Bad{"{\"schema\": 1,\n\"dante\": {\"routing\": [\n{\"rx_channel\": 1},\n{\"rx_channel\": "
+            "1}]}}",
+            "4", "dante.routing[1] is the same as"},
+        Bad{"{\"schema\": 1,\n\"dante\": {\"routing\": [\n{\"rx_channel\": 1, \"device\": "
+            "\"a\"}]}}",
+            "3", "dante.routing[0] needs both device and channel"},
+        Bad{"{\"schema\": 1,\n\"dante\": {\"routing\": [\n{\"rx_channel\": 1, \"raw\": {}}]}}", "3",
+            "raw stream with an ip"},
+        Bad{"{\"schema\": 1,\n\"dante\": {\n\"aes67\": 1}}", "3", "is not true or false"},
+        Bad{"{\"schema\": 1,\n\"dante\": {\n\"latency\": 4294967296}}", "3",
+            "is not a whole number of 0 to 4294967295"},
+        Bad{"{\"schema\": 1,\n\"dante\": {\n\"latency\": 1.5}}", "3", "is not a whole number"},
+        Bad{"{\"schema\": 1,\n\"dante\": {\n\"tx_channels\": {}}}", "3", "is not a list"},
+        Bad{"{\"schema\": 1,\n\"faults\": [\n{\"method\": \"GetName\", \"fault\": \"drop\", "
+            "\"message\": \"x\"}]}",
+            "3", "message is for the fault status"},
         Bad{"{\"schema\": 1\n,,}", "2", "syntax error"}));
 
 }  // namespace

@@ -1,0 +1,98 @@
+// The builder that other people's tests begin with.
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <fstream>
+#include <optional>
+
+#include "simulator/simulated_device.h"
+
+namespace {
+
+using simulator::Builder;
+using simulator::Device;
+using simulator::Simulator;
+using support::Ask;
+using support::Stubs;
+using testing::IsEmpty;
+using testing::SizeIs;
+using DanteStub = ostrevan::grpcdapi::DAPI::Stub;
+using NetworkStub = ostrevan::networkmanager::NetworkManager::Stub;
+
+int PortOf(const std::string& url) { return std::stoi(url.substr(url.rfind(':') + 1)); }
+
+TEST(Builder, NothingTold_IsADeviceOutOfTheBox) {
+  Simulator built = Builder().Start();
+  Simulator plain;
+
+  EXPECT_EQ(WriteState(built.CurrentState()), WriteState(plain.CurrentState()));
+  EXPECT_NE(built.DapiUrl(), built.NetworkManagerUrl());
+  EXPECT_NE(built.DapiUrl(), plain.DapiUrl());
+}
+
+TEST(Builder, EverythingTold_IsWhatClientsMeet) {
+  Simulator device = Builder()
+                         .Channels(2, 3)
+                         .StateText(R"({"schema": 1, "network": {"hostname": "hall"}})")
+                         .With([](Device& it) { it.dante.name = "Hall"; })
+                         .Inject("SetName:refuse,times=1")
+                         .Start();
+  const Stubs stubs(device.NetworkManagerUrl(), device.DapiUrl());
+
+  EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetTxChannels).channels_size(), 2);
+  EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetRxChannels).channels_size(), 3);
+  EXPECT_EQ(Ask(*stubs.network, &NetworkStub::GetHostname).hostname(), "hall");
+  EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetName).name(), "Hall");
+  ostrevan::grpcdapi::Name name;
+  name.set_name("Stage");
+  EXPECT_FALSE(Ask(*stubs.dante, &DanteStub::SetName, name).success());
+  EXPECT_TRUE(Ask(*stubs.dante, &DanteStub::SetName, name).success());
+  EXPECT_TRUE(device.WaitForCalls("SetName", 2));
+}
+
+TEST(Builder, StartedTwice_TheDevicesShareNothing) {
+  const Builder builder = Builder().With([](Device& it) { it.dante.name = "Hall"; });
+  Simulator one = builder.Start();
+  Simulator other = builder.Start();
+  one.WithDevice([](Device& it) { it.dante.name = "Stage"; });
+  one.Inject("*:freeze");
+
+  const Stubs stubs(other.NetworkManagerUrl(), other.DapiUrl());
+  EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetName).name(), "Hall");
+  EXPECT_THAT(one.Calls(), IsEmpty());
+  EXPECT_THAT(other.Calls(), SizeIs(1));
+}
+
+TEST(Builder, PortsTold_ServesOnThem) {
+  std::optional<Simulator> before(std::in_place);
+  const int network_manager = PortOf(before->NetworkManagerUrl());
+  const int dapi = PortOf(before->DapiUrl());
+  EXPECT_THROW(Builder().Ports(network_manager, dapi).Start(), std::runtime_error);
+  before.reset();
+
+  const Simulator device = Builder().Ports(network_manager, dapi).Start();
+
+  EXPECT_EQ(PortOf(device.NetworkManagerUrl()), network_manager);
+  EXPECT_EQ(PortOf(device.DapiUrl()), dapi);
+}
+
+TEST(Builder, StateFile_IsWhatAnotherDeviceSaved) {
+  Simulator first = Builder().Channels(1, 1).Inject("GetName:drop").Start();
+  const std::string file = testing::TempDir() + "builder_test." + std::to_string(getpid());
+  SaveState(file, first.CurrentState());
+
+  Simulator second = Builder().StateFile(file).Start();
+  std::remove(file.c_str());
+
+  EXPECT_EQ(WriteState(second.CurrentState()), WriteState(first.CurrentState()));
+  ASSERT_THAT(second.ListFaults(), SizeIs(1));
+  EXPECT_EQ(ToText(second.CurrentState().faults.at(0)), "GetName:drop");
+  EXPECT_THROW(Builder().StateFile(file), std::runtime_error);
+}
+
+TEST(Builder, BadWishes_AreRefusedAtOnce) {
+  EXPECT_THROW(Builder().Inject("GetBogus:drop"), simulator::BadFault);
+  EXPECT_THROW(Builder().StateText("{}"), simulator::BadDocument);
+}
+
+}  // namespace
