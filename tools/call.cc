@@ -17,10 +17,13 @@ grpc::Status Probe(Daemon daemon) {
 
 }  // namespace
 
+bool IsOutOfReach(Daemon daemon, const grpc::Status& status) {
+  return status.error_code() == grpc::StatusCode::UNAVAILABLE || Endpoint(daemon).empty();
+}
+
 Failure Explain(Daemon daemon, const std::string& action) {
   const std::string who = std::string("the ") + Name(daemon) + " daemon";
-  // Any other status, also an error, is an answer.
-  if (Probe(daemon).error_code() != grpc::StatusCode::UNAVAILABLE)
+  if (!IsOutOfReach(daemon, Probe(daemon)))
     return {ExitStatus::kRefused, who + " refused to " + action, daemon};
   return {ExitStatus::kUnreachable,
           "cannot " + action + ": " + who + " at " + Endpoint(daemon) + " cannot be reached",

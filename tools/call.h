@@ -2,6 +2,8 @@
 // know: done, refused, or out of reach.
 #pragma once
 
+#include <grpcpp/support/status.h>
+
 #include <string>
 #include <utility>
 
@@ -10,6 +12,10 @@
 #include "tools/failure.h"
 
 namespace tool {
+
+/// True when a call with this status had no answer: any other status, also an
+/// error, is one, but for a daemon without an endpoint, where no call is made.
+bool IsOutOfReach(Daemon daemon, const grpc::Status& status);
 
 /// Tells why `action` ("set the host name") failed, by one cheap call through
 /// the daemon's client class: a daemon that answers it has refused.

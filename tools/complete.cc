@@ -7,6 +7,7 @@
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
+#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -71,6 +72,7 @@ List Ask(Candidates what) {
     case Candidates::kOnOff:
       return {{"on", ""}, {"off", ""}};
     case Candidates::kFiles:
+      return {{"", "a file"}};  // the shells know them
     case Candidates::kNothing:
       break;
   }
@@ -85,6 +87,7 @@ class Position {
   Position(const CLI::App& root, const std::vector<std::string>& words)
       : top(root), command(&root) {
     for (std::size_t i = 0; i + 1 < words.size(); ++i) Pass(words[i]);
+    Begin(words.back());
   }
 
   const CLI::App& Command() const { return *command; }
@@ -98,7 +101,12 @@ class Position {
       if (it->get_positional() && left-- == 0) return it;
     return nullptr;
   }
-  bool IsOptionValue() const { return option != nullptr; }
+  bool WantsOption() const { return option == nullptr && start[0] == '-'; }
+
+  /// What is typed already of what is wanted, and what stands before it in the
+  /// same word.
+  const std::string& Start() const { return start; }
+  const std::string& Prefix() const { return prefix; }
 
   /// The value that an option of the whole tool has so far.
   std::string ValueOf(const CLI::Option& it) const {
@@ -123,6 +131,16 @@ class Position {
     }
   }
 
+  void Begin(const std::string& word) {
+    start = word;
+    const std::size_t equals = word.find('=');
+    if (option != nullptr || !IsOption(word) || equals == std::string::npos) return;
+    option = FindOption(word.substr(0, equals));
+    if (option == nullptr) return;
+    prefix = word.substr(0, equals + 1);
+    start.erase(0, equals + 1);
+  }
+
   const CLI::Option* FindOption(const std::string& name) const {
     for (const CLI::App* it : {command, &top})
       if (const CLI::Option* found = it->get_option_no_throw(name)) return found;
@@ -139,14 +157,33 @@ class Position {
   const CLI::App* command;
   const CLI::Option* option = nullptr;
   std::size_t arguments = 0;
+  std::string start;
+  std::string prefix;
   std::map<const CLI::Option*, std::string> values;
 };
 
-void AppendOptions(const CLI::App& command, List& list) {
-  for (const CLI::Option* it : command.get_options())
-    if (!it->get_positional())
+// Those of the command and of every command, each once.
+List Options(const CLI::App& command, const CLI::App& root) {
+  std::map<std::string, std::string> options;
+  for (const CLI::App* of : {&command, &root})
+    for (const CLI::Option* it : of->get_options())
       for (const std::string& name : it->get_lnames())
-        list.push_back({"--" + name, it->get_description()});
+        options.emplace("--" + name, it->get_description());
+  List list;
+  for (const auto& [name, description] : options) list.push_back({name, description});
+  return list;
+}
+
+// One candidate a line; none that a line cannot hold.
+std::string Lines(const List& list, const Position& position) {
+  const std::string& start = position.Start();
+  std::string text;
+  for (const Candidate& it : list)
+    if ((it.text.empty() || it.text.compare(0, start.size(), start) == 0) &&
+        Printable(it.text) == it.text)
+      text += (it.text.empty() ? "" : position.Prefix() + it.text) + "\t" +
+              Printable(it.description) + "\n";
+  return text;
 }
 
 // The library's lines have no place in the middle of a command line.
@@ -162,16 +199,14 @@ int Tool::Complete(const std::vector<std::string>& words) {
   Silence();
   deadline::StartQuiet(kLimit);
   const Position position(app, words);
-  const std::string& start = words.back();
   network_manager = position.ValueOf(*app.get_option("--network-manager"));
   dapi = position.ValueOf(*app.get_option("--dapi"));
   UseEndpoints();
 
   List list;
   const CLI::Option* wanted = position.Wanted();
-  if (IsOption(start) && !position.IsOptionValue()) {
-    AppendOptions(position.Command(), list);
-    AppendOptions(app, list);
+  if (position.WantsOption()) {
+    list = Options(position.Command(), app);
   } else if (wanted != nullptr) {
     const auto found = candidates.find(wanted);
     if (found != candidates.end()) list = Ask(found->second);
@@ -179,10 +214,7 @@ int Tool::Complete(const std::vector<std::string>& words) {
     for (const CLI::App* it : position.Command().get_subcommands(nullptr))
       list.push_back({it->get_name(), it->get_description()});
   }
-  std::string text;
-  for (const Candidate& it : list)
-    if (it.text.compare(0, start.size(), start) == 0)
-      text += it.text + "\t" + it.description + "\n";
+  const std::string text = Lines(list, position);
   deadline::Stop();
   std::cout << text << std::flush;
   return 0;

@@ -3,8 +3,10 @@
 #include <chrono>
 #include <cstdlib>
 #include <future>
+#include <iomanip>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <thread>
 
 #include "DAPIClient.h"
@@ -128,7 +130,7 @@ void JudgeReply(Daemon daemon, const std::optional<Reply>& reply, Findings& find
   if (!reply.has_value())
     findings.Add(where + " takes calls, but does not answer them",
                  "restart " + who + "; its calls have no limit of their own");
-  else if (reply->status.error_code() == grpc::StatusCode::UNAVAILABLE)
+  else if (IsOutOfReach(daemon, reply->status))
     findings.Add(where + " cannot be reached",
                  "start " + who + ", or set " + EndpointVariable(daemon) + " to where it listens");
   else if (!reply->status.ok())
@@ -149,8 +151,7 @@ void JudgeRoles(const Json& roles, Findings& findings) {
 
 Json DaemonReport(Daemon daemon, const std::optional<Reply>& reply) {
   Json report = {{"daemon", Name(daemon)}, {"endpoint", Endpoint(daemon)}};
-  report["reachable"] =
-      reply.has_value() && reply->status.error_code() != grpc::StatusCode::UNAVAILABLE;
+  report["reachable"] = reply.has_value() && !IsOutOfReach(daemon, reply->status);
   report["status"] =
       reply.has_value() ? Json(static_cast<int>(reply->status.error_code())) : Json();
   report["message"] = reply.has_value() ? reply->status.error_message() : "no answer";
@@ -233,8 +234,11 @@ std::string ShowDaemons(const Json& daemons) {
   Table table({"DAEMON", "ENDPOINT", "REACHABLE", "STATUS", "ROUND TRIP", "MESSAGE"});
   for (const Json& it : daemons) {
     std::string trip = "-";
-    if (!it["round_trip_ms"].is_null())
-      trip = std::to_string(it["round_trip_ms"].get<double>()).substr(0, 4) + " ms";
+    if (!it["round_trip_ms"].is_null()) {
+      std::ostringstream text;
+      text << std::fixed << std::setprecision(1) << it["round_trip_ms"].get<double>() << " ms";
+      trip = text.str();
+    }
     table.Add({it["daemon"], it["endpoint"], it["reachable"] ? "yes" : "no",
                it["status"].is_null() ? "-" : it["status"].dump(), trip, it["message"]});
   }

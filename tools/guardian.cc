@@ -22,8 +22,9 @@ namespace tool {
 namespace {
 
 constexpr int kMostBytes = 65536;
-constexpr char kArm = 'A';   // followed by milliseconds, a blank, the configuration
-constexpr char kKeep = 'K';  // alone
+constexpr char kArm = 'A';    // followed by milliseconds, a blank, the configuration
+constexpr char kLimit = 'L';  // followed by milliseconds
+constexpr char kKeep = 'K';   // alone
 constexpr const char* kDone = "done";
 constexpr const char* kKept = "kept";
 
@@ -32,6 +33,10 @@ std::string ReceiveFrom(int socket) {
   const ssize_t size = recv(socket, message.data(), message.size(), 0);
   message.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
   return message;
+}
+
+std::string Milliseconds(double seconds) {
+  return std::to_string(static_cast<long long>(seconds * 1000));
 }
 
 void SendTo(int socket, const std::string& message) {
@@ -76,20 +81,23 @@ void Guardian::Send(const std::string& message) const { SendTo(socket, message);
 std::string Guardian::Receive() const { return ReceiveFrom(socket); }
 
 void Guardian::Arm(const std::string& configuration, double seconds) {
-  const auto milliseconds = static_cast<long long>(seconds * 1000);
-  Send(kArm + std::to_string(milliseconds) + " " + configuration);
+  Send(kArm + Milliseconds(seconds) + " " + configuration);
   if (Receive() != kDone)
     throw Failure(ExitStatus::kFailed, "what would put the configuration back has ended");
 }
 
+void Guardian::Restart(double seconds) { Send(kLimit + Milliseconds(seconds)); }
+
 bool Guardian::Keep() {
   Send(std::string(1, kKeep));
-  return Receive() == kKept;
+  outcome = Receive();
+  return outcome == kKept;
 }
 
 bool Guardian::PutBack() {
   shutdown(socket, SHUT_WR);
-  return Receive() == kDone;
+  if (outcome.empty()) outcome = Receive();
+  return outcome == kDone;
 }
 
 // --- The guardian's side --------------------------------------------------------
@@ -123,14 +131,16 @@ bool RestoreInTheEnd(const std::string& configuration) {
 // True when told to keep the new configuration before the limit; false at the
 // limit, and when networkgrpc has gone.
 bool IsKept(int limit_ms) {
-  const auto end = Clock::now() + std::chrono::milliseconds(limit_ms);
+  auto end = Clock::now() + std::chrono::milliseconds(limit_ms);
   while (true) {
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
     if (left <= 0) return false;
     pollfd input{STDIN_FILENO, POLLIN, 0};
     if (poll(&input, 1, static_cast<int>(left)) <= 0) continue;
-    return ReceiveFrom(STDIN_FILENO) == std::string(1, kKeep);
+    const std::string message = ReceiveFrom(STDIN_FILENO);
+    if (message.empty() || message[0] != kLimit) return message == std::string(1, kKeep);
+    end = Clock::now() + std::chrono::milliseconds(std::stoi(message.substr(1)));
   }
 }
 

@@ -19,11 +19,14 @@ class Guardian {
   Guardian& operator=(const Guardian&) = delete;
 
   /// Hands over the configuration to put back, as a serialised wire message,
-  /// and starts the limit.
+  /// and starts the limit: it must be long enough for the change to be made.
   void Arm(const std::string& configuration, double seconds);
+  /// Starts the limit anew, now that the change is made.
+  void Restart(double seconds);
   /// The new configuration may stay. False when it was too late.
   bool Keep();
-  /// Has the configuration put back now, and tells whether that was done.
+  /// Has the configuration put back now, unless it is already, and tells whether
+  /// that was done.
   bool PutBack();
 
  private:
@@ -31,6 +34,7 @@ class Guardian {
   std::string Receive() const;
 
   int socket = -1;
+  std::string outcome;  // empty until the guardian has told it
 };
 
 namespace guardian {

@@ -96,7 +96,7 @@ Json Stored(const std::string& name) {
   const auto config = StoredConfiguration(interface.id);
   Json dns = Json::array();
   for (const std::string& server : config.dns()) dns.push_back(server);
-  return {{"id", interface.id}, {"name", interface.name},      {"mode", ModeText(config.mode())},
+  return {{"id", interface.id}, {"name", interface.name},      {"mode", ModeToJson(config.mode())},
           {"ip", config.ip()},  {"netmask", config.netmask()}, {"gateway", config.gateway()},
           {"dns", dns}};
 }
@@ -105,8 +105,8 @@ std::string ShowStored(const Json& result) {
   Table table;
   std::string dns;
   for (const std::string server : result["dns"]) dns += (dns.empty() ? "" : ", ") + server;
-  for (const char* member : {"name", "mode", "ip", "netmask", "gateway"})
-    table.Add({member, result[member]});
+  table.Add({"name", result["name"]}).Add({"mode", NameText(result["mode"])});
+  for (const char* member : {"ip", "netmask", "gateway"}) table.Add({member, result[member]});
   return table.Add({"dns", dns}).Text();
 }
 

@@ -89,6 +89,7 @@ bool AnswersYes(double seconds) {
 
 void ConfirmOrPutBack(Tool& tool, const Arguments& arguments, Guardian& guardian) {
   deadline::Stop();
+  guardian.Restart(arguments.confirm_within);
   std::cerr << "Keep the new configuration? [y/N, within " << arguments.confirm_within << " s] "
             << std::flush;
   if (AnswersYes(arguments.confirm_within) && guardian.Keep()) return;
@@ -111,7 +112,8 @@ Json Set(Tool& tool, const Arguments& arguments) {
   if (target.active && !guardian)
     tool.Confirm("interface " + target.name + " is in use at " + target.ip, "Change it?");
   if (guardian)
-    guardian->Arm(StoredConfiguration(target.id).SerializeAsString(), arguments.confirm_within);
+    guardian->Arm(StoredConfiguration(target.id).SerializeAsString(),
+                  tool.Limit().seconds + arguments.confirm_within);
   Store(arguments, target);
   if (guardian) ConfirmOrPutBack(tool, arguments, *guardian);
   return {{"id", target.id},

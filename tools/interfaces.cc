@@ -61,7 +61,7 @@ std::string LabelOf(std::int32_t id) {
   return label;
 }
 
-std::string ModeText(int wire_mode) {
+Json ModeToJson(std::int32_t wire_mode) {
   switch (wire_mode) {
     case ostrevan::networkmanager::STATIC:
       return "static";
@@ -72,7 +72,7 @@ std::string ModeText(int wire_mode) {
     case ostrevan::networkmanager::LINKLOCAL_ONLY:
       return "link-local-only";
     default:
-      return std::to_string(wire_mode);
+      return wire_mode;
   }
 }
 

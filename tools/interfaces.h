@@ -29,8 +29,8 @@ std::string RoleOf(std::int32_t id);
 /// The product's label of an interface with a role, else "".
 std::string LabelOf(std::int32_t id);
 
-/// "static", "dynamic", "dhcp-only", "link-local-only", or the number.
-std::string ModeText(int wire_mode);
+/// An addressing mode by its name; by its number where it has no name.
+Json ModeToJson(std::int32_t wire_mode);
 
 Json ToJson(const NetworkgRPC::InterfaceInfo& interface);
 std::string ShowInterfaces(const Json& interfaces);

@@ -36,12 +36,9 @@ std::string ShowList(const Json& result) {
   for (const Json& it : result["routing"]) {
     const Json& raw = it["raw"];
     Table::Row row = {it["rx_channel"].dump(), it["rx_name"], it["device"], it["channel"]};
-    if (!raw.is_null()) {
-      const Json& encoding = raw["encoding"];
-      row.insert(row.end(),
-                 {raw["ip"], encoding.is_string() ? encoding.get<std::string>() : encoding.dump(),
-                  raw["sip"], raw["session_id"].is_null() ? "" : raw["session_id"].dump()});
-    }
+    if (!raw.is_null())
+      row.insert(row.end(), {raw["ip"], NameText(raw["encoding"]), raw["sip"],
+                             raw["session_id"].is_null() ? "" : raw["session_id"].dump()});
     table.Add(row);
   }
   return table.Text();

@@ -32,7 +32,7 @@ Json Interfaces() {
   for (const auto& interface : AllInterfaces()) {
     const auto stored = StoredConfiguration(interface.id);
     interfaces.push_back({{"name", interface.name},
-                          {"mode", ModeText(stored.mode())},
+                          {"mode", ModeToJson(stored.mode())},
                           {"ip", stored.ip()},
                           {"netmask", stored.netmask()},
                           {"gateway", stored.gateway()},

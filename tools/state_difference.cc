@@ -17,10 +17,6 @@ std::string Below(const std::string& path, const std::string& member) {
   return path.empty() ? member : path + "." + member;
 }
 
-std::string KeyText(const Json& key) {
-  return key.is_string() ? key.get<std::string>() : key.dump();
-}
-
 // `List` is Json, const or not; null when there is no such entry.
 template <class List>
 List* FindEntry(List& list, const std::string& key, const Json& value) {
@@ -36,7 +32,7 @@ void Append(std::vector<Difference>& to, std::vector<Difference> more) {
 std::vector<Difference> OfLists(const std::string& path, const std::string& key, const Json& from,
                                 const Json& to) {
   std::vector<Difference> differences;
-  const auto entry = [&](const Json& value) { return path + "[" + KeyText(value) + "]"; };
+  const auto entry = [&](const Json& value) { return path + "[" + NameText(value) + "]"; };
   for (const Json& it : from) {
     const Json* other = FindEntry(to, key, it.at(key));
     Append(differences, Differences(entry(it.at(key)), it, other != nullptr ? *other : Json()));

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "tools/failure.h"
+#include "tools/interfaces.h"
 #include "tools/state.h"
 
 namespace tool {
@@ -106,10 +107,16 @@ Check Keyed(const Check& list, const std::string& key) {
   };
 }
 
+Check NameOrNumber(const std::vector<std::string>& names) {
+  return [names](const std::string& path, const Json& value) {
+    (value.is_number() ? Id() : OneOf(names))(path, value);
+  };
+}
+
 Check Network() {
   const Check interface =
       Object({{"name", Text(), true},
-              {"mode", OneOf({"static", "dynamic", "dhcp-only", "link-local-only"})},
+              {"mode", NameOrNumber({"static", "dynamic", "dhcp-only", "link-local-only"})},
               {"ip", Text()},
               {"netmask", Text()},
               {"gateway", Text()},
@@ -132,15 +139,6 @@ Check Network() {
                  {"ntp_in_effect", Anything()}});
 }
 
-Check Encoding() {
-  return [](const std::string& path, const Json& value) {
-    if (value.is_number())
-      Id()(path, value);
-    else
-      OneOf({"L24", "L16"})(path, value);
-  };
-}
-
 Check Routing() {
   const Check raw =
       Object({{"ip", Text()},
@@ -149,7 +147,7 @@ Check Routing() {
               {"value4", Unsigned()},
               {"value5", Unsigned()},
               {"value6", Unsigned()},
-              {"encoding", Encoding()},
+              {"encoding", NameOrNumber({"L24", "L16"})},
               {"sip", Text()},
               {"session_id", OrNull(Number(0, std::numeric_limits<std::uint64_t>::max()))}});
   return Keyed(ListOf(Object({{"rx_channel", Id(), true},
@@ -228,9 +226,11 @@ Json Settable(const Json& document) {
     Json& network = result["network"];
     network = Without(network, {"switch_modes", "switch_mode_in_effect", "ntp_in_effect"});
     if (network.contains("interfaces"))
-      for (Json& it : network["interfaces"])
+      for (Json& it : network["interfaces"]) {
         it = Without(
             it, {"id", "mac", "speed", "lease", "link_local", "live", "flag6", "flag7", "flag8"});
+        if (it.contains("mode") && it["mode"].is_number()) it["mode"] = ModeToJson(it["mode"]);
+      }
   }
   if (!result.contains("dante")) return result;
   Json& dante = result["dante"];

@@ -4,6 +4,7 @@
 #include "NetworkgRPC.h"
 #include "tools/interfaces.h"
 #include "tools/routing_json.h"
+#include "tools/switch_mode.h"
 
 namespace tool {
 namespace {
@@ -96,12 +97,9 @@ void PlanHost(Steps& steps, const Json& from, const Json& to) {
   else
     ntp.impossible = "the library sets exactly one NTP server";
   Add(steps, std::move(ntp));
-  // The setter counts modes from 1, everything else from 0.
   Add(steps,
       {"network.switch_mode", from["switch_mode"], to["switch_mode"], Daemon::kNetworkManager, "",
-       [mode = to["switch_mode"].get<int>()] {
-         return NetworkgRPC::SetSwitchMode(static_cast<int>(static_cast<unsigned>(mode) + 1U));
-       }});
+       [id = to["switch_mode"].get<std::int32_t>()] { return SelectSwitchMode(id); }});
 }
 
 // What the library makes of a configuration: static with all of it, or dynamic

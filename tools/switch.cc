@@ -1,6 +1,7 @@
 // networkgrpc switch: how the device's network ports are used.
 #include "NetworkgRPC.h"
 #include "tools/call.h"
+#include "tools/switch_mode.h"
 #include "tools/table.h"
 #include "tools/tool.h"
 
@@ -53,8 +54,7 @@ std::string ShowList(const Json& result) {
 
 Json Set(int id) {
   deadline::Asking(kDaemon);
-  // The setter counts modes from 1, everything else from 0.
-  if (!NetworkgRPC::SetSwitchMode(id + 1)) {
+  if (!SelectSwitchMode(id)) {
     const Failure failure = Explain(kDaemon, "select switch mode " + std::to_string(id));
     Modes modes;
     if (failure.status == ExitStatus::kRefused && NetworkgRPC::GetSwitchModes(modes)) {
@@ -94,10 +94,7 @@ void AddSwitch(Tool& tool) {
        [id] { return Set(*id); },
        [](const Json& result) { return "switch mode " + result["id"].dump() + " is selected\n"; },
        {"networkgrpc switch set 1"}});
-  // One less than the largest number, as the library adds one.
-  tool.Offer(set.add_option("ID", *id, "The mode's id in 'switch list'")
-                 ->required()
-                 ->check(CLI::Range(0, 2147483646)),
+  tool.Offer(set.add_option("ID", *id, "The mode's id in 'switch list'")->required(),
              Candidates::kSwitchModes);
 }
 

@@ -64,6 +64,10 @@ std::string Printable(const std::string& text) {
   return printable;
 }
 
+std::string NameText(const Json& name) {
+  return name.is_string() ? name.get<std::string>() : name.dump();
+}
+
 int Width(const std::string& printable) {
   int width = 0;
   ForEachCharacter(printable, [&](std::wint_t character, const std::string&) {

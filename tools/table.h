@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "tools/json.h"
+
 namespace tool {
 
 /// Makes the functions below read texts as UTF-8; for the start of main.
@@ -14,6 +16,9 @@ void UseUtf8();
 /// The text as a terminal can show it in one line: control characters, which
 /// could move its cursor, and broken UTF-8 become "?".
 std::string Printable(const std::string& text);
+
+/// A name, or the number that stands for one that has none.
+std::string NameText(const Json& name);
 
 /// How many columns a printable text takes: none for a combining accent, two
 /// for a wide ideograph.

@@ -116,6 +116,7 @@ void Tool::Confirm(const std::string& what, const std::string& question) {
   deadline::Stop();  // a person may think
   std::cerr << what << ". " << question << " [y/N] " << std::flush;
   std::string answer;
+  std::cin.clear();  // a document may have been read to its end
   std::getline(std::cin, answer);
   if (answer != "y" && answer != "Y" && answer != "yes")
     throw Failure(ExitStatus::kFailed, "nothing was changed");

@@ -59,7 +59,9 @@ class Tool {
 
   /// Parses, runs, prints; returns the exit status.
   int Main(int argc, char** argv);
-  /// Prints what can complete the last of `words`, one candidate a line.
+  /// Prints what can complete the last of `words`, one candidate a line: its
+  /// text, a tab, its description. A line without text stands for the files that
+  /// there are.
   int Complete(const std::vector<std::string>& words);
 
   /// The time limit of the command that runs, for one that starts it anew.

@@ -9,7 +9,7 @@ load device.bash
 on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
 
 @test "Timeout_DaemonNeverAnswers_EndsWithThreeAndSaysWho" {
-  start_device "$DAEMONS" mute
+  start_mute_device
   run --separate-stderr tool --timeout 0.3 dante name
   [ "$status" -eq 3 ]
   [ -z "$output" ]
@@ -17,7 +17,7 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
 }
 
 @test "Timeout_DaemonNeverAnswersWithJson_PrintsOneErrorObject" {
-  start_device "$DAEMONS" mute
+  start_mute_device
   run --separate-stderr tool --timeout 0.3 --json hostname get
   [ "$status" -eq 3 ]
   [ "$(jq -r '.command + " " + .error.name + " " + .error.daemon' <<<"$output")" = \
@@ -40,6 +40,14 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   [ "$output" = amplifier ]
   run -8 --separate-stderr tool dante name --network-manager "$network"
   run -0 --separate-stderr tool dante name --dapi "$dante"
+}
+
+@test "Endpoints_Empty_AreUnreachable" {
+  for words in "dante name" "dante latency 2000"; do
+    # shellcheck disable=SC2086 # words of one line
+    grpc_dapi_url='' run -8 --separate-stderr tool $words
+    [[ $stderr == *"the dante-api daemon at  cannot be reached" ]]
+  done
 }
 
 @test "Json_CommandLineIsWrong_PrintsOneErrorObject" {
@@ -66,7 +74,7 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
 }
 
 @test "Doctor_DaemonNeverAnswers_StillReportsEverythingElse" {
-  start_device "$DAEMONS" mute
+  start_mute_device
   run -8 --separate-stderr tool --timeout 2 doctor
   [[ $output == *"takes calls, but does not answer them"* ]]
   [[ $output == *"VARIABLE"* ]]
@@ -78,6 +86,30 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   http_proxy=http://127.0.0.1:1 run --separate-stderr tool doctor
   [ "$status" -ne 0 ]
   [[ $output == *"http_proxy is set"*"no_grpc_proxy=localhost"* ]]
+}
+
+@test "Doctor_ProxyIsNotUsedForThisMachine_SaysNothing" {
+  start_simulator
+  unset no_grpc_proxy
+  http_proxy=http://127.0.0.1:1 no_proxy=127.0.0.1,localhost run -0 --separate-stderr tool doctor
+}
+
+@test "Doctor_EndpointCannotBeOne_SaysWhatToDo" {
+  start_simulator
+  while IFS='|' read -r endpoint problem; do
+    grpc_dapi_url="$endpoint" run -8 --separate-stderr tool doctor
+    [[ $output == *"Problem: grpc_dapi_url $problem"*"use host:port"* ]] || { echo "$endpoint: $output"; return 1; }
+  done <<'ENDPOINTS'
+|is set, but empty
+http://127.0.0.1:1|is a web address
+127.0.0.1|names no port
+ENDPOINTS
+}
+
+@test "Doctor_RoleHasNoInterface_SaysWhatToDo" {
+  start_simulator
+  control_interface_env=lan9 run -1 --separate-stderr tool doctor
+  [[ $output == *"no interface is called 'lan9', so the role control has none"*"set control_interface_env"* ]]
 }
 
 @test "Doctor_NothingIsWrong_EndsWithZero" {
@@ -115,6 +147,12 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   [ "$(tool hostname get)" = amplifier ]
 }
 
+@test "DangerousCommand_PersonThinksLongerThanTheLimit_IsDone" {
+  start_simulator
+  answer() { read -r -t 2.5 -u "$device_input" || echo y; }
+  run -0 on_terminal "$TOOL factory-reset --timeout 2" < <(answer)
+}
+
 @test "DangerousCommand_NoTerminalAndNoYes_ChangesNothing" {
   start_simulator
   tool hostname set kept >/dev/null
@@ -128,6 +166,13 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   for id in $(tool switch list --json | jq '.result.modes[].id'); do
     tool switch set "$id" >/dev/null
     [ "$(tool switch configured --json | jq .result.id)" = "$id" ]
+  done
+}
+
+@test "SwitchSet_IdThatNoModeHas_IsNotFound" {
+  start_simulator
+  for id in -1 -2147483648 2147483647 99; do
+    run -10 --separate-stderr tool switch set "$id"
   done
 }
 

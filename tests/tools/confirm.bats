@@ -15,6 +15,8 @@ setup() {
 stored() { tool interface stored lan1 --json | jq -c .result; }
 is_back() { [ "$(stored)" = "$before" ]; }
 is_set() { [ "$(stored | jq -r .ip)" = 192.168.10.60 ]; }
+# The change, and what takes it back.
+stored_twice() { [ "$(control calls | grep -c SetNetworkConfig)" -eq 2 ]; }
 in_use() { tool interface control --json | jq -r '.result.interfaces[0].ip'; }
 
 change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --reload)
@@ -46,6 +48,21 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
   [ "$(in_use)" = 192.168.10.57 ]
 }
 
+@test "ConfirmWithin_ItsProcessGroupIsKilled_PutsThePreviousOneBack" {
+  setsid "$TOOL" "${change[@]}" --confirm-within 60 <&"$device_input" 2>/dev/null 3>&- &
+  wait_until 10 is_set
+  kill -KILL -- -$!
+  wait_until 10 is_back
+}
+
+@test "ConfirmWithin_ToolIsStopped_PutsThePreviousOneBackInTime" {
+  "$TOOL" "${change[@]}" --confirm-within 1 <&"$device_input" 2>"$BATS_TEST_TMPDIR/asks" 3>&- &
+  wait_until 10 grep -q 'Keep the new' "$BATS_TEST_TMPDIR/asks"
+  kill -STOP $!
+  wait_until 10 is_back
+  kill -KILL $!
+}
+
 @test "ConfirmWithin_TerminalIsLost_PutsThePreviousOneBack" {
   # script's end closes the terminal and hangs up whoever is on it.
   script --quiet --command "$TOOL ${change[*]} --confirm-within 60" /dev/null \
@@ -53,6 +70,28 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
   wait_until 10 is_set
   kill -KILL $!
   wait_until 10 is_back
+}
+
+@test "ConfirmWithin_ChangeTakesLongerThanTheLimit_StillAsks" {
+  stop_devices
+  start_simulator --fault SetNetworkConfig:delay=700,times=1
+  run -0 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 0.4 <<<y
+  is_set
+}
+
+@test "ConfirmWithin_TimeLimitPassesDuringTheChange_PutsThePreviousOneBack" {
+  stop_devices
+  start_controlled_simulator --fault SetNetworkConfig:freeze,times=1
+  run -3 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 60 --timeout 0.5 <<<y
+  wait_until 10 stored_twice
+}
+
+@test "ConfirmWithin_DaemonFailsMeanwhile_TriesAgain" {
+  stop_devices
+  start_simulator --fault SetNetworkConfig:delay=1,times=1 \
+    --fault SetNetworkConfig:status=UNAVAILABLE,times=1
+  run -1 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<n
+  is_back
 }
 
 @test "ConfirmWithin_DaemonRefusesTheChange_LeavesEverythingAsItWas" {

@@ -24,6 +24,16 @@ start_device() {
 
 start_simulator() { start_device "$SIMULATOR" "$@"; }
 
+# A simulator that takes commands while it runs, and such a command.
+start_controlled_simulator() {
+  mkdir -m 700 "$BATS_TEST_TMPDIR/private"
+  start_simulator --control "$BATS_TEST_TMPDIR/private/control" "$@"
+}
+control() { "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control" "$@"; }
+
+# One that takes every call and never answers.
+start_mute_device() { start_simulator --fault '*:freeze'; }
+
 stop_devices() {
   local pid
   for pid in "${device_pids[@]}"; do kill -KILL "$pid" 2>/dev/null || true; done
@@ -61,6 +71,6 @@ wait_until() {
 mask() {
   sed -E -e 's/127\.0\.0\.1:[0-9]+/127.0.0.1:PORT/g' \
     -e 's/("round_trip_ms":)[0-9.e-]+/\1TIME/g' \
-    -e 's/[0-9.]{3,4} ms/TIME/g' \
+    -e 's/[0-9]+\.[0-9] ms *$/TIME/' -e 's/[0-9]+\.[0-9] ms +/TIME  /' \
     -e 's/^(networkgrpc  )[0-9.]+$/\1VERSION/' -e 's/("networkgrpc":)"[0-9.]+"/\1"VERSION"/'
 }

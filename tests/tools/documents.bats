@@ -41,8 +41,18 @@ run_examples() {
 @test "Pages_EveryCommand_HasOneThatIsClean" {
   [ -e "$MAN_PAGES/networkgrpc.1" ] || skip "help2man was not installed"
   for noun in $(tool __complete '' | cut -f1); do [ -e "$MAN_PAGES/networkgrpc-$noun.1" ]; done
+  [ -e "$MAN_PAGES/networkgrpc-simulator.1" ]
   run -0 mandoc -Tlint "$MAN_PAGES"/*.1
   [ -z "$output" ]
+}
+
+@test "Pages_OfPrograms_HaveTheSectionsThatPeopleLookFor" {
+  for page in networkgrpc networkgrpc-simulator; do
+    for section in NAME '"EXIT STATUS"' ENVIRONMENT EXAMPLES; do
+      grep -qxF ".SH $section" "$MAN_PAGES/$page.1"
+    done
+  done
+  grep -qxF '.SH FILES' "$MAN_PAGES/networkgrpc-simulator.1"
 }
 
 @test "Tour_OfTheReadme_IsWhatTheTourPrints" {

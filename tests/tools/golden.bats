@@ -1,7 +1,8 @@
 #!/usr/bin/env bats
 # What every command prints, on disk, for a device that does it, one that
-# refuses, one that is not there, and one with odd names. NETWORKGRPC_REGENERATE=1
-# writes the files anew: read the difference before it is committed.
+# refuses every change, one whose every call fails, one that is not there, and one
+# with odd names. NETWORKGRPC_REGENERATE=1 writes the files anew: read the
+# difference before it is committed.
 
 # shellcheck disable=SC2154 # set by device.bash and by run
 
@@ -66,6 +67,9 @@ odd_device() {
 } >/dev/null
 
 @test "EveryCommand_DeviceDoesIt_PrintsAsRecorded" { compare success start_simulator; }
-@test "EveryCommand_DeviceRefuses_PrintsAsRecorded" { compare refused start_device "$DAEMONS" refuse; }
+@test "EveryCommand_DeviceRefuses_PrintsAsRecorded" { compare refused start_simulator --fault '*:refuse'; }
+@test "EveryCommand_DeviceFails_PrintsAsRecorded" {
+  compare failing start_simulator --fault '*:status=UNIMPLEMENTED'
+}
 @test "EveryCommand_DeviceAbsent_PrintsAsRecorded" { compare absent absent_device; }
 @test "EveryCommand_OddNames_PrintsAsRecorded" { compare odd odd_device; }

@@ -63,6 +63,62 @@ document() { tool export | jq "$1" >"$state"; }
   [ "$(tool export | jq 'del(.dante.latency)')" = "$before" ]
 }
 
+@test "Import_SeveralSettingsDiffer_TakesWhatCanCutTheConnectionLast" {
+  document '.network.hostname = "hall" | .network.switch_mode = 2 | .dante.name = "Hall"
+    | .network.interfaces[1] += {mode: "static", ip: "192.168.10.99", netmask: "255.255.255.0"}'
+  [ "$(tool import "$state" --yes --json 2>/dev/null | jq -c .result.applied)" = \
+    '["dante.name","network.hostname","network.switch_mode","network.interfaces[lan1]"]' ]
+}
+
+@test "Import_WithReload_AppliesWhatIsStored" {
+  document '.network.switch_mode = 2'
+  run -0 tool import "$state" --yes
+  [ "$(tool switch current --json | jq .result.id)" = 0 ]
+  run -0 tool import "$state" --yes --reload
+  [ "$(tool switch current --json | jq .result.id)" = 2 ]
+}
+
+# A device whose stored modes are none that have a name.
+start_device_of_the_future() {
+  stop_devices
+  printf '{"schema": 1, "network": {"switch_mode": 77, "interfaces": [{"name": "lan1", "mode": 7}]}}' \
+    >"$BATS_TEST_TMPDIR/future.json"
+  start_simulator --state "$BATS_TEST_TMPDIR/future.json"
+}
+
+@test "Export_ModesWithoutAName_AreTheirNumbersAndComeBackSo" {
+  start_device_of_the_future
+  tool export --json >"$state.json"
+  [ "$(jq -c '[.result.network.switch_mode, .result.network.interfaces[0].mode]' "$state.json")" = '[77,7]' ]
+  tool interface stored lan1 --json >>"$state.json"
+  /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <"$state.json"
+  [[ $(tool interface stored lan1) == *"mode     7"* ]]
+  tool export >"$state"
+  run -0 tool import "$state" --yes
+  [ "$output" = "the device is as the document says" ]
+  # A simulator that begins as its copy is one.
+  stop_devices
+  start_simulator --state "$state"
+  diff "$state" <(tool export)
+}
+
+@test "Import_ModesWithoutAName_AreToldAndNotTakenForOthers" {
+  start_device_of_the_future
+  tool export >"$state"
+  stop_devices
+  start_simulator
+  run -4 --separate-stderr tool import "$state" --yes
+  [[ $stderr == *'network.switch_mode: 0 -> 77'* ]]
+  [[ $stderr == *'network.interfaces[lan1].mode: "dynamic" -> 7'*'Cannot be made:'*'network.interfaces[lan1]: '* ]]
+  [ "$(tool switch configured --json | jq .result.id)" = 0 ]
+}
+
+@test "Diff_ModeIsTheNumberOfOneWithAName_IsTheSame" {
+  document '.network.interfaces[0].mode = 0'
+  run -0 tool diff "$state"
+  [ "$output" = "no difference" ]
+}
+
 @test "Import_DeviceRefusesOneSetting_TellsWhatWasAppliedAndWhatNot" {
   document '.dante.name = "Hall" | .dante.sample_rate = 12345 | .network.hostname = "hall"'
   run -4 --separate-stderr tool import "$state" --yes --json
@@ -106,6 +162,8 @@ document() { tool export | jq "$1" >"$state"; }
 {"schema": 1, "dante": {"aes67": 1}}|dante.aes67 is not true or false
 {"schema": 1, "dante": {"latency": -1}}|dante.latency is not a whole number in its range
 {"schema": 1, "dante": {"latency": 4294967296}}|dante.latency is not a whole number in its range
+{"schema": 1, "network": {"interfaces": [{"name": "a", "mode": "7"}]}}|network.interfaces[0].mode is none of static, dynamic, dhcp-only, link-local-only
+{"schema": 1, "network": {"interfaces": [{"name": "a", "mode": 1.5}]}}|network.interfaces[0].mode is not a whole number in its range
 {"schema": 1, "dante": {"name": null}}|dante.name is not a text
 {"schema": 1, "network": {"interfaces": [{"name": "lan0", "mod": ""}]}}|network.interfaces[0].mod is not known
 {"schema": 1, "network": {"interfaces": [{"mode": "static"}]}}|network.interfaces[0].name is missing

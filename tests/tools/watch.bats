@@ -43,8 +43,29 @@ teardown() {
   [ "$(grep -c 'cannot be reached' "$seen")" -eq 1 ]
 }
 
-@test "Watch_Interrupted_EndsWithZero" {
+@test "Watch_DaemonComesBack_SaysSoAndGoesOn" {
+  stop_devices
+  start_controlled_simulator
   watch
-  kill -TERM "$watcher"
-  wait "$watcher"
+  control stop DAPI
+  wait_until 10 grep -q 'cannot be reached' "$seen"
+  control start DAPI
+  wait_until 10 grep -qx 'daemons: null -> "answer again"' "$seen"
+  tool dante latency 2000
+  wait_until 10 grep -qx 'dante.latency: 1000 -> 2000' "$seen"
+}
+
+@test "Watch_DaemonNeverAnswers_EndsAtTheTimeLimit" {
+  stop_devices
+  start_mute_device
+  run -3 --separate-stderr tool --timeout 0.3 watch
+  [[ $stderr == *"no answer from the network-manager daemon"* ]]
+}
+
+@test "Watch_Interrupted_EndsWithZero" {
+  for signal in INT TERM; do
+    watch
+    kill -"$signal" "$watcher"
+    wait "$watcher"
+  done
 }
