@@ -25,8 +25,10 @@ target_link_libraries(networkgrpc_compile INTERFACE networkgrpc_hardening)
 # the generated classes, which make most of it, are run a few times per call.
 # Sections of their own let the linker drop what nobody can reach.
 add_library(networkgrpc_small INTERFACE)
+# With debug information, from which its binary interface is read; what is shipped
+# is linked without.
 target_compile_options(networkgrpc_small INTERFACE
-  $<$<NOT:$<CONFIG:Debug>>:-Os> -ffunction-sections -fdata-sections)
+  $<$<NOT:$<CONFIG:Debug>>:-Os> $<$<CONFIG:Release>:-g> -ffunction-sections -fdata-sections)
 target_link_options(networkgrpc_small INTERFACE LINKER:--gc-sections)
 
 # Executables of this project are position-independent, like everything else.

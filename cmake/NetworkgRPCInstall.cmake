@@ -6,6 +6,7 @@
 #   <libdir>/pkgconfig/                modules NetworkgRPC and NetworkgRPC-client
 #   <datadir>/NetworkgRPC/proto/       the schema, for those who write a daemon
 #   <bindir>/                          the programs that were built
+#   <mandir>/                          manual pages
 #
 # The installed tree finds itself by relative paths, so that it can be moved.
 
@@ -13,12 +14,7 @@ include(CMakePackageConfigHelpers)
 
 # --- Files ---------------------------------------------------------------------
 
-install(FILES
-  client/DAPIClient.h
-  client/NetworkManagerClient.h
-  dante/DantegRPC.h
-  network/NetworkgRPC.h
-  network/NetworkgRPC_c.h
+install(FILES ${NETWORKGRPC_PUBLIC_HEADERS}
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/NetworkgRPC")
 install(FILES ${NETWORKGRPC_GENERATED_HEADERS}
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/NetworkgRPC/ostrevan")
@@ -27,6 +23,9 @@ install(FILES
   proto/ostrevan/grpcdapi.proto
   proto/ostrevan/networkmanager.proto
   DESTINATION "${CMAKE_INSTALL_DATADIR}/NetworkgRPC/proto/ostrevan")
+
+install(FILES man/libNetworkgRPC.3 DESTINATION "${CMAKE_INSTALL_MANDIR}/man3")
+install(FILES man/networkgrpc-environment.7 DESTINATION "${CMAKE_INSTALL_MANDIR}/man7")
 
 # Two export sets: users of the facades must not need gRPC to find the package.
 install(TARGETS NetworkgRPC EXPORT NetworkgRPCTargets)

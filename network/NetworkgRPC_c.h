@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Three operations of the library for code that cannot use its C++ records.
  *
  * Each function asks the network-manager daemon, at the endpoint that the
@@ -21,37 +22,42 @@ extern "C" {
 
 #pragma GCC visibility push(default)
 
-/* The control interface's addresses as NUL-terminated texts, empty when there
+/** The control interface's addresses as NUL-terminated texts, empty when there
  * is none. A text that does not fit is cut; the rest of a field is NUL. */
 typedef struct cInterfaceInfo {
-  char ip[16];      /* dotted IPv4 address */
-  char netmask[16]; /* dotted IPv4 netmask */
-  char mac[18];     /* MAC address, 17 characters */
+  char ip[16];      /**< dotted IPv4 address */
+  char netmask[16]; /**< dotted IPv4 netmask */
+  char mac[18];     /**< MAC address, 17 characters */
 } cInterfaceInfo;
 
-/*
- * Fills `out`, an array of `max` entries, with the control interface, which is
- * one entry, and returns the number of entries written. -1 when the interface
- * is unresolved, when the daemon cannot be asked, and when `max` is less than 1.
+/**
+ * Reads the control interface, which is one entry.
  * Calls NetworkgRPC::GetControlInterfacesInfo and prints what that prints.
+ * RPCs: GetNetworkConfig, GetNetworkStatus.
  * May be called from several threads at once.
+ * @param[out] out  an array of `max` entries; unchanged on failure
+ * @param[in] max  number of entries that `out` has room for, 1 or more
+ * @return the number of entries written; -1 when the interface is unresolved,
+ *   when the daemon cannot be asked, and when `max` is less than 1
  */
 int cGetControlInterface(cInterfaceInfo* out, int max);
 
-/*
- * Stores the id of the switch mode in effect in `*mode`, which must not be
- * null, and returns 0.
+/**
+ * Reads the id of the switch mode in effect.
  * Calls NetworkgRPC::GetCurrentSwitchMode and prints what that prints.
+ * RPC: GetSwitchModeStatus.
  * May be called from several threads at once.
+ * @param[out] mode  the id as the daemon reports it; unchanged on failure; must
+ *   not be null
+ * @return 0; -1 when the daemon cannot be asked
  */
 int cGetCurrentSwitchMode(int* mode);
 
-/*
+/**
  * Makes a host name of `name` and sets it: ASCII letters in lower case and
  * digits are kept, all else, the hyphen included, is discarded. The name
  * "unknown" is set instead when `length` is 0, when `name` is null or empty, and
- * when nothing is left. `length` serves for no more than that: `name` must be
- * NUL-terminated, or at least 255 characters long.
+ * when nothing is left.
  *
  * Only the first 255 characters are looked at. When no NUL is among them and
  * some were discarded, the kept ones are followed by what the previous call left
@@ -59,7 +65,12 @@ int cGetCurrentSwitchMode(int* mode);
  *
  * Prints to standard error one line per discarded character and one with the
  * name that is set. Calls NetworkgRPC::SetHostname and prints what that prints.
+ * RPC: SetHostname.
  * Not for several threads at once: calls share one buffer without a lock.
+ * @param[in] name  NUL-terminated, or at least 255 characters long; null is allowed
+ * @param[in] length  0 for no name; every other number says no more than that
+ *   there is one
+ * @return 0; -1 when the daemon fails or refuses
  */
 int setampname(const char* name, size_t length);
 

@@ -1,4 +1,6 @@
 # The documents against the tree that they speak of.
+#
+# ctest gives: SOURCE_DIR; CXX and GENERATED_DIR, the compiler and the generated headers.
 
 setup() {
   cd "$SOURCE_DIR" || exit
@@ -25,6 +27,72 @@ settings() {
   while read -r variable fallback; do
     grep -qF "| \`$variable\` | \`$fallback\` |" README.md
   done < <(settings)
+}
+
+@test "networkgrpc-environment(7) lists the environment variables with the library's defaults" {
+  local variable fallback
+  [ "$(grep -c '^\.It Ev ' man/networkgrpc-environment.7)" -eq "$(settings | wc -l)" ]
+  while read -r variable fallback; do
+    grep -qxF ".It Ev $variable Pq default Li $fallback" man/networkgrpc-environment.7
+  done < <(settings)
+}
+
+# The functions of the facades and of C.
+functions() {
+  sed -nE 's/^(NetworkgRPC|DantegRPC)::([A-Za-z0-9]+)\(.*/\2/p; /^[a-z][A-Za-z]+$/p' tests/abi/public_symbols.txt
+}
+
+@test "libNetworkgRPC(3) lists every function" {
+  local function
+  [ "$(functions | wc -l)" -eq 47 ]
+  while read -r function; do
+    grep -qE "^\.It .*Fn $function( |\$)" man/libNetworkgRPC.3 || { echo "$function is missing"; return 1; }
+  done < <(functions)
+}
+
+@test "the manual pages that are not generated are without a warning" {
+  mandoc -T lint -W warning man/libNetworkgRPC.3 man/networkgrpc-environment.7
+}
+
+@test "the options of the build are listed with their defaults" {
+  local option default
+  find . -path ./build -prune -o -name CMakeLists.txt -exec grep -h '^option(' {} + >"$BATS_TEST_TMPDIR/options"
+  [ "$(wc -l <"$BATS_TEST_TMPDIR/options")" -ge 8 ]
+  while read -r option default; do
+    # shellcheck disable=SC2016 # CMake's variable, and code in a document
+    case "$default" in
+      '${PROJECT_IS_TOP_LEVEL}') default='`ON`, `OFF` inside another project' ;;
+      *) default="\`$default\`" ;;
+    esac
+    grep -qF "| \`$option\` | $default |" docs/building.md || { echo "$option"; return 1; }
+  done < <(sed -E 's/^option\(([A-Z_]+) .* ([^ ]+)\)$/\1 \2/' "$BATS_TEST_TMPDIR/options")
+}
+
+@test "the presets are listed" {
+  local preset
+  while read -r preset; do
+    grep -qF "| \`$preset\` |" docs/building.md
+  done < <(jq -r '.configurePresets[] | select(.hidden | not) | .name' CMakePresets.json)
+}
+
+@test "systemd accepts the example units" {
+  local unit
+  for unit in packaging/systemd/*.service; do
+    # The programs are not there, nor need the pages be installed.
+    sed 's|^ExecStart=[^ ]*|ExecStart=/bin/true|' "$unit" >"$BATS_TEST_TMPDIR/${unit##*/}"
+  done
+  systemd-analyze verify --man=no "$BATS_TEST_TMPDIR"/*.service 2>&1 | tee "$BATS_TEST_TMPDIR/said"
+  [ "${PIPESTATUS[0]}" -eq 0 ]
+  [ ! -s "$BATS_TEST_TMPDIR/said" ]
+}
+
+@test "the daemon of daemon.md is C++17 without a warning" {
+  local flags
+  read -r -a flags < <(pkg-config --cflags grpc++_unsecure)
+  code_block cpp docs/daemon.md >"$BATS_TEST_TMPDIR/daemon.cc"
+  grep -q 'int main' "$BATS_TEST_TMPDIR/daemon.cc"
+  "$CXX" -std=c++17 -Wall -Wextra -Werror -fsyntax-only -isystem "$GENERATED_DIR" "${flags[@]}" \
+    "$BATS_TEST_TMPDIR/daemon.cc"
 }
 
 @test "every relative link of the documents leads somewhere" {

@@ -1,0 +1,68 @@
+#!/usr/bin/env bats
+# What the library exports against what was recorded of it, and whether the
+# comparison notices what it must.
+#
+# ctest gives: LIBRARY, the shared object with debug information; RECORD, the
+# record of this architecture; SOURCE_DIR.
+
+bats_require_minimum_version 1.5.0
+
+check() { "$SOURCE_DIR/scripts/abi" check --library "$LIBRARY" --record "$1"; }
+
+# earlier SED-SCRIPT: a record of a library that differed in this way.
+earlier() {
+  export EARLIER="$BATS_TEST_TMPDIR/earlier.abi"
+  sed -E "$1" "$RECORD" >"$EARLIER"
+  run ! cmp "$RECORD" "$EARLIER"
+}
+
+@test "the interface is as recorded" {
+  check "$RECORD"
+}
+
+@test "a record that became larger breaks programs" {
+  earlier "/class-decl name='InterfaceInfo'/ s/size-in-bits='[0-9]+'/size-in-bits='1600'/"
+  run -1 check "$EARLIER"
+  grep -q "NetworkgRPC::InterfaceInfo" <<<"$output"
+  grep -q "programs built with the earlier library break" <<<"$output"
+}
+
+@test "a field that moved breaks programs" {
+  earlier "/class-decl name='ChannelLink'/,/<\/class-decl>/ s/(layout-offset-in-bits=')896'/\1864'/"
+  run -1 check "$EARLIER"
+  grep -q "programs built with the earlier library break" <<<"$output"
+}
+
+@test "a message of the schema that became larger breaks programs" {
+  earlier "/class-decl name='LinkInfo'/ s/size-in-bits='[0-9]+'/size-in-bits='384'/"
+  run -1 check "$EARLIER"
+  grep -q "programs built with the earlier library break" <<<"$output"
+}
+
+@test "a function that went breaks programs" {
+  earlier "/elf-symbol/ s/_ZN9DantegRPC6RebootEv/_ZN9DantegRPC7RestartEv/
+           s/mangled-name='_ZN9DantegRPC6RebootEv'/mangled-name='_ZN9DantegRPC7RestartEv'/
+           s/elf-symbol-id='_ZN9DantegRPC6RebootEv'/elf-symbol-id='_ZN9DantegRPC7RestartEv'/"
+  run -1 check "$EARLIER"
+  grep -q "programs built with the earlier library break" <<<"$output"
+}
+
+@test "an RPC between the others breaks daemons" {
+  earlier "/vtable-offset='/ { N; /7Service11GetHostname/ s/(vtable-offset=')([0-9]+)/\\11\\2/ }"
+  run -1 check "$EARLIER"
+  grep -q "Service::GetHostname" <<<"$output"
+  grep -q "programs built with the earlier library break" <<<"$output"
+}
+
+@test "a function that came asks for a new record only" {
+  earlier "/elf-symbol .*'setampname'/ d; /function-decl name='setampname'/,/<\/function-decl>/ d"
+  run -1 check "$EARLIER"
+  grep -q "the interface has grown" <<<"$output"
+}
+
+@test "a library without debug information is refused" {
+  cp "$LIBRARY" "$BATS_TEST_TMPDIR/stripped.so"
+  objcopy --strip-debug "$BATS_TEST_TMPDIR/stripped.so"
+  LIBRARY="$BATS_TEST_TMPDIR/stripped.so" run -1 check "$RECORD"
+  grep -q "has no debug information; build the target networkgrpc_abi" <<<"$output"
+}

@@ -1,0 +1,59 @@
+#!/usr/bin/env bats
+# The reference is made of the public headers without a warning, and has everything.
+#
+# ctest gives: DOXYGEN, DOXYFILE, SOURCE_DIR.
+
+bats_require_minimum_version 1.5.0
+
+# make LINE...: makes the reference with these lines added to its configuration.
+make() {
+  {
+    cat "$DOXYFILE"
+    printf '%s\n' "OUTPUT_DIRECTORY = \"$BATS_TEST_TMPDIR\"" "$@"
+  } | "$DOXYGEN" -
+}
+
+# with_header SED-SCRIPT: makes the reference of a DantegRPC.h that was changed so.
+with_header() {
+  sed "$1" "$SOURCE_DIR/dante/DantegRPC.h" >"$BATS_TEST_TMPDIR/DantegRPC.h"
+  run ! cmp "$SOURCE_DIR/dante/DantegRPC.h" "$BATS_TEST_TMPDIR/DantegRPC.h"
+  make "INPUT = \"$BATS_TEST_TMPDIR/DantegRPC.h\"" "USE_MDFILE_AS_MAINPAGE ="
+}
+
+@test "the reference is made without a warning" {
+  run -0 make
+  echo "$output"
+  [ -z "$output" ]
+  [ -s "$BATS_TEST_TMPDIR/reference/index.html" ]
+}
+
+@test "the reference has every function" {
+  # The list has constructors, destructors and static objects besides.
+  grep -oE '^([A-Za-z]+::)?[A-Za-z0-9]+(\(|\[|$)' "$SOURCE_DIR/tests/abi/public_symbols.txt" |
+    tr -d '[(' | grep -vxE '([A-Za-z]+)::(\1|GetInstance)' | sort -u >"$BATS_TEST_TMPDIR/expected"
+  [ "$(wc -l <"$BATS_TEST_TMPDIR/expected")" -eq 94 ]
+  make "GENERATE_TAGFILE = \"$BATS_TEST_TMPDIR/tags\""
+  awk -F '[<>]' '
+    /<compound kind="class"/ { owner = "class" }
+    /<compound kind="file"/ { owner = "" }
+    $2 == "name" && owner == "class" { owner = $3 "::" }
+    /<member kind="function"/ { function_follows = 1; next }
+    $2 == "name" && function_follows { print owner $3; function_follows = 0 }
+  ' "$BATS_TEST_TMPDIR/tags" | grep -vx '.*::GetInstance' | sort -u |
+    diff "$BATS_TEST_TMPDIR/expected" -
+}
+
+@test "a function without a description is a warning" {
+  run ! with_header '/Reads the latency\./,/@return/ d'
+  grep -q 'GetLatency.* is not documented' <<<"$output"
+}
+
+@test "a parameter without a description is a warning" {
+  run ! with_header '/@param\[out\] latency/ d'
+  grep -q 'GetLatency' <<<"$output"
+}
+
+@test "a result without a description is a warning" {
+  run ! with_header '/Reads the latency\./,/static/ { /@return/ d }'
+  grep -q 'return type of member DantegRPC::GetLatency is not documented' <<<"$output"
+}
