@@ -81,6 +81,8 @@ void AppendInterfaces(const Interfaces& known, const InterfacesConfig& config,
   const FirstById<InterfaceConfig> stored_by_id(config.configs());
   const FirstById<InterfaceStatus> live_by_id(status.status());
 
+  // Moving the records to ever larger memory would cost more than all the rest.
+  out.reserve(out.size() + static_cast<std::size_t>(known.interfaces_size()));
   for (const Interface& interface : known.interfaces()) {
     NetworkgRPC::InterfaceInfo record;
     record.name = interface.name();

@@ -1,0 +1,173 @@
+#!/usr/bin/env python3
+"""Counts the instructions that the library adds to a call, with callgrind.
+
+Three counts for each function of the library:
+
+frames  the library's own functions
+own     that, and the C and C++ runtime at their call: texts, lists and the memory
+        that the library hands out, lines that it prints
+call    all that the calling thread runs
+
+What gRPC and the generated classes take is not own; a program with nothing but the
+stub would run it as well.
+"""
+import argparse
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+GROWTH = {"interfaces": "GetAllIPv4", "rates": "GetAvailableSampleRates", "channels": "GetTapping"}
+MOST_CHANNELS = 512
+
+
+def owner(name, library):
+    """Whose a function is: by the outermost scope of its mangled name."""
+    scope = re.sub(r"^_Z[NKVLTIGr]*", "", name)
+    if name.startswith("_Z") and scope.startswith(("S", "9__gnu_cxx")):
+        return "runtime"
+    if "libNetworkgRPC.so" in library:
+        return "wire" if scope.startswith(("4grpc", "6google", "8ostrevan", "4absl")) else "own"
+    runtime = ("libc.so", "libc-", "libstdc++.so", "libm.so", "libgcc_s.so", "vgpreload")
+    return "runtime" if any(part in library for part in runtime) else "other"
+
+
+class Profile:
+    """One dump of callgrind: what each function took, and whom it called."""
+
+    def __init__(self, text):
+        self.names = {}
+        self.frames = 0
+        self.own = 0
+        self.call = 0
+        state = {"ob": "", "fn": "", "cob": None, "cfn": ""}
+        called = False
+        for line in text.splitlines():
+            match = re.match(r"(ob|fl|fi|fe|fn|cob|cfi|cfl|cfn)=(.*)", line)
+            if match:
+                state[match[1]] = self.named(match[1][-2:], match[2])
+            elif line.startswith("calls="):
+                called = True
+            elif re.match(r"[+*-]?\d*[ ]?", line) and re.match(r"[+*\-\d]", line):
+                self.count(state, int((line.split() + ["0"])[1]), called)
+                if called:
+                    state["cob"] = None
+                called = False
+
+    def named(self, kind, text):
+        """Names are written out once and then abbreviated by their number."""
+        number, _, name = text.partition(" ")
+        if not number.startswith("("):
+            return text
+        kind = "fn" if kind == "fn" else "ob" if kind == "ob" else "file"
+        if name:
+            self.names[kind, number] = name
+        return self.names[kind, number]
+
+    def count(self, state, cost, called):
+        caller = owner(state["fn"], state["ob"])
+        if not called:
+            self.call += cost
+            self.frames += cost if caller == "own" else 0
+            self.own += cost if caller == "own" else 0
+        elif caller == "own":
+            callee = owner(state["cfn"], state["cob"] or state["ob"])
+            self.own += cost if callee == "runtime" else 0
+
+    def counts(self):
+        return {"frames": self.frames, "own": self.own, "call": self.call}
+
+
+def measure(program, daemon, options, names=()):
+    """Runs the program under callgrind and gives {name: counts}."""
+    with tempfile.TemporaryDirectory() as folder, subprocess.Popen(
+            [daemon, *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as serving:
+        network, dapi = serving.stdout.readline().split()
+        environment = dict(os.environ, network_manager_url=network, grpc_dapi_url=dapi)
+        out = pathlib.Path(folder, "profile")
+        run = subprocess.run(
+            ["valgrind", "--tool=callgrind", "--demangle=no", "--compress-pos=no",
+             "--collect-atstart=no", "--toggle-collect=measured_call",
+             "--dump-after=measured_call", f"--callgrind-out-file={out}", program, *names],
+            env=environment, capture_output=True, text=True, check=False)
+        serving.stdin.close()
+        if run.returncode != 0:
+            sys.exit(f"instructions.py: {program} failed: {run.stdout}{run.stderr}")
+        measured = {}
+        for number, name in enumerate(run.stdout.split(), 1):
+            profile = Profile(pathlib.Path(f"{out}.{number}").read_text())
+            measured[name] = profile.counts()
+    return measured
+
+
+def budgets(path):
+    """NAME NUMBER a line; the rest of a line is what for."""
+    lines = (line.split(None, 2) for line in pathlib.Path(path).read_text().splitlines())
+    return {words[0]: int(words[1]) for words in lines if words and not words[0].startswith("#")}
+
+
+def excesses(measured, grown, allowed):
+    """What exceeds its budget, in words."""
+    for name, counts in measured.items():
+        limit = allowed.get(f"own_instructions.{name}", allowed["own_instructions"])
+        if counts["own"] > limit:
+            yield f"{name}: {counts['own']} own instructions, {limit} allowed"
+        # Answered without asking a daemon, all of a call is the library's.
+        percent = 100 * counts["frames"] / counts["call"]
+        if percent > allowed["frames_percent"] and name != "GetTarvoInterfaceName":
+            yield f"{name}: {percent:.2f} % in own functions, {allowed['frames_percent']} % allowed"
+    first = {}
+    for step in grown:
+        each = step["own"] / step["size"]
+        few = first.setdefault(step["what"], each)
+        if each > few * (1 + allowed["growth_percent"] / 100):
+            yield (f"{step['size']} {step['what']}: {each:.0f} own instructions each, for few of "
+                   f"them {few:.0f}; {allowed['growth_percent']} % more is allowed")
+
+
+def growth(program, daemon, sizes):
+    """The functions whose work grows with the device, for devices of these sizes."""
+    for what, name in GROWTH.items():
+        most = MOST_CHANNELS if what == "channels" else max(sizes)
+        for size in sorted({min(size, most) for size in sizes}):
+            counts = measure(program, daemon, [f"--{what}", str(size)], [name])[name]
+            yield {"what": what, "size": size, **counts}
+
+
+def shares(counts):
+    return f"{counts['frames']:8} {counts['own']:8} {counts['call']:10}" + "".join(
+        f"{100 * counts[part] / counts['call']:8.2f} %" for part in ("frames", "own"))
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("program", help="the program instructions")
+    parser.add_argument("daemon", help="the program steady_daemon")
+    parser.add_argument("--json", metavar="FILE", help="write the counts there")
+    parser.add_argument("--budgets", metavar="FILE", help="fail when a count exceeds these")
+    parser.add_argument("--growth", type=int, nargs="*", default=[], metavar="SIZE",
+                        help="count also for devices with so many interfaces, channels, rates")
+    known = parser.parse_args()
+    measured = measure(known.program, known.daemon, [])
+    grown = list(growth(known.program, known.daemon, known.growth)) if known.growth else []
+
+    print(f"{'':28}   frames      own       call    frames       own")
+    for name, counts in measured.items():
+        print(f"{name:28} {shares(counts)}")
+    for step in grown:
+        print(f"{step['size']:13} {step['what']:14} {shares(step)} {step['own'] / step['size']:7.1f} own each")
+    if known.json:
+        pathlib.Path(known.json).write_text(json.dumps({"calls": measured, "growth": grown}))
+    wrong = []
+    if known.budgets:
+        wrong = list(excesses(measured, grown, budgets(known.budgets)))
+        print("\n".join(wrong))
+    return 1 if wrong else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
