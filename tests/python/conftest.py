@@ -1,0 +1,71 @@
+"""A simulated device for the tests, and processes of their own that ask it."""
+
+import os
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+from typing import Iterator
+
+import pytest
+
+
+class Device:
+    """One run of the simulator with a control socket."""
+
+    def __init__(self, folder: Path) -> None:
+        self.simulator = os.environ["SIMULATOR"]
+        self.socket = folder / "control" / "socket"
+        self.process = subprocess.Popen(
+            [self.simulator, "--control", str(self.socket)], stdout=subprocess.PIPE, text=True
+        )
+        assert self.process.stdout is not None
+        words = self.process.stdout.readline().split()
+        assert words and words[0] == "ready"
+        self.environment = dict(word.split("=", 1) for word in words[1:3])
+
+    def ctl(self, *words: str) -> str:
+        """What the control command prints."""
+        command = [self.simulator, "ctl", "--control", str(self.socket), *words]
+        return subprocess.run(command, check=True, capture_output=True, text=True, timeout=60).stdout
+
+    def end(self) -> None:
+        self.process.terminate()
+        self.process.communicate(timeout=60)
+
+
+@pytest.fixture
+def device() -> Iterator[Device]:
+    # The path of a socket must be short, pytest's own folders are not.
+    with tempfile.TemporaryDirectory(prefix="device-") as folder:
+        started = Device(Path(folder))
+        yield started
+        started.end()
+
+
+@pytest.fixture
+def run():
+    """Runs a program in a process of its own: the library reads its environment once."""
+
+    def run_program(*arguments: str, **environment: str) -> "subprocess.CompletedProcess[str]":
+        return subprocess.run(
+            [sys.executable, *arguments],
+            env={**os.environ, **environment},
+            capture_output=True,
+            text=True,
+            timeout=120,
+        )
+
+    return run_program
+
+
+@pytest.fixture
+def ask(device: Device, run):
+    """Runs Python code that asks the simulated device; what it prints, or the failure."""
+
+    def ask_device(code: str) -> str:
+        ended = run("-c", "from networkgrpc import *\n" + code, **device.environment)
+        assert ended.returncode == 0, ended.stderr
+        return ended.stdout
+
+    return ask_device

@@ -1,0 +1,189 @@
+"""Every function of the facades from Python, against a simulated device."""
+
+import os
+import re
+import sys
+from pathlib import Path
+
+import networkgrpc
+import pytest
+from networkgrpc import dante, network
+
+SOURCES = Path(os.environ["SOURCE_TREE"])
+
+# Nobody listens there.
+NOBODY = {"network_manager_url": "127.0.0.1:1", "grpc_dapi_url": "127.0.0.1:1"}
+
+
+def functions_of(module):
+    return {name for name in dir(module) if name.islower() and not name.startswith("_")}
+
+
+@pytest.mark.parametrize(
+    "module, header",
+    [(network, "network/NetworkgRPC.h"), (dante, "dante/DantegRPC.h")],
+    ids=["network", "dante"],
+)
+def test_every_function_of_the_facade_is_there_and_no_other(module, header):
+    declared = re.findall(r"static bool (\w+)\(", (SOURCES / header).read_text(encoding="utf-8"))
+    assert len(declared) > 15
+    # Case and underscores apart the names are the same.
+    assert sorted(name.lower() for name in declared) == sorted(
+        name.replace("_", "") for name in functions_of(module)
+    )
+
+
+def test_every_reader_reads(ask):
+    for module in ("network", "dante"):
+        readers = [n for n in functions_of(getattr(networkgrpc, module)) if n.startswith("get_")]
+        assert len(readers) > 10
+        arguments = {"get_mac_address": "'lan0'", "get_tarvo_interface_name": "2"}
+        code = "".join(f"print(repr({module}.{n}({arguments.get(n, '')})))\n" for n in readers)
+        assert len(ask(code).splitlines()) == len(readers)
+
+
+@pytest.mark.parametrize(
+    "change, reader, expected",
+    [
+        ("network.set_hostname('stage')", "network.get_hostname()", "'stage'"),
+        ("network.set_ntp_server('time', True)", "network.get_ntp_server()", "'time'"),
+        ("network.set_switch_mode(2)", "network.get_configured_switch_mode().id", "1"),
+        (
+            "network.set_generic_ip(4, network.InterfaceInfo(mode=1, ip='10.77.0.9',"
+            " netmask='255.255.0.0'), reload=True)",
+            "[i.ip for i in network.get_all_ipv4() if i.name == 'lan3']",
+            "['10.77.0.9']",
+        ),
+        (
+            "network.set_control_ip(info=network.InterfaceInfo(mode=1, ip='10.0.0.9',"
+            " netmask='255.0.0.0'), reload=True)",
+            "network.get_control_interfaces_info()[0].ip",
+            "'10.0.0.9'",
+        ),
+        (
+            "network.set_dante_ip(network.InterfaceInfo(mode=1, ip='10.1.0.9',"
+            " netmask='255.255.0.0'), 0, True)",
+            "network.get_dante_interfaces_info()[0].ip",
+            "'10.1.0.9'",
+        ),
+        ("dante.set_name('Bühne')", "dante.get_name()", "'Bühne'"),
+        ("dante.set_sample_rate(96000)", "dante.get_sample_rate()", "96000"),
+        ("dante.set_latency(2000)", "dante.get_latency()", "2000"),
+        ("dante.set_aes67(True)", "dante.get_aes67_status()", "True"),
+        ("dante.set_disable_tx(True)", "dante.get_disable_tx()", "True"),
+        ("dante.set_ptp_slave_only(True)", "dante.get_ptp_slave_only()", "True"),
+        (
+            "dante.set_tx_channel_name(dante.Channel(id=1, name='Main'))",
+            "dante.get_tx_channels()[0]",
+            "Channel(id=1, name='Main')",
+        ),
+        (
+            "dante.set_tapping(dante.ChannelLink(rx_channel_id=2, channel_name='Mic',"
+            " device_name='Box'))",
+            "[(l.device_name, l.channel_name) for l in dante.get_tapping()][1]",
+            "('Box', 'Mic')",
+        ),
+        ("network.factory_reset()", "network.get_hostname()", "'amplifier'"),
+        ("dante.reboot()", "dante.get_channels_num()", "ChannelsNum(tx=4, rx=8)"),
+    ],
+)
+def test_what_is_changed_is_read_back(ask, change, reader, expected):
+    assert ask(f"{change}\nprint(repr({reader}))").strip() == expected
+
+
+def test_refusal_raises_with_function_and_arguments(device, ask):
+    device.ctl("fault", "SetHostname:refuse")
+    told = ask(
+        "try:\n"
+        "    network.set_hostname('x')\n"
+        "except CallFailed as failed:\n"
+        "    print(failed.function, failed.arguments, '|', failed)\n"
+    )
+    assert told == (
+        "networkgrpc.network.set_hostname {'hostname': 'x'} | "
+        "networkgrpc.network.set_hostname(hostname='x') was not done\n"
+    )
+
+
+def test_absent_daemon_raises_from_readers_and_changers(run):
+    code = (
+        "from networkgrpc import *\n"
+        "for call in (dante.get_latency, dante.reboot, lambda: network.get_mac_address('lan0')):\n"
+        "    try:\n"
+        "        call()\n"
+        "    except CallFailed as failed:\n"
+        "        print(failed)\n"
+    )
+    ended = run("-c", code, **NOBODY)
+    assert ended.stdout.splitlines() == [
+        "networkgrpc.dante.get_latency() was not done",
+        "networkgrpc.dante.reboot() was not done",
+        "networkgrpc.network.get_mac_address(name='lan0') was not done",
+    ]
+    # The library's own lines, as from C++.
+    assert ended.stderr.count("libNetworkgRPC: ") == 3
+
+
+def test_other_threads_run_during_a_call(device, ask):
+    device.ctl("fault", "DAPI.GetLatency:freeze")
+    ctl = [os.environ["SIMULATOR"], "ctl", "--control", str(device.socket)]
+    told = ask(
+        "import subprocess, threading\n"
+        "latency = []\n"
+        "caller = threading.Thread(target=lambda: latency.append(dante.get_latency()))\n"
+        "caller.start()\n"
+        # Only when the call has arrived and is held is the fault taken back.
+        f"while 'GetLatency' not in subprocess.run({ctl + ['calls']}, check=True,"
+        " capture_output=True, text=True).stdout: pass\n"
+        f"subprocess.run({ctl + ['clear', 'all']}, check=True)\n"
+        "caller.join()\n"
+        "print(latency)\n"
+    )
+    assert told == "[1000]\n"
+
+
+def test_records_are_made_compared_and_shown_like_dataclasses():
+    info = network.InterfaceInfo(mode=1, ip="10.0.0.1")
+    assert (info.mode, info.ip, info.netmask, info.active) == (1, "10.0.0.1", "", False)
+    assert info == network.InterfaceInfo(ip="10.0.0.1", mode=1)
+    assert info != network.InterfaceInfo()
+    assert info != "10.0.0.1"
+    info.name = "lan0"
+    assert repr(info) == (
+        "InterfaceInfo(mode=1, name='lan0', ip='10.0.0.1', netmask='', gateway='', mac='',"
+        " dns='', active=False, id=0)"
+    )
+    assert eval(repr(info), vars(network)) == info  # pylint: disable=eval-used
+    with pytest.raises(TypeError):
+        hash(info)
+    with pytest.raises(TypeError):
+        dante.ChannelLink(value2=-1)
+    with pytest.raises(TypeError):
+        dante.Channel(1, "positional")
+    assert dante.ChannelLink(session_id=2**64 - 1).session_id == 2**64 - 1
+
+
+def test_examples_tell_what_those_in_cxx_and_c_do(device, run):
+    examples = SOURCES / "python" / "examples"
+    overview = run(str(examples / "overview.py"), **device.environment)
+    assert overview.returncode == 0, overview.stderr
+    assert overview.stdout.startswith("Amplifier-520001 on amplifier, 48000 Hz\ninput 1: 01\n")
+    control = run(str(examples / "control.py"), **device.environment)
+    assert control.stdout == (
+        "control 192.168.10.57 netmask 255.255.255.0 MAC 02:54:41:52:00:02\nswitch mode 0\n"
+    )
+
+
+def test_stubs_say_what_the_modules_have(run):
+    checked = run(
+        "-m", "mypy.stubtest", "networkgrpc", "--mypy-config-file", str(SOURCES / "tests/python/mypy.ini")
+    )
+    assert checked.returncode == 0, checked.stdout + checked.stderr
+
+
+def test_examples_are_typed(run):
+    checked = run(
+        "-m", "mypy", "--strict", "--cache-dir", os.environ["MYPY_CACHE"],
+        *map(str, (SOURCES / "python" / "examples").glob("*.py")),
+    )
+    assert checked.returncode == 0, checked.stdout + checked.stderr
