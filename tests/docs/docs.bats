@@ -11,9 +11,10 @@ code_block() {
   awk -v fence="\`\`\`$1" '$0 == "```" && inside { exit } inside; $0 == fence { inside = 1 }' "$2"
 }
 
-@test "README quotes the examples as they are" {
+@test "documents quote the examples as they are" {
   diff <(code_block cpp README.md) examples/overview.cc
   diff <(code_block c README.md) examples/overview.c
+  diff <(code_block python docs/python.md) python/examples/overview.py
 }
 
 # The variables that the library reads, each with its default.

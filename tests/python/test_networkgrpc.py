@@ -1,8 +1,8 @@
 """Every function of the facades from Python, against a simulated device."""
 
+import json
 import os
 import re
-import sys
 from pathlib import Path
 
 import networkgrpc
@@ -61,6 +61,12 @@ def test_every_reader_reads(ask):
             "'10.0.0.9'",
         ),
         (
+            "network.set_control_ip(network.InterfaceInfo(mode=1, ip='10.0.0.9', netmask='255.0.0.0',"
+            " gateway='10.0.0.1', dns='10.0.0.53'), True)",
+            "(network.get_current_dns(), network.get_default_gateway())",
+            "('10.0.0.53', '10.0.0.1')",
+        ),
+        (
             "network.set_dante_ip(network.InterfaceInfo(mode=1, ip='10.1.0.9',"
             " netmask='255.255.0.0'), 0, True)",
             "network.get_dante_interfaces_info()[0].ip",
@@ -89,6 +95,25 @@ def test_every_reader_reads(ask):
 )
 def test_what_is_changed_is_read_back(ask, change, reader, expected):
     assert ask(f"{change}\nprint(repr({reader}))").strip() == expected
+
+
+def test_readers_that_nothing_changes_tell_the_state(device, ask):
+    state = json.loads(device.ctl("state"))
+    members = ["firmware_version", "software_version", "model_name", "model_version"]
+    expected = [state["dante"][member] for member in members]
+    assert len(set(expected)) == len(members)
+    assert ask(f"print([getattr(dante, 'get_' + m)() for m in {members}])").strip() == repr(expected)
+    for code, what in [
+        ("dante.get_available_sample_rates()", state["dante"]["sample_rates"]),
+        ("dante.get_aes67_available()", state["dante"]["aes67_available"]),
+        ("[c.name for c in dante.get_tx_channels()]", [c["name"] for c in state["dante"]["tx_channels"]]),
+        ("[c.name for c in dante.get_rx_channels()]", [c["name"] for c in state["dante"]["rx_channels"]]),
+        ("[m.name for m in network.get_switch_modes()]", [m["name"] for m in state["network"]["switch_modes"]]),
+        ("network.get_mac_address('lan1')", state["network"]["interfaces"][1]["mac"]),
+        ("network.get_tarvo_interface_name(2)", "eth0"),
+        ("network.get_current_switch_mode().id", 0),
+    ]:
+        assert ask(f"print(repr({code}))").strip() == repr(what)
 
 
 def test_refusal_raises_with_function_and_arguments(device, ask):
@@ -172,6 +197,13 @@ def test_examples_tell_what_those_in_cxx_and_c_do(device, run):
     assert control.stdout == (
         "control 192.168.10.57 netmask 255.255.255.0 MAC 02:54:41:52:00:02\nswitch mode 0\n"
     )
+
+
+def test_readme_does_what_it_shows(device, run):
+    code = re.search(r"```python\n(.*?)```", (SOURCES / "README.md").read_text(encoding="utf-8"), re.S)
+    shown = run("-c", code[1], **device.environment)
+    assert shown.stdout == "amplifier\n", shown.stderr
+    assert '"name": "Studio B"' in device.ctl("state")
 
 
 def test_stubs_say_what_the_modules_have(run):
