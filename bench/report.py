@@ -61,7 +61,6 @@ def measure_object(build, folder):
 def machine():
     model = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
     return {"machine": platform.machine(), "processor": model[1] if model else "unknown",
-            "kernel": platform.release(),
             "date": datetime.date.today().isoformat()}
 
 
@@ -206,7 +205,7 @@ def main():
     if not whole.exists():
         sys.exit(f"report.py: there is no {whole}: run scripts/bench")
     data = json.loads(whole.read_text())
-    print(f"{data['processor']}, {data['cores']} cores, {data['machine']}, Linux {data['kernel']}, {data['date']}"
+    print(f"{data['processor']}, {data['cores']} cores, {data['machine']}, {data['date']}"
           f" ({data['mode']} run). Times are of this machine and noisy.\n")
     for table in tables(data):
         print(table.markdown() if known.markdown else table.plain(), end="\n\n")
