@@ -81,6 +81,28 @@ ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control
   [[ "$output" == *"No such file or directory; is there one that was started with --control?" ]]
 }
 
+# state_of_connection_to PORT: as the kernel numbers them, of this side.
+state_of_connection_to() {
+  awk -v port="$(printf ':%04X$' "$1")" '$3 ~ port { print $4 }' /proc/net/tcp
+}
+
+@test "dropping cuts the connections of one daemon and leaves the other's" {
+  start --control "$BATS_TEST_TMPDIR/private/control"
+  local network_manager_url grpc_dapi_url
+  eval "${READY% control=*}"
+  exec 5<>"/dev/tcp/${network_manager_url/://}" 6<>"/dev/tcp/${grpc_dapi_url/://}"
+  # The daemons have taken the connections when their first frames are here.
+  timeout 20 head -c 9 <&5 >"$BATS_TEST_TMPDIR/frame"
+  timeout 20 head -c 9 <&6 >"$BATS_TEST_TMPDIR/frame"
+  ctl drop NetworkManager
+  timeout 20 cat <&5 >"$BATS_TEST_TMPDIR/rest"
+  [ "$(state_of_connection_to "${grpc_dapi_url#*:}")" = 01 ] # established
+  ctl drop DAPI
+  timeout 20 cat <&6 >"$BATS_TEST_TMPDIR/rest"
+  exec 5>&- 6>&-
+  end
+}
+
 @test "a control socket that is in use is left alone, one that was left behind is replaced" {
   start --control "$BATS_TEST_TMPDIR/private/control"
   run -1 timeout 20 "$SIMULATOR" --control "$BATS_TEST_TMPDIR/private/control"
