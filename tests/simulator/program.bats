@@ -133,6 +133,11 @@ state_of_connection_to() {
   [[ "$output" == *"others have access"* ]]
 }
 
+@test "a control socket whose path is too long is refused" {
+  run -1 timeout 20 "$SIMULATOR" --control "$BATS_TEST_TMPDIR/$(printf '%0120d' 0)/control"
+  [[ "$output" == *"its path has to have 1 to 107 bytes"* ]]
+}
+
 @test "several devices have names, addresses and ready lines of their own" {
   start --devices 3 --control "$BATS_TEST_TMPDIR/private/control"
   local word line
