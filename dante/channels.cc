@@ -13,6 +13,7 @@ namespace {
 
 auto AppendTo(std::vector<DantegRPC::Channel>& channels) {
   return [&channels](const Channels& reply) {
+    channels.reserve(channels.size() + static_cast<std::size_t>(reply.channels_size()));
     for (const auto& channel : reply.channels()) channels.push_back(dante::ToRecord(channel));
   };
 }

@@ -1,4 +1,6 @@
 // The Dante module's identity and audio settings.
+#include <utility>
+
 #include "DantegRPC.h"
 #include "client/DAPIClient.h"
 #include "client/NetworkManagerClient.h"
@@ -14,7 +16,8 @@ using ostrevan::grpcdapi::Version;
 
 bool DantegRPC::GetName(std::string& name) {
   return facade::Read({"GetName", ExceptionLine::kNameAndText}, &DAPIClient::GetName,
-                      facade::kNoLine, [&](const Name& reply) { name = reply.name(); });
+                      facade::kNoLine,
+                      [&](Name& reply) { name = std::move(*reply.mutable_name()); });
 }
 
 bool DantegRPC::SetName(const std::string& name) {
@@ -26,24 +29,25 @@ bool DantegRPC::SetName(const std::string& name) {
 bool DantegRPC::GetFirmwareVersion(std::string& version) {
   return facade::Read({"GetFirmwareVersion", ExceptionLine::kNameAndText},
                       &DAPIClient::GetFirmwareVersion, facade::kNoLine,
-                      [&](const Version& reply) { version = reply.version(); });
+                      [&](Version& reply) { version = std::move(*reply.mutable_version()); });
 }
 
 bool DantegRPC::GetSoftwareVersion(std::string& version) {
   return facade::Read({"GetSoftwareVersion", ExceptionLine::kNameAndText},
                       &DAPIClient::GetSoftwareVersion, facade::kNoLine,
-                      [&](const Version& reply) { version = reply.version(); });
+                      [&](Version& reply) { version = std::move(*reply.mutable_version()); });
 }
 
 bool DantegRPC::GetModelName(std::string& name) {
   return facade::Read({"GetModelName", ExceptionLine::kNameAndText}, &DAPIClient::GetModelName,
-                      facade::kNoLine, [&](const Name& reply) { name = reply.name(); });
+                      facade::kNoLine,
+                      [&](Name& reply) { name = std::move(*reply.mutable_name()); });
 }
 
 bool DantegRPC::GetModelVersion(std::string& version) {
   return facade::Read({"GetModelVersion", ExceptionLine::kNameAndText},
                       &DAPIClient::GetModelVersion, facade::kNoLine,
-                      [&](const Version& reply) { version = reply.version(); });
+                      [&](Version& reply) { version = std::move(*reply.mutable_version()); });
 }
 
 // One insertion of the whole list: it is appended entirely or not at all.

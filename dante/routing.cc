@@ -16,6 +16,7 @@ bool DantegRPC::GetTapping(std::vector<ChannelLink>& links) {
     Channels receiving;
     if (!client.GetRxChannels(&receiving).ok())
       return frame.Fail("libNetworkgRPC: ERROR: error while requesting rx channels list in %s\n");
+    links.reserve(links.size() + static_cast<std::size_t>(receiving.channels_size()));
     for (const auto& channel : receiving.channels()) {
       LinkInfo link;
       if (!client.GetRxChannelLink(channel, &link).ok())

@@ -57,7 +57,7 @@ struct Frame {
 };
 
 /// A function that reads: one call without parameters, judged by its status
-/// alone; `copy` hands the reply out.
+/// alone; `copy` hands the reply out, and may take its texts away.
 template <class Client, class Reply, class Copy>
 bool Read(const Frame& frame, grpc::Status (Client::*call)(Reply*), const char* failure_line,
           Copy&& copy) {

@@ -1,4 +1,6 @@
 // The host-wide settings: host name, NTP, DNS, default gateway, factory reset.
+#include <utility>
+
 #include "NetworkgRPC.h"
 #include "client/NetworkManagerClient.h"
 #include "facade/frame.h"
@@ -15,7 +17,7 @@ bool NetworkgRPC::GetHostname(std::string& hostname) {
   return facade::Read({"GetHostname", ExceptionLine::kNameAndText},
                       &NetworkManagerClient::GetHostname,
                       "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
-                      [&](const Hostname& reply) { hostname = reply.hostname(); });
+                      [&](Hostname& reply) { hostname = std::move(*reply.mutable_hostname()); });
 }
 
 bool NetworkgRPC::SetHostname(const std::string& hostname) {
@@ -32,7 +34,7 @@ bool NetworkgRPC::GetNTPServer(std::string& server) {
     if (!NetworkManagerClient::GetInstance().GetNTPServer(&reply).ok())
       return frame.Fail("libNetworkgRPC: %s: error while reading NTP server via gRPC\n");
     if (reply.servers().empty()) return false;  // none configured is no fault to report
-    server = reply.servers(0);
+    server = std::move(*reply.mutable_servers(0));
     return true;
   });
 }
@@ -60,7 +62,7 @@ bool NetworkgRPC::GetCurrentDNS(std::string& dns) {
     if (!NetworkManagerClient::GetInstance().GetDNSList(&reply).ok())
       return frame.Fail("libNetworkgRPC: %s: error while reading DNS list via gRPC\n");
     if (reply.dns().empty()) return false;  // none in use is no fault to report
-    dns = reply.dns(0);
+    dns = std::move(*reply.mutable_dns(0));
     return true;
   });
 }
@@ -69,7 +71,7 @@ bool NetworkgRPC::GetDefaultGateway(std::string& gateway) {
   return facade::Read({"GetDefaultGateway", ExceptionLine::kNameAndText},
                       &NetworkManagerClient::GetRouting,
                       "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
-                      [&](const Routing& reply) { gateway = reply.gateway(); });
+                      [&](Routing& reply) { gateway = std::move(*reply.mutable_gateway()); });
 }
 
 bool NetworkgRPC::FactoryReset() {

@@ -39,10 +39,11 @@ bool Ask(const Frame& frame, const Ids& request, Network& network) {
 
 // Appends also an interface that the daemon did not describe, then without
 // addresses and MAC: callers count on one entry per role.
-void Append(std::int32_t id, const std::string& mac, const Network& network,
+void Append(std::int32_t id, std::string mac, const Network& network,
             std::vector<NetworkgRPC::InterfaceInfo>& out) {
   NetworkgRPC::InterfaceInfo record;
-  if (network::fillInterfaceInfo(id, record, network.config, network.status)) record.mac = mac;
+  if (network::fillInterfaceInfo(id, record, network.config, network.status))
+    record.mac = std::move(mac);
   out.push_back(std::move(record));
 }
 
@@ -64,6 +65,7 @@ bool NetworkgRPC::GetDanteInterfacesInfo(std::vector<InterfaceInfo>& out) {
 
     Network network;
     if (!Ask(frame, request, network)) return false;
+    out.reserve(out.size() + static_cast<std::size_t>(request.ids_size()));
     if (primary != kUnresolved) Append(primary, client.GetDantePrimaryInterfaceMAC(), network, out);
     if (with_secondary) Append(secondary, client.GetDanteSecondaryInterfaceMAC(), network, out);
     return true;
@@ -95,6 +97,7 @@ bool NetworkgRPC::GetAllIPv4(std::vector<InterfaceInfo>& out) {
       return frame.Fail("libNetworkgRPC: %s: error while requesting informations via gRPC\n");
 
     Ids request;
+    request.mutable_ids()->Reserve(known.interfaces_size());
     for (const Interface& interface : known.interfaces()) request.add_ids(interface.id());
     Network network;
     // Both are asked for, whatever the first gives; without both there is
@@ -113,7 +116,7 @@ bool NetworkgRPC::GetMACAddress(const std::string& name, std::string& mac) {
     if (!NetworkManagerClient::GetInstance().GetAvailableInterfaces(&known).ok())
       return frame.Fail("libNetworkgRPC: %s: error while requesting informations via gRPC\n");
 
-    const auto& list = known.interfaces();
+    auto& list = *known.mutable_interfaces();
     const auto found = std::find_if(list.begin(), list.end(), [&](const Interface& candidate) {
       return candidate.name() == name;
     });
@@ -121,7 +124,7 @@ bool NetworkgRPC::GetMACAddress(const std::string& name, std::string& mac) {
       return frame.Fail(
           "libNetworkgRPC: %s: error while requesting informations via gRPC, interface not "
           "found\n");
-    mac = found->mac();
+    mac = std::move(*found->mutable_mac());
     return true;
   });
 }

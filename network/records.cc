@@ -1,7 +1,7 @@
 #include "network/records.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <iterator>
 #include <utility>
 
 using ostrevan::networkmanager::Interface;
@@ -31,24 +31,35 @@ auto FindFirst(const List& entries, std::int32_t id) -> decltype(&*entries.begin
   return found != entries.end() ? &*found : nullptr;
 }
 
-// For as many look-ups as there are entries: the first entry of each id, in
-// time that does not grow with the list.
-template <class Entry>
+// For as many look-ups as there are entries: where each is, in the order of the ids,
+// equal ones in the order of the list. Daemons list and describe interfaces in that
+// order, so that it takes no sorting and each look-up finds its entry behind the last.
+template <class List>
 class FirstById {
  public:
-  template <class List>
-  explicit FirstById(const List& entries) {
-    first.reserve(static_cast<std::size_t>(entries.size()));
-    for (const Entry& entry : entries) first.try_emplace(entry.id(), &entry);
+  explicit FirstById(const List& entries) : list(entries) {
+    places.reserve(static_cast<std::size_t>(list.size()));
+    for (int at = 0; at < list.size(); ++at) places.emplace_back(list[at].id(), at);
+    if (!std::is_sorted(places.begin(), places.end())) std::sort(places.begin(), places.end());
+    next = places.begin();
   }
 
-  const Entry* Find(std::int32_t id) const {
-    const auto found = first.find(id);
-    return found != first.end() ? found->second : nullptr;
+  auto Find(std::int32_t id) -> decltype(&*std::declval<const List&>().begin()) {
+    if (!NextIsFirstOf(id)) next = std::lower_bound(places.begin(), places.end(), Place(id, 0));
+    return next != places.end() && next->first == id ? &list[(next++)->second] : nullptr;
   }
 
  private:
-  std::unordered_map<std::int32_t, const Entry*> first;
+  using Place = std::pair<std::int32_t, int>;  // an id, and which entry has it
+
+  bool NextIsFirstOf(std::int32_t id) const {
+    return next != places.end() && next->first == id &&
+           (next == places.begin() || std::prev(next)->first != id);
+  }
+
+  const List& list;
+  std::vector<Place> places;
+  typename std::vector<Place>::const_iterator next;
 };
 
 template <class Source>
@@ -78,8 +89,8 @@ bool fillInterfaceInfo(std::int32_t id, NetworkgRPC::InterfaceInfo& record,
 void AppendInterfaces(const Interfaces& known, const InterfacesConfig& config,
                       const InterfacesStatus& status,
                       std::vector<NetworkgRPC::InterfaceInfo>& out) {
-  const FirstById<InterfaceConfig> stored_by_id(config.configs());
-  const FirstById<InterfaceStatus> live_by_id(status.status());
+  FirstById stored_by_id(config.configs());
+  FirstById live_by_id(status.status());
 
   // Moving the records to ever larger memory would cost more than all the rest.
   out.reserve(out.size() + static_cast<std::size_t>(known.interfaces_size()));

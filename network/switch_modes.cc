@@ -13,6 +13,7 @@ bool NetworkgRPC::GetSwitchModes(std::vector<SwitchMode>& modes) {
                       &NetworkManagerClient::GetAvailableSwitchModes,
                       "libNetworkgRPC: ERROR: error while requesting available switch mode in %s\n",
                       [&](const SwitchModes& reply) {
+                        modes.reserve(modes.size() + static_cast<std::size_t>(reply.modes_size()));
                         for (const auto& mode : reply.modes())
                           modes.push_back(network::ToRecord(mode));
                       });

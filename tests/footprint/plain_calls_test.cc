@@ -23,27 +23,25 @@ namespace {
 
 using footprint::PlainCall;
 
-// What is handed out on the heap. Setters and scalar getters hand out nothing.
+// What is copied onto the heap. Setters and scalar getters copy nothing, and a single
+// text is handed out as it came with the reply.
 std::size_t HandedOut(const std::string& name) {
-  static const std::map<std::string, std::size_t> lists = {
+  static const std::map<std::string, std::size_t> copies = {
+      {"GetConfiguredSwitchMode", 1},   // the mode's name
+      {"GetCurrentSwitchMode", 1},      // the same
+      {"cGetCurrentSwitchMode", 1},     // the same
       {"GetAvailableSampleRates", 1},   // the list
-      {"GetSwitchModes", 3},            // the list, which grows once, and one long name
-      {"GetTxChannels", 4},             // the list, which grows once, and two names
-      {"GetRxChannels", 4},             // the same
-      {"GetTapping", 4},                // the list, which grows once, and two names
-      {"GetControlInterfacesInfo", 3},  // the list, the MAC address and the client's copy of it
-      {"cGetControlInterface", 3},      // the same
-      {"GetDanteInterfacesInfo", 6},    // that for two interfaces
-      {"GetAllIPv4", 9},                // the list, two MAC addresses, two indexes of ids
+      {"GetSwitchModes", 2},            // the list and one long name
+      {"GetTxChannels", 3},             // the list and two names
+      {"GetRxChannels", 3},             // the same
+      {"GetTapping", 3},                // the list and two names
+      {"GetControlInterfacesInfo", 2},  // the list and the MAC address
+      {"cGetControlInterface", 2},      // the same
+      {"GetDanteInterfacesInfo", 3},    // the list and two MAC addresses
+      {"GetAllIPv4", 5},                // the list, two MAC addresses, two indexes of ids
   };
-  // One text, too long to be kept without the heap.
-  static const std::set<std::string> texts = {
-      "GetHostname",          "GetNTPServer",    "GetCurrentDNS",           "GetDefaultGateway",
-      "GetMACAddress",        "GetName",         "GetFirmwareVersion",      "GetSoftwareVersion",
-      "GetModelName",         "GetModelVersion", "GetConfiguredSwitchMode", "GetCurrentSwitchMode",
-      "cGetCurrentSwitchMode"};
-  const auto list = lists.find(name);
-  return list != lists.end() ? list->second : texts.count(name);
+  const auto found = copies.find(name);
+  return found != copies.end() ? found->second : 0;
 }
 
 class Allocations : public testing::TestWithParam<PlainCall> {
