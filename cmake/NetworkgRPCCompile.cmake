@@ -29,7 +29,10 @@ add_library(networkgrpc_small INTERFACE)
 # is linked without.
 target_compile_options(networkgrpc_small INTERFACE
   $<$<NOT:$<CONFIG:Debug>>:-Os> $<$<CONFIG:Release>:-g> -ffunction-sections -fdata-sections)
-target_link_options(networkgrpc_small INTERFACE LINKER:--gc-sections)
+# Its own calls of functions that it exports go straight to them, as they would in a
+# program that has the classes in itself. The loader then looks up less than half as
+# many symbols. Objects, such as the one instance of each client, are still looked up.
+target_link_options(networkgrpc_small INTERFACE LINKER:--gc-sections LINKER:-Bsymbolic-functions)
 
 # Executables of this project are position-independent, like everything else.
 include(CheckPIESupported)
