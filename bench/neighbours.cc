@@ -1,5 +1,5 @@
 // What a user would pick instead, in one loop with the library: one name asked for
-// by each in turn.
+// some times by each in turn.
 #include <chrono>
 #include <string>
 
@@ -25,24 +25,28 @@ bench::Attempt Stub() {
   return {};
 }
 
-bool TimeOnce(Neighbour& neighbour) {
-  const auto begin = std::chrono::steady_clock::now();
-  const bool worked = neighbour.ask();
-  neighbour.seconds.push_back(
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+// So that each finds its own things in the caches, as the clients in other languages
+// do, which are measured by themselves.
+constexpr int kCallsInARow = 20;
+
+bool TimeCalls(Neighbour& neighbour) {
+  bool worked = neighbour.ask();
+  for (int i = 0; i < kCallsInARow; ++i) {
+    const auto begin = std::chrono::steady_clock::now();
+    worked = neighbour.ask() && worked;
+    neighbour.seconds.push_back(
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+  }
   return worked;
 }
 
 void Ask(benchmark::State& state, std::vector<Neighbour>& neighbours) {
-  for (Neighbour& neighbour : neighbours) {
-    neighbour.ask();  // the first connects
-    neighbour.seconds.clear();
-  }
+  for (Neighbour& neighbour : neighbours) neighbour.seconds.clear();
   std::size_t turn = 0;
   for ([[maybe_unused]] auto _ : state) {
     ++turn;
     for (std::size_t i = 0; i < neighbours.size(); ++i) {
-      if (TimeOnce(neighbours[(turn + i) % neighbours.size()])) continue;
+      if (TimeCalls(neighbours[(turn + i) % neighbours.size()])) continue;
       state.SkipWithError("a call failed");
       return;
     }

@@ -13,14 +13,15 @@ double Median(std::vector<double> values);
 /// The value that this share of them does not exceed.
 double Quantile(std::vector<double> values, double share);
 
-/// The ratio of two medians, with the bounds that hold it 95 times of 100: found by
-/// drawing from the samples again and again.
+/// The median of the ratios of pairs, with the bounds that hold it 95 times of 100. A
+/// pair's two times share what the machine does just then; medians of all the one and
+/// of all the other would not.
 struct Ratio {
   double middle;
   double low;
   double high;
 };
-Ratio MedianRatio(const std::vector<double>& of, const std::vector<double>& to);
+Ratio MedianOfRatios(const std::vector<double>& of, const std::vector<double>& to);
 
 /// Something to time; gives whether it worked.
 using Attempt = std::function<bool()>;

@@ -104,8 +104,8 @@ def sizes_table(data):
     table = Table("Composite calls on devices of several sizes", "Call", "N", "µs", "stub, µs", "ratio")
     parts = [key.rsplit("-", 1) for key in data if re.fullmatch(r"(channels|interfaces|rates)-\d+", key)]
     for what, size in sorted(parts, key=lambda part: (part[0], int(part[1]))):
-        run = data[f"{what}-{size}"][0]
-        table.add(f"{name_of(run)}, {what}", size, number(run["library_us"]), number(run["stub_us"]), ratio(run))
+        for run in data[f"{what}-{size}"]:
+            table.add(f"{name_of(run)}, {what}", size, number(run["library_us"]), number(run["stub_us"]), ratio(run))
     return table
 
 

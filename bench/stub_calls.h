@@ -8,7 +8,12 @@
 namespace bench {
 
 /// The calls that a function makes, one after the other, with requests made before.
-/// Replies are read and dropped. Empty for a function that makes none.
+/// Replies are read and dropped; the line that setampname prints is printed. Empty for
+/// a function that makes none.
 Attempt StubCalls(const support::Function& function);
+
+/// GetAllIPv4 as a program would write it that counts on the daemon's order: the same
+/// calls, and what they give copied into records of its own.
+Attempt AllInterfacesByHand();
 
 }  // namespace bench
