@@ -22,7 +22,7 @@ namespace {
 constexpr timeval kServerLimit{2, 0};
 constexpr timeval kClientLimit{20, 0};
 constexpr std::size_t kLongestRequest = 65536;
-constexpr std::size_t kLongestAnswer = 256U * 1024U * 1024U;
+constexpr std::size_t kLongestAnswer = std::size_t{256} * 1024 * 1024;
 
 [[noreturn]] void Throw(const std::string& what, const std::string& path, const std::string& why) {
   throw std::runtime_error("cannot " + what + " the control socket " + path + ": " + why);
@@ -116,7 +116,7 @@ void RemoveStale(const std::string& path, const sockaddr_un& address) {
 
 }  // namespace
 
-ControlSocket::ControlSocket(std::string wanted) : path(std::move(wanted)) {
+ControlSocket::ControlSocket(std::string wanted_path) : path(std::move(wanted_path)) {
   const sockaddr_un address = AddressOf(path);
   MakePrivateFolder(path);
   RemoveStale(path, address);

@@ -14,7 +14,7 @@ namespace simulator {
 namespace {
 
 // One more byte than a client of default settings takes.
-constexpr std::size_t kOversize = 4U * 1024U * 1024U + 1U;
+constexpr std::size_t kOversize = std::size_t{4} * 1024 * 1024 + 1;
 
 // A field that says it is 127 bytes long, and two bytes.
 constexpr const char* kMalformed =

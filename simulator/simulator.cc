@@ -24,7 +24,6 @@ class Process {
   Process(Daemon which, grpc::Service& answering, Faults& table, int wanted_port)
       : daemon(which), service(answering), faults(table), port(wanted_port) {
     Start();
-    port = running->server.Port();
   }
 
   int Port() const { return port; }
@@ -35,7 +34,9 @@ class Process {
   }
   void Start() {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (running == nullptr) running = std::make_unique<Running>(daemon, service, faults, port);
+    if (running != nullptr) return;
+    running = std::make_unique<Running>(daemon, service, faults, port);
+    port = running->server.Port();
   }
   void Thaw(const std::string& pattern) {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -57,7 +58,7 @@ class Process {
   Faults& faults;
   std::mutex mutex;  // guards what runs
   std::unique_ptr<Running> running;
-  int port;
+  int port;  // as wanted, 0 for any, until it has run; then the one it had
 };
 
 }  // namespace
@@ -173,6 +174,6 @@ Builder& Builder::Ports(int network_manager, int dapi) {
   return *this;
 }
 
-Simulator Builder::Start() const { return Simulator(options, state); }
+Simulator Builder::Start() const { return {options, state}; }
 
 }  // namespace simulator

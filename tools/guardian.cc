@@ -16,8 +16,6 @@
 #include "NetworkManagerClient.h"
 #include "tools/failure.h"
 
-extern char** environ;
-
 namespace tool {
 namespace {
 

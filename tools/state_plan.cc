@@ -15,6 +15,9 @@ void Add(Steps& steps, Step step) {
   if (step.from != step.to) steps.push_back(std::move(step));
 }
 
+// NOLINTNEXTLINE(readability-container-size-empty): a JSON text is never an empty container
+bool IsEmpty(const Json& text) { return text == ""; }
+
 int ToFacade(const Json& number) { return static_cast<int>(number.get<std::uint32_t>()); }
 
 const Json* Find(const Json& list, const std::string& key, const Json& value) {
@@ -53,7 +56,7 @@ void PlanChannels(Steps& steps, const Json& from, const Json& to) {
               {}};
     if (present == nullptr)
       step.impossible = "the device has no such channel";
-    else if (name == "")
+    else if (IsEmpty(name))
       step.impossible = "a channel's name cannot be empty";
     else
       step.set = [channel = DantegRPC::Channel{it["id"], name}] {
@@ -106,7 +109,7 @@ void PlanHost(Steps& steps, const Json& from, const Json& to) {
 // with none of it.
 Json AchievableInterface(const Json& wanted) {
   Json result = wanted;
-  if (wanted["mode"] == "static" && wanted["ip"] != "" && wanted["netmask"] != "") {
+  if (wanted["mode"] == "static" && !IsEmpty(wanted["ip"]) && !IsEmpty(wanted["netmask"])) {
     while (result["dns"].size() > 1) result["dns"].erase(result["dns"].size() - 1);
     return result;
   }

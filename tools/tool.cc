@@ -40,16 +40,15 @@ bool IsUtf8(const std::string& text) {
 
 CLI::Validator Seconds(double least) {
   constexpr double kMost = 86400;  // a day
-  return CLI::Validator(
-      [least](const std::string& text) -> std::string {
-        char* end = nullptr;
-        const double value = std::strtod(text.c_str(), &end);
-        if (end != text.c_str() && *end == '\0' && value >= least && value <= kMost) return "";
-        std::ostringstream wrong;
-        wrong << "'" << text << "' is not a number of seconds, " << least << " to " << kMost;
-        return wrong.str();
-      },
-      "");
+  return {[least](const std::string& text) -> std::string {
+            char* end = nullptr;
+            const double value = std::strtod(text.c_str(), &end);
+            if (end != text.c_str() && *end == '\0' && value >= least && value <= kMost) return "";
+            std::ostringstream wrong;
+            wrong << "'" << text << "' is not a number of seconds, " << least << " to " << kMost;
+            return wrong.str();
+          },
+          ""};
 }
 
 // The command that the command line names.

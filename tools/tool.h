@@ -39,6 +39,7 @@ struct Verb {
 class Tool {
  public:
   Tool();
+  ~Tool() = default;
 
   Tool(const Tool&) = delete;
   Tool& operator=(const Tool&) = delete;

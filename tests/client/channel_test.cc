@@ -29,10 +29,10 @@ const std::vector<std::pair<std::string, std::string>> kKeepalive = {
 namespace grpc {
 
 std::shared_ptr<Channel> CreateCustomChannel(const std::string& target,
-                                             const std::shared_ptr<ChannelCredentials>& credentials,
-                                             const ChannelArguments& arguments) {
+                                             const std::shared_ptr<ChannelCredentials>& creds,
+                                             const ChannelArguments& args) {
   Made channel{target, {}};
-  const grpc_channel_args list = arguments.c_channel_args();
+  const grpc_channel_args list = args.c_channel_args();
   for (std::size_t i = 0; i < list.num_args; ++i) {
     const grpc_arg& argument = list.args[i];
     channel.arguments.emplace_back(argument.key, argument.type == GRPC_ARG_INTEGER
@@ -40,7 +40,7 @@ std::shared_ptr<Channel> CreateCustomChannel(const std::string& target,
                                                      : "not an integer");
   }
   made.push_back(channel);
-  return experimental::CreateCustomChannelWithInterceptors(target, credentials, arguments, {});
+  return experimental::CreateCustomChannelWithInterceptors(target, creds, args, {});
 }
 
 }  // namespace grpc

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <utility>
@@ -25,6 +26,9 @@ using support::DapiPath;
 using support::Device;
 using support::NetworkManagerPath;
 using support::Request;
+
+constexpr std::size_t kKilobyte = 1024;
+constexpr std::size_t kMegabyte = 1024 * kKilobyte;
 
 const support::Answer kConfirmed = {std::string("\x08\x01", 2)};
 
@@ -157,15 +161,15 @@ class EveryText : public testing::TestWithParam<TextTaker> {
 };
 
 TEST_P(EveryText, LongOrStrange_IsSentAsItIs) {
-  Sends(std::string(64 * 1024, 'x'), 0);
-  Sends(std::string(3 * 1024 * 1024, 'x'), 0);
+  Sends(std::string(64 * kKilobyte, 'x'), 0);
+  Sends(std::string(3 * kMegabyte, 'x'), 0);
   Sends(std::string("with\0a NUL\0", 11), 0);
   Sends("%s%n%d \n\t\x1b[2J", 0);
 }
 
 TEST_P(EveryText, InvalidUtf8_IsSentAllTheSameAndTheRuntimeTells) {
   Sends("\xff\xfe", GetParam().texts);
-  Sends(std::string(64 * 1024, '\x80'), GetParam().texts);
+  Sends(std::string(64 * kKilobyte, '\x80'), GetParam().texts);
 }
 
 INSTANTIATE_TEST_SUITE_P(Arguments, EveryText, testing::ValuesIn(TextTakers()),
@@ -176,7 +180,7 @@ TEST(MacAddress, NameIsStrange_IsNotFound) {
   device.BuildClients();
   const CapturedStderr captured;
   for (const std::string& name :
-       {std::string(), std::string(3 * 1024 * 1024, 'x'), std::string("lan0\0", 5),
+       {std::string(), std::string(3 * kMegabyte, 'x'), std::string("lan0\0", 5),
         std::string("\xff"), std::string("%s")}) {
     std::string mac = "before";
     EXPECT_FALSE(NetworkgRPC::GetMACAddress(name, mac));

@@ -116,7 +116,7 @@ TEST_F(GuardedAmpname, NulIsTheLastByte_IsReadNoFurther) {
 
 TEST_F(GuardedAmpname, LongOrBinaryName_SetsItsLettersAndDigits) {
   EXPECT_EQ(Sent(std::string(4000, 'C')), std::string(255, 'c'));
-  EXPECT_EQ(Sent(std::string("\xff\xfe%n1\x01", 7) + '\0'), "n1");
+  EXPECT_EQ(Sent(std::string("\xff\xfe%n1\x01\0\0", 8)), "n1");
 }
 
 TEST_F(GuardedAmpname, NullName_SetsTheDefaultWhateverTheLength) {

@@ -13,7 +13,7 @@ std::size_t Page() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
 
 }  // namespace
 
-Guarded::Guarded(std::size_t bytes) : size(bytes) {
+Guarded::Guarded(std::size_t wanted_size) : size(wanted_size) {
   void* const mapped = mmap(nullptr, 3 * Page(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped == MAP_FAILED || size > Page()) throw std::runtime_error("no guarded memory");
   whole = static_cast<char*>(mapped);

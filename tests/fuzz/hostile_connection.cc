@@ -25,9 +25,9 @@ bool Ready(int descriptor, int limit_ms) {
 
 }  // namespace
 
-HostileConnection::HostileConnection(std::uint32_t seed, std::deque<std::string> answers)
+HostileConnection::HostileConnection(std::uint32_t seed, std::deque<std::string> given_replies)
     : random(seed),
-      replies(std::move(answers)),
+      replies(std::move(given_replies)),
       // Settings, their acknowledgement, then one sending per call.
       change_at(random() % (replies.size() + 2)),
       listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {

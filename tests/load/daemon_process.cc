@@ -27,7 +27,9 @@ std::string PortOf(const std::string& url) { return url.substr(url.rfind(':') + 
 
 }  // namespace
 
-DaemonProcess::DaemonProcess(std::string path) : program(std::move(path)) { Start(); }
+DaemonProcess::DaemonProcess(std::string given_program) : program(std::move(given_program)) {
+  Start();
+}
 
 DaemonProcess::~DaemonProcess() { Kill(); }
 
