@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Counts the instructions that the library adds to a call, with callgrind.
+"""Counts the instructions that the library adds to a call, with callgrind, or with an
+emulator where it was compiled for another processor.
 
 Three counts for each function of the library:
 
@@ -9,16 +10,19 @@ own     that, and the C and C++ runtime at their call: texts, lists and the memo
 call    all that the calling thread runs
 
 What gRPC and the generated classes take is not own; a program with nothing but the
-stub would run it as well.
+stub would run it as well. The second count needs callgrind.
 """
 import argparse
 import json
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
+
+import emulated
 
 GROWTH = {"interfaces": "GetAllIPv4", "rates": "GetAvailableSampleRates", "channels": "GetTapping"}
 MOST_CHANNELS = 512
@@ -81,26 +85,36 @@ class Profile:
         return {"frames": self.frames, "own": self.own, "call": self.call}
 
 
-def measure(program, daemon, options, names=()):
-    """Runs the program under callgrind and gives {name: counts}."""
-    with tempfile.TemporaryDirectory() as folder, subprocess.Popen(
-            [daemon, *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as serving:
-        network, dapi = serving.stdout.readline().split()
-        environment = dict(os.environ, network_manager_url=network, grpc_dapi_url=dapi)
+def under_callgrind(program, environment):
+    with tempfile.TemporaryDirectory() as folder:
         out = pathlib.Path(folder, "profile")
         run = subprocess.run(
             ["valgrind", "--tool=callgrind", "--demangle=no", "--compress-pos=no",
              "--collect-atstart=no", "--toggle-collect=measured_call",
-             "--dump-after=measured_call", f"--callgrind-out-file={out}", program, *names],
+             "--dump-after=measured_call", f"--callgrind-out-file={out}", *program],
             env=environment, capture_output=True, text=True, check=False)
-        serving.stdin.close()
         if run.returncode != 0:
-            sys.exit(f"instructions.py: {program} failed: {run.stdout}{run.stderr}")
-        measured = {}
-        for number, name in enumerate(run.stdout.split(), 1):
-            profile = Profile(pathlib.Path(f"{out}.{number}").read_text())
-            measured[name] = profile.counts()
-    return measured
+            sys.exit(f"instructions.py: {program[0]} failed: {run.stdout}{run.stderr}")
+        return {name: Profile(pathlib.Path(f"{out}.{number}").read_text()).counts()
+                for number, name in enumerate(run.stdout.split(), 1)}
+
+
+def under(emulator, library):
+    """The same with an emulator and the shared object of its processor."""
+    return lambda program, environment: emulated.measure(
+        emulator, program, environment, library, owner)
+
+
+def measure(run, program, daemon, options, names=()):
+    """Runs the program and gives {name: counts}."""
+    with subprocess.Popen([*daemon, *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                          text=True) as serving:
+        network, dapi = serving.stdout.readline().split()
+        environment = dict(os.environ, network_manager_url=network, grpc_dapi_url=dapi)
+        try:
+            return run([program, *names], environment)
+        finally:
+            serving.stdin.close()
 
 
 def budgets(path):
@@ -113,7 +127,7 @@ def excesses(measured, grown, allowed):
     """What exceeds its budget, in words."""
     for name, counts in measured.items():
         limit = allowed.get(f"own_instructions.{name}", allowed["own_instructions"])
-        if counts["own"] > limit:
+        if counts.get("own", 0) > limit:
             yield f"{name}: {counts['own']} own instructions, {limit} allowed"
         # Answered without asking a daemon, all of a call is the library's.
         percent = 100 * counts["frames"] / counts["call"]
@@ -121,25 +135,26 @@ def excesses(measured, grown, allowed):
             yield f"{name}: {percent:.2f} % in own functions, {allowed['frames_percent']} % allowed"
     first = {}
     for step in grown:
-        each = step["own"] / step["size"]
+        each = step.get("own", step["frames"]) / step["size"]
         few = first.setdefault(step["what"], each)
         if each > few * (1 + allowed["growth_percent"] / 100):
             yield (f"{step['size']} {step['what']}: {each:.0f} own instructions each, for few of "
                    f"them {few:.0f}; {allowed['growth_percent']} % more is allowed")
 
 
-def growth(program, daemon, sizes):
+def growth(run, program, daemon, sizes):
     """The functions whose work grows with the device, for devices of these sizes."""
     for what, name in GROWTH.items():
         most = MOST_CHANNELS if what == "channels" else max(sizes)
         for size in sorted({min(size, most) for size in sizes}):
-            counts = measure(program, daemon, [f"--{what}", str(size)], [name])[name]
+            counts = measure(run, program, daemon, [f"--{what}", str(size)], [name])[name]
             yield {"what": what, "size": size, **counts}
 
 
 def shares(counts):
-    return f"{counts['frames']:8} {counts['own']:8} {counts['call']:10}" + "".join(
-        f"{100 * counts[part] / counts['call']:8.2f} %" for part in ("frames", "own"))
+    parts = [part for part in ("frames", "own") if part in counts]
+    return "".join(f"{counts[part]:8} " for part in parts) + f"{counts['call']:10}" + "".join(
+        f"{100 * counts[part] / counts['call']:8.2f} %" for part in parts)
 
 
 def main():
@@ -147,19 +162,28 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("program", help="the program instructions")
     parser.add_argument("daemon", help="the program steady_daemon")
+    parser.add_argument("--emulator", type=shlex.split, default=[], metavar="COMMAND",
+                        help="what runs the programs, which are another processor's")
+    parser.add_argument("--library", metavar="FILE", help="the shared object, for that")
     parser.add_argument("--json", metavar="FILE", help="write the counts there")
     parser.add_argument("--budgets", metavar="FILE", help="fail when a count exceeds these")
     parser.add_argument("--growth", type=int, nargs="*", default=[], metavar="SIZE",
                         help="count also for devices with so many interfaces, channels, rates")
     known = parser.parse_args()
-    measured = measure(known.program, known.daemon, [])
-    grown = list(growth(known.program, known.daemon, known.growth)) if known.growth else []
+    run = under(known.emulator, known.library) if known.emulator else under_callgrind
+    daemon = [*known.emulator, known.daemon]
+    measured = measure(run, known.program, daemon, [])
+    grown = list(growth(run, known.program, daemon, known.growth)) if known.growth else []
 
-    print(f"{'':28}   frames      own       call    frames       own")
+    heading = ("  frames       call    frames" if known.emulator else
+               "  frames      own       call    frames       own")
+    print(f"{'':28} {heading}")
     for name, counts in measured.items():
         print(f"{name:28} {shares(counts)}")
     for step in grown:
-        print(f"{step['size']:13} {step['what']:14} {shares(step)} {step['own'] / step['size']:7.1f} own each")
+        own = "own" if "own" in step else "frames"
+        print(f"{step['size']:13} {step['what']:14} {shares(step)} "
+              f"{step[own] / step['size']:7.1f} {own} each")
     if known.json:
         pathlib.Path(known.json).write_text(json.dumps({"calls": measured, "growth": grown}))
     wrong = []
