@@ -58,5 +58,6 @@ static_assert(sizeof(Link) == At(184, 144));
 static_assert(offsetof(cInterfaceInfo, ip) == 0);
 static_assert(offsetof(cInterfaceInfo, netmask) == 16);
 static_assert(offsetof(cInterfaceInfo, mac) == 32);
+static_assert(sizeof(cInterfaceInfo) == 50);
 
 }  // namespace

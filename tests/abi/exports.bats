@@ -1,8 +1,8 @@
 #!/usr/bin/env bats
 # What the shared object exports, and how it is linked.
 #
-# ctest gives: LIBRARY the shared object, MAP its linker version script, SCHEMA
-# the folder of the .proto files, NM and READELF the build's own binutils.
+# ctest gives: LIBRARY the shared object, PROGRAM one that is linked with it, MAP its
+# linker version script, SCHEMA the folder of the .proto files, NM and READELF the build's own binutils.
 
 bats_require_minimum_version 1.5.0
 
@@ -127,8 +127,9 @@ needed() { dynamic_section | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p'; }
 @test "the library links the variants without TLS and without reflection" {
   needed | grep -q '^libgrpc++_unsecure\.so'
   needed | grep -q '^libprotobuf-lite\.so'
-  # What those bring along is loaded too.
-  run ldd "$LIBRARY"
+  # What those bring along is loaded too. The loader tells, which is the program's
+  # own where that was compiled for another processor.
+  run env LD_TRACE_LOADED_OBJECTS=1 "$PROGRAM"
   [ "$status" -eq 0 ]
   run ! grep -E 'lib(grpc\+\+|grpc|protobuf|ssl|crypto)\.so|not found' <<<"$output"
 }
