@@ -15,6 +15,16 @@ fail() {
   exit 1
 }
 
+# listed GROUP...: the packages of these groups of scripts/packages.txt.
+listed() {
+  awk -v groups=" $* " 'NF && index(groups, " " $1 " ") { print $2 }' scripts/packages.txt
+}
+
+# as_root COMMAND...
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
 # A script's help is the comment that it opens with.
 show_help() {
   sed -n '2,/^$/ s/^# \{0,1\}//p' "scripts/$me"

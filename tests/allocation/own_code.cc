@@ -24,7 +24,7 @@ class Functions {
  public:
   explicit Functions(const char* path) {
     // At once: with debugging information there are many megabytes of it.
-    image.resize(std::filesystem::file_size(path));
+    image.resize(static_cast<std::size_t>(std::filesystem::file_size(path)));
     std::ifstream(path, std::ios::binary)
         .read(image.data(), static_cast<std::streamsize>(image.size()));
     const auto& header = At<ElfW(Ehdr)>(0);

@@ -2,7 +2,6 @@
 // needs clients that no other case has used.
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -17,8 +16,8 @@ struct Job {
 };
 
 /// Runs all jobs at the same time and adds up what they counted. This process
-/// must not have used gRPC yet. A job that has not ended after `limit` is ended
-/// and counts as a case that failed.
-Tally RunApart(const std::vector<Job>& jobs, std::chrono::seconds limit);
+/// must not have used gRPC yet. A job that has not ended shortly before the test must
+/// is ended and counts as a case that failed.
+Tally RunApart(const std::vector<Job>& jobs);
 
 }  // namespace faults

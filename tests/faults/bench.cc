@@ -95,8 +95,8 @@ void Bench::WaitUntilHealthy(Tally& tally) {
     LetPass(milliseconds(20));
   } while (std::chrono::steady_clock::now() < end);
   const auto took = std::chrono::steady_clock::now() - start;
-  tally.recovery_ms =
-      std::max<long>(tally.recovery_ms, std::chrono::duration_cast<milliseconds>(took).count());
+  tally.recovery_ms = std::max<long long>(tally.recovery_ms,
+                                          std::chrono::duration_cast<milliseconds>(took).count());
   tally.Count(function.name + " after the fault", seen, healthy);
 }
 

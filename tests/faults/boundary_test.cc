@@ -77,13 +77,11 @@ class UnixSocket : public testing::Test {
                              serving.Give();
                              asked.Wait();
                            }},
-                          {"somebody else",
-                           [&](faults::Tally& counted) {
+                          {"somebody else", [&](faults::Tally& counted) {
                              serving.Wait();
                              counted.Count("call", AsksAsSomebodyElse(), "");
                              asked.Give();
-                           }}},
-                         std::chrono::seconds(60));
+                           }}});
     EXPECT_EQ(tally.cases, 1) << tally.failures;
     return tally.as_expected == 1;
   }

@@ -17,15 +17,12 @@ using std::chrono::milliseconds;
 using support::Function;
 using support::Outcome;
 
-// A guard against a test that never ends, not something to pass or fail by.
-constexpr std::chrono::seconds kLimit{110};
-
 Tally OnEveryFunction(const std::function<void(const Function&, Tally&)>& work) {
   const std::vector<Function> all = support::AllFunctions();
   std::vector<Job> jobs;
   for (const Function& function : all)
     jobs.push_back({function.name, [&function, &work](Tally& tally) { work(function, tally); }});
-  return RunApart(jobs, kLimit);
+  return RunApart(jobs);
 }
 
 // One job per call to a daemon that some function makes, and one for each
@@ -37,7 +34,7 @@ Tally OnEveryStep(const std::function<void(const Function&, std::size_t, Tally&)
     for (std::size_t k = 0; k < function.steps.size(); ++k)
       jobs.push_back(
           {function.name, [&function, &work, k](Tally& tally) { work(function, k, tally); }});
-  return RunApart(jobs, kLimit);
+  return RunApart(jobs);
 }
 
 // What must come out when call k and all after it fail.

@@ -120,13 +120,11 @@ TEST(OtherHttp2Server, AnswersACall_EndsTheProcess) {
   manners.answers = "\0\0\x01\x01\x05\0\0\0\x01\x88"s;  // stream 1: status 200, the end
   const faults::Rogue server(port.Number(), manners);
 
-  const faults::Tally tally = faults::RunApart({{"call",
-                                                 [](faults::Tally& counted) {
+  const faults::Tally tally = faults::RunApart({{"call", [](faults::Tally& counted) {
                                                    std::string name;
                                                    DantegRPC::GetName(name);
                                                    counted.Count("call", true, "");
-                                                 }}},
-                                               std::chrono::seconds(60));
+                                                 }}});
 
   EXPECT_EQ(tally.as_expected, 0);
   EXPECT_NE(tally.failures.find("crashed"), std::string::npos) << tally.failures;

@@ -41,8 +41,8 @@ TEST_P(FaultMatrix, EveryFunctionCopes) {
   const Tally tally = GetParam().run();
 
   std::printf(
-      "fault matrix: %-28s %5d cases, %5d as expected; slowest call %6ld ms; "
-      "works again after %5ld ms; %d gRPC and %d protobuf lines\n",
+      "fault matrix: %-28s %5d cases, %5d as expected; slowest call %6lld ms; "
+      "works again after %5lld ms; %d gRPC and %d protobuf lines\n",
       GetParam().name.c_str(), tally.cases, tally.as_expected, tally.slowest_ms, tally.recovery_ms,
       tally.grpc_lines, tally.protobuf_lines);
   EXPECT_GT(tally.cases, 0);

@@ -50,7 +50,7 @@ Row Make(const std::string& name, const Cases& cases) {
     for (const Function& function : support::AllFunctions())
       for (const Case& one : cases(function)) RunCase(device, function, one, tally);
   };
-  return {name, [=] { return RunApart({{name, work}}, std::chrono::seconds(110)); }};
+  return {name, [=] { return RunApart({{name, work}}); }};
 }
 
 // Each call of a function in turn gets this answer and counts as failed.

@@ -61,7 +61,7 @@ Outcome TimedCall(const support::Function& function, Tally& tally) {
   const auto start = std::chrono::steady_clock::now();
   Outcome seen = support::Call(function);
   const auto took = std::chrono::steady_clock::now() - start;
-  tally.slowest_ms = std::max<long>(
+  tally.slowest_ms = std::max<long long>(
       tally.slowest_ms, std::chrono::duration_cast<std::chrono::milliseconds>(took).count());
   return tally.Own(std::move(seen));
 }

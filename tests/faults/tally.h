@@ -15,7 +15,7 @@ class Tally {
   void Count(const std::string& which, const support::Outcome& seen,
              const support::Outcome& expected);
   /// The same for what is no outcome.
-  void Count(const std::string& which, bool as_expected, const std::string& otherwise);
+  void Count(const std::string& which, bool ok, const std::string& otherwise);
   /// Takes the lines of the runtimes out of what a call printed, and counts them.
   support::Outcome Own(support::Outcome seen);
   /// Adds what another process counted.
@@ -28,8 +28,8 @@ class Tally {
   int as_expected = 0;
   int grpc_lines = 0;
   int protobuf_lines = 0;
-  long slowest_ms = 0;   // the longest single call
-  long recovery_ms = 0;  // the longest time from the end of a fault to a good call
+  long long slowest_ms = 0;   // the longest single call
+  long long recovery_ms = 0;  // the longest time from the end of a fault to a good call
   std::string failures = {};
 };
 

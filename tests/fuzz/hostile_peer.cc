@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <fstream>
@@ -74,7 +75,8 @@ class Victim {
   }
 
  private:
-  // The last line that is not the library's, without time, process and thread.
+  // The last line that is not the library's, nor an emulator's that tells of the signal,
+  // without time, process and thread.
   std::string LastWords() const {
     std::string text(65536, '\0');
     const ssize_t size = pread(errors, text.data(), text.size(), 0);
@@ -82,7 +84,7 @@ class Victim {
     std::istringstream stream(text);
     std::string last;
     for (std::string line; std::getline(stream, line);)
-      if (line.rfind("libNetworkgRPC: ", 0) != 0) last = line;
+      if (line.rfind("libNetworkgRPC: ", 0) != 0 && line.rfind("qemu: ", 0) != 0) last = line;
     static const std::regex stamp("^[EID][0-9]{4} [0-9:.]+ +[0-9]+ ");
     return std::regex_replace(last, stamp, "");
   }
@@ -111,9 +113,8 @@ std::deque<std::string> HonestReplies(const support::Device& device, const Funct
 }
 
 bool IsKnown(const std::string& end, const std::vector<std::regex>& known) {
-  for (const std::regex& pattern : known)
-    if (std::regex_match(end, pattern)) return true;
-  return false;
+  return std::any_of(known.begin(), known.end(),
+                     [&](const std::regex& pattern) { return std::regex_match(end, pattern); });
 }
 
 int Run(const Options& options) {

@@ -65,7 +65,7 @@ configure() {
   local project="$1"
   shift
   "$CMAKE" -S "$BATS_TEST_DIRNAME/$project" -B "$BATS_TEST_TMPDIR/build" \
-    -DCMAKE_PREFIX_PATH="$PREFIX" "$@"
+    -DCMAKE_PREFIX_PATH="$PREFIX" -DCMAKE_FIND_ROOT_PATH="$PREFIX" "$@"
 }
 
 # find_in_project LINE...: configures a project that consists of these lines.
@@ -74,7 +74,7 @@ find_in_project() {
   printf '%s\n' 'cmake_minimum_required(VERSION 3.25)' 'project(asking LANGUAGES CXX)' "$@" \
     >"$BATS_TEST_TMPDIR/project/CMakeLists.txt"
   "$CMAKE" -S "$BATS_TEST_TMPDIR/project" -B "$BATS_TEST_TMPDIR/project/build" \
-    -DCMAKE_PREFIX_PATH="$PREFIX"
+    -DCMAKE_PREFIX_PATH="$PREFIX" -DCMAKE_FIND_ROOT_PATH="$PREFIX"
 }
 
 # The output of the last `run`, however CMake broke its lines.

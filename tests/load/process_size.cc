@@ -7,14 +7,10 @@
 #include <fstream>
 #include <iterator>
 
+#include "support/memory.h"
+
 namespace load {
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kMemoryTells = false;
-#else
-constexpr bool kMemoryTells = true;
-#endif
 
 long Entries(const char* folder) {
   return static_cast<long>(std::distance(std::filesystem::directory_iterator(folder), {}));
@@ -47,7 +43,8 @@ ProcessSize Measure() {
 std::string WhatGrew(const std::vector<ProcessSize>& samples) {
   if (samples.size() < 8) return "too few samples to tell; ";
   std::string grew;
-  if (kMemoryTells) grew += Grew(samples, &ProcessSize::resident_kib, 1024, "resident KiB");
+  if (support::kMemoryTells)
+    grew += Grew(samples, &ProcessSize::resident_kib, 1024, "resident KiB");
   return grew + Grew(samples, &ProcessSize::threads, 2, "threads") +
          Grew(samples, &ProcessSize::descriptors, 1, "descriptors");
 }

@@ -172,7 +172,7 @@ state_of_connection_to() {
   } >"$project/CMakeLists.txt"
   # shellcheck disable=SC2120 # run passes them
   configure() {
-    "$CMAKE" -S "$project" -B "$project/build" -DCMAKE_PREFIX_PATH="$prefix" \
+    "$CMAKE" -S "$project" -B "$project/build" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_FIND_ROOT_PATH="$prefix" \
       -DCMAKE_CXX_COMPILER="$CXX" "$@"
   }
   # shellcheck disable=SC2119 # none here

@@ -1,0 +1,6 @@
+# For 64-bit ARM processors, with Debian's compiler.
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(triplet aarch64-linux-gnu)
+set(architecture arm64)
+set(emulator qemu-aarch64-static)
+include("${CMAKE_CURRENT_LIST_DIR}/debian.cmake")
