@@ -15,6 +15,9 @@ import re
 import subprocess
 import sys
 
+# What scripts/cross has counted, if it has: {architecture: instructions.json}.
+EMULATED = ("arm64", "armhf")
+
 
 def number(value, digits=1):
     return f"{value:,.{digits}f}"
@@ -76,6 +79,10 @@ def gather(folder, build, mode):
             whole["optimised"] = content["context"]["networkgrpc_optimised"] == "yes"
             content = content["benchmarks"]
         whole[part.stem] = content
+    for architecture in EMULATED:
+        counted_there = build.parent / architecture / "tests/footprint/instructions.json"
+        if counted_there.exists():
+            whole[architecture] = json.loads(counted_there.read_text())
     for part in folder.glob("*.txt"):
         whole[part.stem] = part.read_text().strip()
     return whole
@@ -140,6 +147,17 @@ def instructions_tables(data):
         yield table
 
 
+def emulated_tables(data):
+    for architecture in EMULATED:
+        if architecture in data:
+            table = Table(f"Instructions of a call on {architecture}", "Function", "own functions", "call",
+                          "own functions, %")
+            for name, run in data[architecture]["calls"].items():
+                table.add(name, number(run["frames"], 0), number(run["call"], 0),
+                          number(100 * run["frames"] / run["call"], 2))
+            yield table
+
+
 def threads_table(data):
     table = Table("Callers at once", "Callers", "calls/s", "stub, calls/s", "throughput to the stub's",
                   "p99, µs", "stub, µs", "stub's p99 to it")
@@ -187,6 +205,7 @@ def tables(data):
     yield sizes_table(data)
     yield growth_table(data)
     yield from instructions_tables(data)
+    yield from emulated_tables(data)
     yield threads_table(data)
     yield from start_tables(data)
     yield neighbours_table(data)

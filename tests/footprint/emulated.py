@@ -24,6 +24,7 @@ class Functions:
         self.starts = [start for start, _, _ in self.rows]
 
     def at(self, address):
+        """Which function is there; none outside the object."""
         place = bisect.bisect_right(self.starts, address) - 1
         start, size, name = self.rows[max(place, 0)]
         return name if start <= address < start + size else ""
@@ -83,6 +84,7 @@ def measure(emulator, program, environment, library, owner):
         base = base_of(name, next(pathlib.Path(folder).glob("loader.*")).read_text())
     counted = {}
     for function, call in zip(measured, calls, strict=True):
-        own = sum(count for at, count in call.items() if owner(functions.at(at - base), name) == "own")
+        places = ((functions.at(at - base), count) for at, count in call.items())
+        own = sum(count for place, count in places if place and owner(place, name) == "own")
         counted[function] = {"frames": own, "call": sum(call.values())}
     return counted

@@ -305,6 +305,25 @@ TEST_F(InterfaceInfo, AllIPv4_RepeatedIds_TakeTheFirstOfEachList) {
             "{mode=1 name=b ip=third netmask=live mask gateway= mac= dns= active=1 id=5}]");
 }
 
+TEST_F(InterfaceInfo, AllIPv4_DescribedInAnotherOrder_MatchesById) {
+  Script({Stored(support::kLan2, nm::STATIC, "s2"), Stored(support::kLan1, nm::STATIC, "s1"),
+          Stored(support::kLan2, nm::DYNAMIC, "late"), Stored(support::kLan0, nm::STATIC, "s0")},
+         {Live(support::kLan2, true, "l2"), Live(support::kLan0, true, "l0"),
+          Live(support::kLan0, false, "late")});
+
+  EXPECT_TRUE(NetworkgRPC::GetAllIPv4(out));
+  ASSERT_EQ(out.size(), 4U);
+  EXPECT_EQ(Show(out[0]),
+            "{mode=1 name=lan0 ip=l0 netmask=live mask gateway= mac=02:00:00:00:00:10 dns= "
+            "active=1 id=10}");
+  EXPECT_EQ(Show(out[1]),
+            "{mode=1 name=lan1 ip=s1 netmask=stored mask gateway= mac=02:00:00:00:00:11 dns= "
+            "active=0 id=11}");
+  EXPECT_EQ(Show(out[2]),
+            "{mode=1 name=lan2 ip=l2 netmask=live mask gateway= mac=02:00:00:00:00:12 dns= "
+            "active=1 id=12}");
+}
+
 TEST_F(InterfaceInfo, AllIPv4_NoInterfaces_AsksForNoneAndAppendsNone) {
   Answer("GetAvailableInterfaces", {""});
   Script({}, {});
