@@ -4,20 +4,23 @@ import os
 import subprocess
 import sys
 import tempfile
+from contextlib import ExitStack
 from pathlib import Path
-from typing import Iterator
+from typing import Callable, Iterator
 
 import pytest
 
 
 class Device:
-    """One run of the simulator with a control socket."""
+    """One run of the simulator, with its options and a control socket."""
 
-    def __init__(self, folder: Path) -> None:
+    def __init__(self, folder: Path, *options: str) -> None:
         self.simulator = os.environ["SIMULATOR"]
         self.socket = folder / "control" / "socket"
         self.process = subprocess.Popen(
-            [self.simulator, "--control", str(self.socket)], stdout=subprocess.PIPE, text=True
+            [self.simulator, "--control", str(self.socket), *options],
+            stdout=subprocess.PIPE,
+            text=True,
         )
         assert self.process.stdout is not None
         words = self.process.stdout.readline().split()
@@ -35,21 +38,31 @@ class Device:
 
 
 @pytest.fixture
-def device() -> Iterator[Device]:
+def start_device() -> Iterator[Callable[..., Device]]:
     # The path of a socket must be short, pytest's own folders are not.
-    with tempfile.TemporaryDirectory(prefix="device-") as folder:
-        started = Device(Path(folder))
-        yield started
-        started.end()
+    with ExitStack() as started:
+
+        def start(*options: str) -> Device:
+            folder = started.enter_context(tempfile.TemporaryDirectory(prefix="device-"))
+            device = Device(Path(folder), *options)
+            started.callback(device.end)
+            return device
+
+        yield start
+
+
+@pytest.fixture
+def device(start_device) -> Device:
+    return start_device()
 
 
 @pytest.fixture
 def run():
-    """Runs a program in a process of its own: the library reads its environment once."""
+    """Runs a program: the library reads its environment once."""
 
     def run_program(*arguments: str, **environment: str) -> "subprocess.CompletedProcess[str]":
         return subprocess.run(
-            [sys.executable, *arguments],
+            arguments,
             env={**os.environ, **environment},
             capture_output=True,
             text=True,
@@ -64,7 +77,7 @@ def ask(device: Device, run):
     """Runs Python code that asks the simulated device; what it prints, or the failure."""
 
     def ask_device(code: str) -> str:
-        ended = run("-c", "from networkgrpc import *\n" + code, **device.environment)
+        ended = run(sys.executable, "-c", "from networkgrpc import *\n" + code, **device.environment)
         assert ended.returncode == 0, ended.stderr
         return ended.stdout
 

@@ -3,6 +3,7 @@
 import json
 import os
 import re
+import sys
 from pathlib import Path
 
 import networkgrpc
@@ -10,6 +11,7 @@ import pytest
 from networkgrpc import dante, network
 
 SOURCES = Path(os.environ["SOURCE_TREE"])
+EXAMPLES = SOURCES / "python" / "examples"
 
 # Nobody listens there.
 NOBODY = {"network_manager_url": "127.0.0.1:1", "grpc_dapi_url": "127.0.0.1:1"}
@@ -139,7 +141,7 @@ def test_absent_daemon_raises_from_readers_and_changers(run):
         "    except CallFailed as failed:\n"
         "        print(failed)\n"
     )
-    ended = run("-c", code, **NOBODY)
+    ended = run(sys.executable, "-c", code, **NOBODY)
     assert ended.stdout.splitlines() == [
         "networkgrpc.dante.get_latency() was not done",
         "networkgrpc.dante.reboot() was not done",
@@ -189,33 +191,102 @@ def test_records_are_made_compared_and_shown_like_dataclasses():
 
 
 def test_examples_tell_what_those_in_cxx_and_c_do(device, run):
-    examples = SOURCES / "python" / "examples"
-    overview = run(str(examples / "overview.py"), **device.environment)
+    overview = run(sys.executable, str(EXAMPLES / "overview.py"), **device.environment)
     assert overview.returncode == 0, overview.stderr
     assert overview.stdout.startswith("Amplifier-520001 on amplifier, 48000 Hz\ninput 1: 01\n")
-    control = run(str(examples / "control.py"), **device.environment)
+    control = run(sys.executable, str(EXAMPLES / "control.py"), **device.environment)
     assert control.stdout == (
         "control 192.168.10.57 netmask 255.255.255.0 MAC 02:54:41:52:00:02\nswitch mode 0\n"
     )
 
 
+# Texts that take fewer or more columns of a terminal than they have characters.
+WIDE = "e\u0301\u6f22"
+IN_USE = {
+    "network": {
+        "ntp": [],
+        "switch_mode": 1,
+        "interfaces": [{"name": "lan0"}, {"name": WIDE}, {"name": "lan1", "mode": "static", "ip": "10.0.0.4"}],
+    },
+    "dante": {
+        "aes67_available": False,
+        "transmit_disabled": True,
+        "tx_channels": [{"id": 1, "name": WIDE}, {"id": 2, "name": "\x1b[2J"}],
+        "routing": [
+            {"rx_channel": 1, "raw": {"ip": "239.69.0.1"}},
+            {"rx_channel": 2, "device": "Box", "channel": WIDE},
+        ],
+    },
+}
+
+
+@pytest.mark.parametrize("state", [{}, IN_USE], ids=["factory", "in use"])
+def test_demo_prints_and_does_what_that_in_cxx_does(start_device, run, tmp_path, state):
+    (tmp_path / "state.json").write_text(json.dumps({"schema": 1, **state}), encoding="utf-8")
+    seen = []
+    for program in ([os.environ["DEMO"]], [sys.executable, str(EXAMPLES / "demo.py")]):
+        device = start_device("--state", str(tmp_path / "state.json"))
+        printed = [run(*program, **device.environment) for _ in range(2)]
+        assert [p.returncode for p in printed] == [0, 0], printed
+        seen.append(([p.stdout for p in printed], device.ctl("state")))
+    assert "Changes\n" in seen[0][0][1]
+    assert seen[0] == seen[1]
+
+
+@pytest.mark.parametrize(
+    "options, told, changes",
+    [
+        (
+            ["--fault", "SetRxChannelLink:refuse"],
+            r"networkgrpc\.dante\.set_tapping\(link=ChannelLink\(rx_channel_id=1, .*\) was not done",
+            1,
+        ),
+        (["--tx-channels", "0"], "transmit channels: expected at least one, saw none", 0),
+    ],
+    ids=["refused", "nothing there"],
+)
+def test_demo_tells_what_failed_and_what_was_changed_before(
+    start_device, run, options, told, changes
+):
+    demo = run(sys.executable, str(EXAMPLES / "demo.py"), **start_device(*options).environment)
+    assert demo.returncode == 1
+    assert re.search(rf"^demo\.py: FAILED: {told}$", demo.stderr, re.M), demo.stderr
+    after = demo.stdout.partition("Changes\n")[2]
+    assert len(after.splitlines()) == (changes + 1 if changes else 0)
+
+
+def test_demo_tells_a_change_that_the_device_forgot(device, run):
+    demo = run(
+        sys.executable, "-c",
+        "import runpy\n"
+        "from networkgrpc import dante\n"
+        "dante.set_tx_channel_name = lambda channel: None\n"
+        f"runpy.run_path({str(EXAMPLES / 'demo.py')!r}, run_name='__main__')\n",
+        **device.environment,
+    )
+    assert (demo.returncode, demo.stderr) == (
+        1,
+        "demo.py: FAILED: Name of transmit channel 1: expected 'Bühne links', saw '01'\n",
+    )
+
+
 def test_readme_does_what_it_shows(device, run):
     code = re.search(r"```python\n(.*?)```", (SOURCES / "README.md").read_text(encoding="utf-8"), re.S)
-    shown = run("-c", code[1], **device.environment)
+    shown = run(sys.executable, "-c", code[1], **device.environment)
     assert shown.stdout == "amplifier\n", shown.stderr
     assert '"name": "Studio B"' in device.ctl("state")
 
 
 def test_stubs_say_what_the_modules_have(run):
     checked = run(
-        "-m", "mypy.stubtest", "networkgrpc", "--mypy-config-file", str(SOURCES / "tests/python/mypy.ini")
+        sys.executable, "-m", "mypy.stubtest", "networkgrpc", "--mypy-config-file", str(SOURCES / "tests/python/mypy.ini")
     )
     assert checked.returncode == 0, checked.stdout + checked.stderr
 
 
 def test_examples_are_typed(run):
     checked = run(
-        "-m", "mypy", "--strict", "--cache-dir", os.environ["MYPY_CACHE"],
-        *map(str, (SOURCES / "python" / "examples").glob("*.py")),
+        sys.executable, "-m", "mypy", "--strict", "--cache-dir", os.environ["MYPY_CACHE"],
+        *map(str, EXAMPLES.glob("*.py")),
     )
     assert checked.returncode == 0, checked.stdout + checked.stderr
