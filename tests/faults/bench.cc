@@ -47,11 +47,13 @@ Bench::Bench(const Function& tested, Start start) : function(tested) {
   const std::string url = "ipv4:127.0.0.1:" + std::to_string(port.Number());
   setenv("network_manager_url", url.c_str(), 1);
   setenv("grpc_dapi_url", url.c_str(), 1);
+  if (start == Start::kConnected) daemon = std::make_unique<ChildDaemon>(port.Number());
+  next = std::make_unique<ChildDaemon>(port.Number());
   if (start == Start::kConnected) Connect();
 }
 
 void Bench::Connect() {
-  daemon = std::make_unique<ChildDaemon>(port.Number());
+  daemon->Serve();
   daemon->Answer({support::NetworkManagerPath("GetAvailableInterfaces"), ""}, Interfaces());
   NetworkManagerClient::GetInstance();
   DAPIClient::GetInstance();
@@ -67,7 +69,8 @@ void Bench::Connect() {
 }
 
 void Bench::StartDaemon() {
-  daemon = std::make_unique<ChildDaemon>(port.Number());
+  daemon = std::move(next);
+  daemon->Serve();
   for (const Step& step : function.steps) daemon->Answer({step.path, step.request}, step.reply);
 }
 

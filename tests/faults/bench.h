@@ -29,7 +29,7 @@ class Bench {
 
   explicit Bench(const support::Function& tested, Start start = Start::kConnected);
 
-  /// Starts the daemon, which answers every call of the function well.
+  /// Starts the daemon, which answers every call of the function well. Once.
   void StartDaemon();
 
   /// Calls again and again until the function works: gRPC tells nobody when it
@@ -46,6 +46,11 @@ class Bench {
 
  private:
   void Connect();
+
+  // Its process is there before gRPC has threads in this one: QEMU, emulating another
+  // processor, now and then hangs in a lock of its own when a process with threads
+  // starts another.
+  std::unique_ptr<ChildDaemon> next;
 };
 
 }  // namespace faults

@@ -30,7 +30,8 @@ ReservedPort::ReservedPort() : descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLO
 
 ReservedPort::~ReservedPort() { close(descriptor); }
 
-ChildDaemon::ChildDaemon(int port, const std::string& host) {
+ChildDaemon::ChildDaemon(int port, const std::string& host)
+    : address(host + ":" + std::to_string(port)) {
   std::array<int, 2> down{};
   std::array<int, 2> up{};
   if (pipe2(down.data(), O_CLOEXEC) != 0 || pipe2(up.data(), O_CLOEXEC) != 0)
@@ -42,7 +43,6 @@ ChildDaemon::ChildDaemon(int port, const std::string& host) {
   // What a daemon prints is nothing that the library printed.
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   std::string program = FAULT_DAEMON;
-  std::string address = host + ":" + std::to_string(port);
   const std::array<char*, 3> command = {program.data(), address.data(), nullptr};
   const int failure =
       posix_spawn(&process, FAULT_DAEMON, &actions, nullptr, command.data(), environ);
@@ -52,13 +52,16 @@ ChildDaemon::ChildDaemon(int port, const std::string& host) {
   commands = fdopen(down[1], "w");
   answers = fdopen(up[0], "r");
   if (failure != 0) throw std::runtime_error("cannot run " + program);
-  if (Ask("") != "ready\n") throw std::runtime_error("no daemon on " + address);
 }
 
 ChildDaemon::~ChildDaemon() {
   Kill();
   std::fclose(commands);
   std::fclose(answers);
+}
+
+void ChildDaemon::Serve() {
+  if (Ask("serve") != "ready\n") throw std::runtime_error("no daemon on " + address);
 }
 
 void ChildDaemon::Answer(const support::Request& request, const std::string& reply) {
@@ -90,10 +93,8 @@ void ChildDaemon::Freeze() {
 void ChildDaemon::Thaw() { kill(process, SIGCONT); }
 
 std::string ChildDaemon::Ask(const std::string& command) {
-  if (!command.empty()) {
-    std::fputs((command + "\n").c_str(), commands);
-    std::fflush(commands);
-  }
+  std::fputs((command + "\n").c_str(), commands);
+  std::fflush(commands);
   std::array<char, 64> line{};
   return std::fgets(line.data(), line.size(), answers) != nullptr ? line.data() : "";
 }

@@ -30,13 +30,16 @@ class ReservedPort {
 /// A scripted daemon that serves both services on one port.
 class ChildDaemon {
  public:
-  /// Serves `host`:`port` when this returns.
+  /// Starts its process, which serves nothing yet.
   explicit ChildDaemon(int port, const std::string& host = "127.0.0.1");
   /// Kills it.
   ~ChildDaemon();
 
   ChildDaemon(const ChildDaemon&) = delete;
   ChildDaemon& operator=(const ChildDaemon&) = delete;
+
+  /// Serves `host`:`port` when this returns.
+  void Serve();
 
   /// Answers this very request with these bytes from now on, or never.
   void Answer(const support::Request& request, const std::string& reply);
@@ -53,6 +56,7 @@ class ChildDaemon {
  private:
   std::string Ask(const std::string& command);
 
+  std::string address;
   pid_t process = 0;
   std::FILE* commands = nullptr;
   std::FILE* answers = nullptr;

@@ -1,7 +1,7 @@
-// A scripted daemon as a program: serves the address that it is given, takes
-// commands on standard input and answers each with one line. Ends with the test
-// that started it.
-//   answer PATH REQUEST REPLY | hang PATH REQUEST x | wait COUNT | forget
+// A scripted daemon as a program: serves the address that it is given when it is
+// told to, takes commands on standard input and answers each with one line. Ends
+// with the test that started it.
+//   serve, and then: answer PATH REQUEST REPLY | hang PATH REQUEST x | wait COUNT | forget
 #include <signal.h>
 #include <sys/prctl.h>
 
@@ -43,9 +43,10 @@ int main(int argc, char** argv) {
   if (argc != 2) return 2;
   // A stopped process would not see the end of its input.
   prctl(PR_SET_PDEATHSIG, SIGKILL);
+  std::string line;
+  if (!std::getline(std::cin, line) || line != "serve") return 2;
   support::ScriptedDaemon daemon(argv[1]);
   std::cout << "ready" << std::endl;
-  for (std::string line; std::getline(std::cin, line);)
-    std::cout << Obey(daemon, line) << std::endl;
+  while (std::getline(std::cin, line)) std::cout << Obey(daemon, line) << std::endl;
   return 0;
 }

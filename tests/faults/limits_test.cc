@@ -138,6 +138,7 @@ TEST(StuckHandler, CallWaitsUntilTheDaemonDies) {
   const faults::ReservedPort port;
   setenv("network_manager_url", ("127.0.0.1:" + std::to_string(port.Number())).c_str(), 1);
   faults::ChildDaemon daemon(port.Number());
+  daemon.Serve();
   daemon.Hang({NetworkManagerPath("GetHostname"), ""});
   const support::CapturedStderr captured;
 
@@ -160,6 +161,7 @@ TEST(Full, DaemonFreezesAfterTheSecondPing_IsNotNoticed) {
   const faults::ReservedPort port;
   setenv("network_manager_url", ("127.0.0.1:" + std::to_string(port.Number())).c_str(), 1);
   faults::ChildDaemon daemon(port.Number());
+  daemon.Serve();
   daemon.Hang({NetworkManagerPath("GetHostname"), ""});
   const support::CapturedStderr captured;
 

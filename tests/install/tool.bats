@@ -63,5 +63,5 @@ with_data() { XDG_DATA_DIRS="$PREFIX/$DATADIR:/usr/share" HOME="$BATS_TEST_TMPDI
 @test "fish finds the installed completion" {
   start_simulator
   offers() { [[ $(with_data fish -c "complete -C 'networkgrpc interface stored lan1'") == lan1* ]]; }
-  wait_until 20 offers
+  wait_until offers
 }

@@ -62,7 +62,7 @@ $block" 3>&- <"/dev/fd/$device_input"
       # The states are written when a device ends by itself.
       if [[ $example == *--save* ]]; then
         kill -TERM "${device_pids[0]}"
-        wait_until 20 test -s hall.json
+        wait_until test -s hall.json
       fi
       served=$((served + 1))
     fi

@@ -25,11 +25,11 @@ is_output() { [ "$("${@:2}")" = "$1" ]; }
 
 @test "Complete_LiveNames_AreThoseOfTheDevice" {
   start_simulator --tx-channels 2
-  wait_until 20 is_output "lan0 lan1 lan2 lan3" complete interface stored ''
-  wait_until 20 is_output lan3 complete interface set --name lan3
-  wait_until 20 is_output "0 1 2" complete switch set ''
-  wait_until 20 is_output "1 2" complete channel rename ''
-  wait_until 20 is_output $'1\tRedundant' tool __complete switch set 1
+  wait_until is_output "lan0 lan1 lan2 lan3" complete interface stored ''
+  wait_until is_output lan3 complete interface set --name lan3
+  wait_until is_output "0 1 2" complete switch set ''
+  wait_until is_output "1 2" complete channel rename ''
+  wait_until is_output $'1\tRedundant' tool __complete switch set 1
   [ "$(complete dante aes67 '')" = "on off" ]
 }
 
@@ -37,7 +37,7 @@ is_output() { [ "$("${@:2}")" = "$1" ]; }
   start_simulator
   network="$network_manager_url"
   absent_device
-  wait_until 20 is_output lan2 complete --network-manager "$network" interface mac lan2
+  wait_until is_output lan2 complete --network-manager "$network" interface mac lan2
 }
 
 @test "Complete_DaemonAbsent_IsSilent" {
@@ -56,10 +56,10 @@ is_output() { [ "$("${@:2}")" = "$1" ]; }
 
 @test "Complete_OptionWithItsValueInOneWord_OffersThatWord" {
   start_simulator
-  wait_until 20 is_output --name=lan3 complete interface set --name=lan3
+  wait_until is_output --name=lan3 complete interface set --name=lan3
   network="$network_manager_url"
   absent_device
-  wait_until 20 is_output lan2 complete --network-manager="$network" interface mac lan2
+  wait_until is_output lan2 complete --network-manager="$network" interface mac lan2
 }
 
 @test "Complete_Option_IsOfferedOnce" {
@@ -78,13 +78,13 @@ is_output() { [ "$("${@:2}")" = "$1" ]; }
   printf '{"schema": 1, "network": {"interfaces": [{"name": "a\\nb"}, {"name": "lan1"}]}}' \
     >"$BATS_TEST_TMPDIR/state.json"
   start_simulator --state "$BATS_TEST_TMPDIR/state.json"
-  wait_until 20 is_output lan1 complete interface stored ''
+  wait_until is_output lan1 complete interface stored ''
 }
 
 @test "Complete_DescriptionThatALineCannotHold_SpoilsNoOther" {
   start_simulator --tx-channels 2
   tool channel rename 1 $'two\nlines\tand a tab'
-  wait_until 20 is_output $'1\ttwo?lines?and a tab\n2\t02' tool __complete channel rename ''
+  wait_until is_output $'1\ttwo?lines?and a tab\n2\t02' tool __complete channel rename ''
 }
 
 # type_into SHELL LINE...: a shell at a terminal, without its user's settings and
@@ -127,18 +127,18 @@ in_fish() {
 @test "Complete_Bash_CompletesWithWhatTheDeviceHas" {
   start_simulator
   # Elsewhere only as an option, whose value bash takes apart.
-  wait_until 30 has_completed in_bash
+  wait_until has_completed in_bash
 }
 
 @test "Complete_Zsh_CompletesWithWhatTheDeviceHas" {
   start_simulator
-  wait_until 30 has_completed in_zsh
+  wait_until has_completed in_zsh
 }
 
 @test "Complete_Fish_OffersWhatTheDeviceHas" {
   start_simulator
-  wait_until 20 is_output "lan0 lan1 lan2 lan3" in_fish 'networkgrpc interface stored '
-  wait_until 20 is_output --name=lan3 in_fish 'networkgrpc interface set --name=lan3'
+  wait_until is_output "lan0 lan1 lan2 lan3" in_fish 'networkgrpc interface stored '
+  wait_until is_output --name=lan3 in_fish 'networkgrpc interface set --name=lan3'
 }
 
 @test "Complete_OptionWithItsValueInOneWord_BashCompletesThatWord" {

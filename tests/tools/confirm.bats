@@ -42,24 +42,24 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
 
 @test "ConfirmWithin_ToolIsKilled_PutsThePreviousOneBack" {
   "$TOOL" "${change[@]}" --confirm-within 60 <&"$device_input" 2>/dev/null 3>&- &
-  wait_until 10 is_set
+  wait_until is_set
   kill -KILL $!
-  wait_until 10 is_back
+  wait_until is_back
   [ "$(in_use)" = 192.168.10.57 ]
 }
 
 @test "ConfirmWithin_ItsProcessGroupIsKilled_PutsThePreviousOneBack" {
   setsid "$TOOL" "${change[@]}" --confirm-within 60 <&"$device_input" 2>/dev/null 3>&- &
-  wait_until 10 is_set
+  wait_until is_set
   kill -KILL -- -$!
-  wait_until 10 is_back
+  wait_until is_back
 }
 
 @test "ConfirmWithin_ToolIsStopped_PutsThePreviousOneBackInTime" {
   "$TOOL" "${change[@]}" --confirm-within 1 <&"$device_input" 2>"$BATS_TEST_TMPDIR/asks" 3>&- &
-  wait_until 10 grep -q 'Keep the new' "$BATS_TEST_TMPDIR/asks"
+  wait_until grep -q 'Keep the new' "$BATS_TEST_TMPDIR/asks"
   kill -STOP $!
-  wait_until 10 is_back
+  wait_until is_back
   kill -KILL $!
 }
 
@@ -67,9 +67,9 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
   # script's end closes the terminal and hangs up whoever is on it.
   script --quiet --command "$TOOL ${change[*]} --confirm-within 60" /dev/null \
     <&"$device_input" >/dev/null 2>&1 3>&- &
-  wait_until 10 is_set
+  wait_until is_set
   kill -KILL $!
-  wait_until 10 is_back
+  wait_until is_back
 }
 
 @test "ConfirmWithin_ChangeTakesLongerThanTheLimit_StillAsks" {
@@ -83,7 +83,7 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
   stop_devices
   start_controlled_simulator --fault SetNetworkConfig:freeze,times=1
   run -3 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 60 --timeout 0.5 <<<y
-  wait_until 10 stored_twice
+  wait_until stored_twice
 }
 
 @test "ConfirmWithin_DaemonFailsMeanwhile_TriesAgain" {

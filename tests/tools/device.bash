@@ -7,7 +7,8 @@ unset http_proxy https_proxy grpc_proxy no_proxy network_manager_url grpc_dapi_u
 unset dante_primary_interface_env dante_secondary_interface_env control_interface_env
 unset NO_COLOR
 
-start_limit=20 # seconds
+# Seconds to wait for what should be there at once; PATIENCE where all is slower.
+patience=${PATIENCE:-30}
 device_pids=()
 
 # start_device COMMAND...: runs a program that says where it listens, and points
@@ -16,7 +17,7 @@ start_device() {
   local line='' fd
   exec {fd}< <(exec "$@" 3>&- </dev/fd/"$device_input" 2>/dev/null)
   device_pids+=("$!")
-  read -r -t "$start_limit" -u "$fd" line
+  read -r -t "$patience" -u "$fd" line
   [[ $line == "ready network_manager_url="* ]]
   # shellcheck disable=SC2086 # words of one line
   export ${line#ready }
@@ -57,10 +58,9 @@ absent_device() {
 # No test waits for a tool that hangs.
 tool() { timeout 30 "$TOOL" "$@" </dev/null; }
 
-# wait_until SECONDS COMMAND...: looks again and again until the command succeeds.
+# wait_until COMMAND...: looks again and again until the command succeeds.
 wait_until() {
-  local end=$((SECONDS + $1))
-  shift
+  local end=$((SECONDS + patience))
   until "$@"; do
     [ "$SECONDS" -lt "$end" ] || return 1
     read -r -t 0.05 -u "$device_input" || true # a pause: nothing comes

@@ -15,7 +15,7 @@ setup() {
 watch() {
   "$TOOL" watch --interval 0.1 "$@" >"$seen" 2>/dev/null 3>&- &
   watcher=$!
-  wait_until 10 grep -q started "$seen"
+  wait_until grep -q started "$seen"
 }
 
 teardown() {
@@ -26,20 +26,20 @@ teardown() {
 @test "Watch_SettingChanges_PrintsPathAndBothValues" {
   watch
   tool hostname set other
-  wait_until 10 grep -qx 'network.hostname: "amplifier" -> "other"' "$seen"
+  wait_until grep -qx 'network.hostname: "amplifier" -> "other"' "$seen"
 }
 
 @test "Watch_Json_PrintsOneObjectALine" {
   watch --json
   tool channel rename 1 Left
-  wait_until 10 grep -q 'tx_channels\[1\].name' "$seen"
+  wait_until grep -q 'tx_channels\[1\].name' "$seen"
   /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <"$seen"
 }
 
 @test "Watch_DaemonGoesAway_SaysSoOnce" {
   watch
   stop_devices
-  wait_until 10 grep -q 'cannot be reached' "$seen"
+  wait_until grep -q 'cannot be reached' "$seen"
   [ "$(grep -c 'cannot be reached' "$seen")" -eq 1 ]
 }
 
@@ -48,11 +48,11 @@ teardown() {
   start_controlled_simulator
   watch
   control stop DAPI
-  wait_until 10 grep -q 'cannot be reached' "$seen"
+  wait_until grep -q 'cannot be reached' "$seen"
   control start DAPI
-  wait_until 10 grep -qx 'daemons: null -> "answer again"' "$seen"
+  wait_until grep -qx 'daemons: null -> "answer again"' "$seen"
   tool dante latency 2000
-  wait_until 10 grep -qx 'dante.latency: 1000 -> 2000' "$seen"
+  wait_until grep -qx 'dante.latency: 1000 -> 2000' "$seen"
 }
 
 @test "Watch_DaemonNeverAnswers_EndsAtTheTimeLimit" {
