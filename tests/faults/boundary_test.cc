@@ -51,13 +51,13 @@ class Signal {
 // A socket of a daemon in a folder of its own, which only its user can enter.
 class UnixSocket : public testing::Test {
  protected:
-  UnixSocket() {
+  void SetUp() override {
     std::string made = testing::TempDir() + "boundary-XXXXXX";
     EXPECT_NE(mkdtemp(made.data()), nullptr);
     folder = made;
     setenv("network_manager_url", ("unix:" + Socket().string()).c_str(), 1);
   }
-  ~UnixSocket() override {
+  void TearDown() override {
     chmod(folder.c_str(), S_IRWXU);
     std::filesystem::remove_all(folder);
   }

@@ -114,7 +114,7 @@ bool NetworkgRPC::SetHostname(const std::string& name) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
-  const int max = static_cast<std::int8_t>(input.Byte());
+  const int max = input.SignedByte();
   given.clear();
   CheckRecord(max);
   int mode = 99;

@@ -31,6 +31,12 @@ class Input {
     return byte.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(byte[0]);
   }
 
+  /// -128 to 127.
+  int SignedByte() {
+    const int byte = Byte();
+    return byte < 128 ? byte : byte - 256;
+  }
+
   std::string_view Bytes(std::size_t count) {
     const std::string_view bytes = rest.substr(0, count);
     rest.remove_prefix(bytes.size());

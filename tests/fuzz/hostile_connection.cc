@@ -139,7 +139,7 @@ void HostileConnection::ChangeFrames(std::vector<Frame>& frames) {
       std::swap(frame, frames[Below(frames.size())]);
       break;
     default: {
-      std::string noise(4 * (byte % 4U), '\0');
+      std::string noise(std::size_t{4} * (byte % 4), '\0');
       for (char& c : noise) c = static_cast<char>(random());
       frames.push_back({static_cast<std::uint8_t>(byte % 11), static_cast<std::uint8_t>(random()),
                         frame.stream, noise});
@@ -154,8 +154,11 @@ std::string HostileConnection::Change(std::vector<Frame> frames) {
     ChangeFrames(frames);
   std::string bytes;
   for (const Frame& frame : frames) bytes += Bytes(frame);
-  for (std::size_t flips = Below(3); flips > 0 && !bytes.empty(); --flips)
-    bytes[Below(bytes.size())] ^= static_cast<char>(1U << Below(8));
+  for (std::size_t flips = Below(3); flips > 0 && !bytes.empty(); --flips) {
+    const unsigned flip = 1U << Below(8);
+    char& hit = bytes[Below(bytes.size())];
+    hit = static_cast<char>(static_cast<unsigned char>(hit) ^ flip);
+  }
   if (Below(8) == 0) bytes.resize(Below(bytes.size() + 1));
   return bytes;
 }

@@ -137,7 +137,7 @@ void CheckRequest(std::int32_t id, const nm::InterfaceConfig& source) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   google::protobuf::SetLogHandler(nullptr);  // it reports invalid UTF-8 at every turn
   fuzz::Input input(data, size);
-  const std::int32_t id = static_cast<std::int8_t>(input.Byte());
+  const std::int32_t id = input.SignedByte();
   Reply reply;
   if (!Parse(input, reply.known) || !Parse(input, reply.config) || !Parse(input, reply.status))
     return 0;
