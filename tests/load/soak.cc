@@ -98,7 +98,7 @@ class Mix {
     if (failures[index].count(result) != 0) {
       ++figures.failed;
     } else if (++figures.wrong < 10) {
-      std::printf("wrong: %s gave %d %s\n", function.name.c_str(), result.first,
+      std::printf("wrong: %s gave %s %s\n", function.name.c_str(), result.first ? "true" : "false",
                   result.second.c_str());
     }
   }

@@ -28,15 +28,13 @@ std::vector<std::string> AddressesOf(const Device& device) {
 
 TEST(Factory, ManyDevices_HaveNamesAndAddressesOfTheirOwn) {
   std::set<std::string> seen;
-  std::size_t told = 0;
   for (int number = 1; number <= 64; ++number) {
     const Device device = FactoryDevice(0, 0, number);
-    for (const std::string& address : AddressesOf(device)) told += seen.insert(address).second;
-    told += seen.insert(device.dante.name).second;
-    told += seen.insert(device.network.hostname).second;
+    for (const std::string& address : AddressesOf(device)) seen.insert(address);
+    seen.insert(device.dante.name);
+    seen.insert(device.network.hostname);
   }
-  EXPECT_EQ(told, 64 * (4 + 4 + 2 + 2));
-  EXPECT_THAT(seen, SizeIs(told));
+  EXPECT_THAT(seen, SizeIs(64 * (4 + 4 + 2 + 2)));
   EXPECT_THAT(seen, Contains("02:54:41:52:3f:04"));  // the last one's last, in hexadecimal
 }
 
