@@ -174,16 +174,15 @@ TEST(State, MessageOfAFault_IsReadAndWritten) {
 
 class StateFile : public testing::Test {
  protected:
-  StateFile() {
+  void SetUp() override {
     std::string pattern = testing::TempDir() + "state_test.XXXXXX";
-    if (mkdtemp(pattern.data()) != nullptr) folder = pattern;
+    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+    folder = pattern;
   }
-  ~StateFile() override {
+  void TearDown() override {
     std::remove(Path("state.json").c_str());
     rmdir(folder.c_str());
   }
-  StateFile(const StateFile&) = delete;
-  StateFile& operator=(const StateFile&) = delete;
 
   std::string Path(const std::string& name) const { return folder + '/' + name; }
 
