@@ -4,7 +4,7 @@
 
 #include "bench/pairs.h"
 #include "bench/stub_calls.h"
-#include "footprint/plain_calls.h"
+#include "tests/footprint/plain_calls.h"
 
 namespace {
 

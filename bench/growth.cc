@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "network/records.h"
+#include "network/conversions.h"
 
 namespace {
 

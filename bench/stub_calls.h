@@ -3,7 +3,7 @@
 #pragma once
 
 #include "bench/pairs.h"
-#include "support/functions.h"
+#include "tests/support/functions.h"
 
 namespace bench {
 

@@ -1,36 +1,21 @@
-#include "client/NetworkManagerClient.h"
+#include "NetworkManagerClient.h"
 
 #include <algorithm>
 
 #include "client/channel.h"
 
+namespace nm = ostrevan::networkmanager;
 using client::Call;
-using ostrevan::networkmanager::DNS;
-using ostrevan::networkmanager::Hostname;
-using ostrevan::networkmanager::Id;
-using ostrevan::networkmanager::Ids;
-using ostrevan::networkmanager::Interface;
-using ostrevan::networkmanager::InterfaceConfig;
-using ostrevan::networkmanager::Interfaces;
-using ostrevan::networkmanager::InterfacesConfig;
-using ostrevan::networkmanager::InterfacesStatus;
-using ostrevan::networkmanager::NetworkManager;
-using ostrevan::networkmanager::NTPServer;
-using ostrevan::networkmanager::Routing;
-using ostrevan::networkmanager::Success;
-using ostrevan::networkmanager::SwitchMode;
-using ostrevan::networkmanager::SwitchModes;
-using Stub = NetworkManager::Stub;
 
 namespace {
 
-void Resolve(const client::Setting& role, const Interfaces& known, std::int32_t& id,
+void Resolve(const client::Setting& role, const nm::Interfaces& known, std::int32_t& id,
              std::string& mac) {
   const std::string name = role.Value();
   // An empty name switches the role off; it does not look for a nameless interface.
   if (name.empty()) return;
   const auto& list = known.interfaces();
-  const auto found = std::find_if(list.begin(), list.end(), [&](const Interface& candidate) {
+  const auto found = std::find_if(list.begin(), list.end(), [&](const nm::Interface& candidate) {
     return candidate.name() == name;
   });
   if (found == list.end()) return;
@@ -43,8 +28,8 @@ void Resolve(const client::Setting& role, const Interfaces& known, std::int32_t&
 // A failed call leaves the roles unresolved for good: the ids must not change
 // under an application that has begun to use them.
 NetworkManagerClient::NetworkManagerClient()
-    : stub(NetworkManager::NewStub(client::MakeChannel(client::kNetworkManagerUrl))) {
-  Interfaces known;
+    : stub(nm::NetworkManager::NewStub(client::MakeChannel(client::kNetworkManagerUrl))) {
+  nm::Interfaces known;
   if (!GetAvailableInterfaces(&known).ok()) return;
   Resolve(client::kDantePrimaryInterface, known, dante_primary_id, dante_primary_mac);
   Resolve(client::kDanteSecondaryInterface, known, dante_secondary_id, dante_secondary_mac);
@@ -53,75 +38,77 @@ NetworkManagerClient::NetworkManagerClient()
 
 NetworkManagerClient::~NetworkManagerClient() = default;
 
-grpc::Status NetworkManagerClient::GetAvailableInterfaces(Interfaces* reply) {
-  return Call(*stub, &Stub::GetAvailableInterfaces, reply);
+grpc::Status NetworkManagerClient::GetAvailableInterfaces(nm::Interfaces* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetAvailableInterfaces, reply);
 }
 
-grpc::Status NetworkManagerClient::GetNetworkConfig(const Ids& request, InterfacesConfig* reply) {
-  return Call(*stub, &Stub::GetNetworkConfig, request, reply);
+grpc::Status NetworkManagerClient::GetNetworkConfig(const nm::Ids& request,
+                                                    nm::InterfacesConfig* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetNetworkConfig, request, reply);
 }
 
-grpc::Status NetworkManagerClient::GetNetworkStatus(const Ids& request, InterfacesStatus* reply) {
-  return Call(*stub, &Stub::GetNetworkStatus, request, reply);
+grpc::Status NetworkManagerClient::GetNetworkStatus(const nm::Ids& request,
+                                                    nm::InterfacesStatus* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetNetworkStatus, request, reply);
 }
 
-grpc::Status NetworkManagerClient::SetNetworkConfig(const InterfaceConfig& request,
-                                                    Success* reply) {
-  return Call(*stub, &Stub::SetNetworkConfig, request, reply);
+grpc::Status NetworkManagerClient::SetNetworkConfig(const nm::InterfaceConfig& request,
+                                                    nm::Success* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::SetNetworkConfig, request, reply);
 }
 
-grpc::Status NetworkManagerClient::GetAvailableSwitchModes(SwitchModes* reply) {
-  return Call(*stub, &Stub::GetAvailableSwitchModes, reply);
+grpc::Status NetworkManagerClient::GetAvailableSwitchModes(nm::SwitchModes* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetAvailableSwitchModes, reply);
 }
 
 // The service's own names for the two switch-mode readers run the other way
 // round: its "status" is the mode in effect.
-grpc::Status NetworkManagerClient::GetCurrentSwitchMode(SwitchMode* reply) {
-  return Call(*stub, &Stub::GetSwitchModeStatus, reply);
+grpc::Status NetworkManagerClient::GetCurrentSwitchMode(nm::SwitchMode* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetSwitchModeStatus, reply);
 }
 
-grpc::Status NetworkManagerClient::GetConfiguredSwitchMode(SwitchMode* reply) {
-  return Call(*stub, &Stub::GetSwitchMode, reply);
+grpc::Status NetworkManagerClient::GetConfiguredSwitchMode(nm::SwitchMode* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetSwitchMode, reply);
 }
 
-grpc::Status NetworkManagerClient::SetSwitchMode(const Id& request, Success* reply) {
-  return Call(*stub, &Stub::SetSwitchMode, request, reply);
+grpc::Status NetworkManagerClient::SetSwitchMode(const nm::Id& request, nm::Success* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::SetSwitchMode, request, reply);
 }
 
-grpc::Status NetworkManagerClient::GetHostname(Hostname* reply) {
-  return Call(*stub, &Stub::GetHostname, reply);
+grpc::Status NetworkManagerClient::GetHostname(nm::Hostname* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetHostname, reply);
 }
 
-grpc::Status NetworkManagerClient::SetHostname(const Hostname& request, Success* reply) {
-  return Call(*stub, &Stub::SetHostname, request, reply);
+grpc::Status NetworkManagerClient::SetHostname(const nm::Hostname& request, nm::Success* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::SetHostname, request, reply);
 }
 
-grpc::Status NetworkManagerClient::GetNTPServer(NTPServer* reply) {
-  return Call(*stub, &Stub::GetNTPServer, reply);
+grpc::Status NetworkManagerClient::GetNTPServer(nm::NTPServer* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetNTPServer, reply);
 }
 
-grpc::Status NetworkManagerClient::SetNTPServer(const NTPServer& request, Success* reply) {
-  return Call(*stub, &Stub::SetNTPServer, request, reply);
+grpc::Status NetworkManagerClient::SetNTPServer(const nm::NTPServer& request, nm::Success* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::SetNTPServer, request, reply);
 }
 
-grpc::Status NetworkManagerClient::GetRouting(Routing* reply) {
-  return Call(*stub, &Stub::GetRouting, reply);
+grpc::Status NetworkManagerClient::GetRouting(nm::Routing* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetRouting, reply);
 }
 
-grpc::Status NetworkManagerClient::GetDNSList(DNS* reply) {
-  return Call(*stub, &Stub::GetDNSList, reply);
+grpc::Status NetworkManagerClient::GetDNSList(nm::DNS* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::GetDNSList, reply);
 }
 
-grpc::Status NetworkManagerClient::ReloadNetworkConfig(Success* reply) {
-  return Call(*stub, &Stub::ReloadNetworkConfig, reply);
+grpc::Status NetworkManagerClient::ReloadNetworkConfig(nm::Success* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::ReloadNetworkConfig, reply);
 }
 
-grpc::Status NetworkManagerClient::ReloadNTPConfig(Success* reply) {
-  return Call(*stub, &Stub::ReloadNTPConfig, reply);
+grpc::Status NetworkManagerClient::ReloadNTPConfig(nm::Success* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::ReloadNTPConfig, reply);
 }
 
-grpc::Status NetworkManagerClient::FactoryReset(Success* reply) {
-  return Call(*stub, &Stub::FactoryReset, reply);
+grpc::Status NetworkManagerClient::FactoryReset(nm::Success* reply) {
+  return Call(*stub, &nm::NetworkManager::Stub::FactoryReset, reply);
 }
 
 std::int32_t NetworkManagerClient::GetDantePrimaryInterfaceID() const { return dante_primary_id; }

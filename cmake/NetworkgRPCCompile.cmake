@@ -19,6 +19,9 @@ target_compile_features(networkgrpc_compile INTERFACE cxx_std_17 c_std_99)
 target_compile_options(networkgrpc_compile INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow
   $<$<BOOL:${NETWORKGRPC_WERROR}>:-Werror>)
+# Own headers are included by their path in the source tree. The public ones are
+# included by name alone, as their users do.
+target_include_directories(networkgrpc_compile INTERFACE "${PROJECT_SOURCE_DIR}")
 target_link_libraries(networkgrpc_compile INTERFACE networkgrpc_hardening)
 
 # The shared object is built for size: its time goes into gRPC and the kernel, and

@@ -14,8 +14,6 @@ include(CMakePackageConfigHelpers)
 
 # --- Files ---------------------------------------------------------------------
 
-install(FILES ${NETWORKGRPC_PUBLIC_HEADERS}
-  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/NetworkgRPC")
 install(FILES ${NETWORKGRPC_GENERATED_HEADERS}
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/NetworkgRPC/ostrevan")
 install(FILES
@@ -28,8 +26,11 @@ install(FILES man/libNetworkgRPC.3 DESTINATION "${CMAKE_INSTALL_MANDIR}/man3")
 install(FILES man/networkgrpc-environment.7 DESTINATION "${CMAKE_INSTALL_MANDIR}/man7")
 
 # Two export sets: users of the facades must not need gRPC to find the package.
-install(TARGETS NetworkgRPC EXPORT NetworkgRPCTargets)
-install(TARGETS NetworkgRPC_Client EXPORT NetworkgRPCClientTargets)
+set(include_directory "${CMAKE_INSTALL_INCLUDEDIR}/NetworkgRPC")
+install(TARGETS NetworkgRPC EXPORT NetworkgRPCTargets
+  FILE_SET HEADERS DESTINATION "${include_directory}")
+install(TARGETS NetworkgRPC_Client EXPORT NetworkgRPCClientTargets
+  FILE_SET HEADERS DESTINATION "${include_directory}")
 
 # A program finds the library beside it, except where the loader looks anyway.
 file(RELATIVE_PATH bindir_to_libdir "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")

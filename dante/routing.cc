@@ -1,24 +1,23 @@
 // Which transmitting device and channel each receive channel listens to.
+#include "DAPIClient.h"
 #include "DantegRPC.h"
-#include "client/DAPIClient.h"
-#include "dante/records.h"
-#include "facade/frame.h"
+#include "call_frame/call_frame.h"
+#include "dante/conversions.h"
 
-using facade::ExceptionLine;
-using facade::Frame;
-using ostrevan::grpcdapi::Channels;
-using ostrevan::grpcdapi::LinkInfo;
+namespace dapi = ostrevan::grpcdapi;
+using call_frame::ExceptionLine;
+using call_frame::Frame;
 
 bool DantegRPC::GetTapping(std::vector<ChannelLink>& links) {
   const Frame frame{"GetTapping", ExceptionLine::kNameOnly};
   return frame.Run([&] {
     auto& client = DAPIClient::GetInstance();
-    Channels receiving;
+    dapi::Channels receiving;
     if (!client.GetRxChannels(&receiving).ok())
       return frame.Fail("libNetworkgRPC: ERROR: error while requesting rx channels list in %s\n");
     links.reserve(links.size() + static_cast<std::size_t>(receiving.channels_size()));
     for (const auto& channel : receiving.channels()) {
-      LinkInfo link;
+      dapi::LinkInfo link;
       if (!client.GetRxChannelLink(channel, &link).ok())
         return frame.Fail("libNetworkgRPC: ERROR: error while requesting rx channel link in %s\n");
       links.push_back(dante::ToRecord(channel.id(), link));
@@ -28,7 +27,8 @@ bool DantegRPC::GetTapping(std::vector<ChannelLink>& links) {
 }
 
 bool DantegRPC::SetTapping(const ChannelLink& link) {
-  return facade::Change({"SetTapping", ExceptionLine::kNameAndText}, &DAPIClient::SetRxChannelLink,
-                        "libNetworkgRPC: ERROR: error while setting rx channel link in %s\n",
-                        [&](LinkInfo& request) { dante::ToWire(link, request); });
+  return call_frame::Change({"SetTapping", ExceptionLine::kNameAndText},
+                            &DAPIClient::SetRxChannelLink,
+                            "libNetworkgRPC: ERROR: error while setting rx channel link in %s\n",
+                            [&](dapi::LinkInfo& request) { dante::ToWire(link, request); });
 }

@@ -11,9 +11,9 @@
 #include <iostream>
 #include <string>
 
-#include "demo_changes.h"
-#include "demo_overview.h"
-#include "table.h"
+#include "examples/demo_changes.h"
+#include "examples/demo_overview.h"
+#include "examples/table.h"
 
 namespace {
 

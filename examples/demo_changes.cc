@@ -1,12 +1,12 @@
-#include "demo_changes.h"
+#include "examples/demo_changes.h"
 
 #include <algorithm>
 #include <array>
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
-#include "demo_overview.h"
-#include "step.h"
+#include "examples/demo_overview.h"
+#include "examples/step.h"
 
 namespace demo {
 namespace {

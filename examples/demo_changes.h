@@ -1,7 +1,7 @@
 // Changes to a device, each of which is read back.
 #pragma once
 
-#include "table.h"
+#include "examples/table.h"
 
 namespace demo {
 

@@ -1,4 +1,4 @@
-#include "demo_overview.h"
+#include "examples/demo_overview.h"
 
 #include <algorithm>
 #include <set>
@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "NetworkgRPC.h"
-#include "step.h"
-#include "table.h"
+#include "examples/step.h"
+#include "examples/table.h"
 
 namespace demo {
 namespace {

@@ -1,4 +1,4 @@
-#include "table.h"
+#include "examples/table.h"
 
 #include <algorithm>
 #include <clocale>

@@ -5,7 +5,7 @@
 
 #include "NetworkgRPC.h"
 #include "NetworkgRPC_c.h"
-#include "facade/frame.h"
+#include "call_frame/call_frame.h"
 
 static_assert(sizeof(cInterfaceInfo) == 50, "callers lay out arrays of 50-byte entries");
 
@@ -43,7 +43,7 @@ int FilterHostname(const char* name) {
     if (const char kept = HostnameCharacter(name[i])) {
       hostnameBuffer[count++] = kept;
     } else {
-      facade::Print("libNetworkgRPC: discard charapter: %c %d %d\n", name[i], i, count);
+      call_frame::Print("libNetworkgRPC: discard charapter: %c %d %d\n", name[i], i, count);
     }
   }
   hostnameBuffer[kLongestName] = '\0';
@@ -81,9 +81,9 @@ int setampname(const char* name, size_t length) {
   const bool given = length != 0 && name != nullptr && name[0] != '\0';
   const int count = given ? FilterHostname(name) : 0;
   if (count == 0) {
-    facade::Print("libNetworkgRPC: setting hostname to default\n");
+    call_frame::Print("libNetworkgRPC: setting hostname to default\n");
     return Result(NetworkgRPC::SetHostname(kDefaultHostname));
   }
-  facade::Print("libNetworkgRPC: setting hostname: %s %d\n", hostnameBuffer, count);
+  call_frame::Print("libNetworkgRPC: setting hostname: %s %d\n", hostnameBuffer, count);
   return Result(NetworkgRPC::SetHostname(hostnameBuffer));
 }

@@ -1,36 +1,32 @@
 // The host-wide settings: host name, NTP, DNS, default gateway, factory reset.
 #include <utility>
 
+#include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
-#include "client/NetworkManagerClient.h"
-#include "facade/frame.h"
+#include "call_frame/call_frame.h"
 
-using facade::ExceptionLine;
-using facade::Frame;
-using ostrevan::networkmanager::DNS;
-using ostrevan::networkmanager::Hostname;
-using ostrevan::networkmanager::NTPServer;
-using ostrevan::networkmanager::Routing;
-using ostrevan::networkmanager::Success;
+namespace nm = ostrevan::networkmanager;
+using call_frame::ExceptionLine;
+using call_frame::Frame;
 
 bool NetworkgRPC::GetHostname(std::string& hostname) {
-  return facade::Read({"GetHostname", ExceptionLine::kNameAndText},
-                      &NetworkManagerClient::GetHostname,
-                      "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
-                      [&](Hostname& reply) { hostname = std::move(*reply.mutable_hostname()); });
+  return call_frame::Read(
+      {"GetHostname", ExceptionLine::kNameAndText}, &NetworkManagerClient::GetHostname,
+      "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
+      [&](nm::Hostname& reply) { hostname = std::move(*reply.mutable_hostname()); });
 }
 
 bool NetworkgRPC::SetHostname(const std::string& hostname) {
-  return facade::Change({"SetHostname", ExceptionLine::kNameAndText},
-                        &NetworkManagerClient::SetHostname,
-                        "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
-                        [&](Hostname& request) { request.set_hostname(hostname); });
+  return call_frame::Change({"SetHostname", ExceptionLine::kNameAndText},
+                            &NetworkManagerClient::SetHostname,
+                            "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
+                            [&](nm::Hostname& request) { request.set_hostname(hostname); });
 }
 
 bool NetworkgRPC::GetNTPServer(std::string& server) {
   const Frame frame{"GetNTPServer", ExceptionLine::kNameAndText};
   return frame.Run([&] {
-    NTPServer reply;
+    nm::NTPServer reply;
     if (!NetworkManagerClient::GetInstance().GetNTPServer(&reply).ok())
       return frame.Fail("libNetworkgRPC: %s: error while reading NTP server via gRPC\n");
     if (reply.servers().empty()) return false;  // none configured is no fault to report
@@ -42,14 +38,14 @@ bool NetworkgRPC::GetNTPServer(std::string& server) {
 bool NetworkgRPC::SetNTPServer(const std::string& server, bool reload) {
   const Frame frame{"SetNTPServer", ExceptionLine::kNameAndText};
   return frame.Run([&] {
-    NTPServer request;
+    nm::NTPServer request;
     request.add_servers(server);
     auto& client = NetworkManagerClient::GetInstance();
-    Success set;
-    const bool stored = facade::Confirmed(client.SetNTPServer(request, &set), set) ||
+    nm::Success set;
+    const bool stored = call_frame::Confirmed(client.SetNTPServer(request, &set), set) ||
                         frame.Fail("libNetworkgRPC: %s: error while setting NTP server via gRPC\n");
-    Success reloaded;
-    if (reload && !facade::Confirmed(client.ReloadNTPConfig(&reloaded), reloaded))
+    nm::Success reloaded;
+    if (reload && !call_frame::Confirmed(client.ReloadNTPConfig(&reloaded), reloaded))
       frame.Fail("libNetworkgRPC: ERROR: error while reloading NTP config in %s\n");
     return stored;
   });
@@ -58,7 +54,7 @@ bool NetworkgRPC::SetNTPServer(const std::string& server, bool reload) {
 bool NetworkgRPC::GetCurrentDNS(std::string& dns) {
   const Frame frame{"GetCurrentDNS", ExceptionLine::kNameAndText};
   return frame.Run([&] {
-    DNS reply;
+    nm::DNS reply;
     if (!NetworkManagerClient::GetInstance().GetDNSList(&reply).ok())
       return frame.Fail("libNetworkgRPC: %s: error while reading DNS list via gRPC\n");
     if (reply.dns().empty()) return false;  // none in use is no fault to report
@@ -68,14 +64,14 @@ bool NetworkgRPC::GetCurrentDNS(std::string& dns) {
 }
 
 bool NetworkgRPC::GetDefaultGateway(std::string& gateway) {
-  return facade::Read({"GetDefaultGateway", ExceptionLine::kNameAndText},
-                      &NetworkManagerClient::GetRouting,
-                      "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
-                      [&](Routing& reply) { gateway = std::move(*reply.mutable_gateway()); });
+  return call_frame::Read(
+      {"GetDefaultGateway", ExceptionLine::kNameAndText}, &NetworkManagerClient::GetRouting,
+      "libNetworkgRPC: %s: error while requesting informations via gRPC\n",
+      [&](nm::Routing& reply) { gateway = std::move(*reply.mutable_gateway()); });
 }
 
 bool NetworkgRPC::FactoryReset() {
-  return facade::Change({"FactoryReset", ExceptionLine::kNameAndText},
-                        &NetworkManagerClient::FactoryReset,
-                        "libNetworkgRPC: %s: error while requesting informations via gRPC\n");
+  return call_frame::Change({"FactoryReset", ExceptionLine::kNameAndText},
+                            &NetworkManagerClient::FactoryReset,
+                            "libNetworkgRPC: %s: error while requesting informations via gRPC\n");
 }

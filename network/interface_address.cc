@@ -1,14 +1,13 @@
 // How an interface gets its IPv4 address.
+#include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
-#include "client/NetworkManagerClient.h"
-#include "facade/frame.h"
-#include "network/records.h"
+#include "call_frame/call_frame.h"
+#include "network/conversions.h"
 
-using facade::Confirmed;
-using facade::ExceptionLine;
-using facade::Frame;
-using ostrevan::networkmanager::InterfaceConfig;
-using ostrevan::networkmanager::Success;
+namespace nm = ostrevan::networkmanager;
+using call_frame::Confirmed;
+using call_frame::ExceptionLine;
+using call_frame::Frame;
 
 namespace {
 
@@ -19,12 +18,12 @@ template <class Report>
 bool Configure(const Frame& frame, std::int32_t id, const NetworkgRPC::InterfaceInfo& info,
                bool reload, Report&& report) {
   auto& client = NetworkManagerClient::GetInstance();
-  InterfaceConfig request;
+  nm::InterfaceConfig request;
   network::ToWire(id, info, request);
-  Success set;
+  nm::Success set;
   const bool stored = Confirmed(client.SetNetworkConfig(request, &set), set);
   if (!stored) report();
-  Success reloaded;
+  nm::Success reloaded;
   if (reload && !Confirmed(client.ReloadNetworkConfig(&reloaded), reloaded))
     frame.Fail("libNetworkgRPC: ERROR: error while reloading network config in %s\n");
   return stored;
@@ -59,7 +58,7 @@ bool NetworkgRPC::SetGenericIP(int id, const InterfaceInfo& info, bool reload) {
   const Frame frame{"SetGenericIP", ExceptionLine::kNameAndText};
   return frame.Run([&] {
     return Configure(frame, id, info, reload, [&] {
-      facade::Print(
+      call_frame::Print(
           "libNetworkgRPC: ERROR: error while setting interface %d network config in %s\n", id,
           frame.name);
     });

@@ -2,19 +2,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
-#include "client/NetworkManagerClient.h"
-#include "facade/frame.h"
-#include "network/records.h"
+#include "call_frame/call_frame.h"
+#include "network/conversions.h"
 
-using facade::ExceptionLine;
-using facade::Frame;
+namespace nm = ostrevan::networkmanager;
+using call_frame::ExceptionLine;
+using call_frame::Frame;
 using network::kUnresolved;
-using ostrevan::networkmanager::Ids;
-using ostrevan::networkmanager::Interface;
-using ostrevan::networkmanager::Interfaces;
-using ostrevan::networkmanager::InterfacesConfig;
-using ostrevan::networkmanager::InterfacesStatus;
 
 namespace {
 
@@ -23,12 +19,12 @@ constexpr std::int32_t kBothDantePorts = 1;
 
 // What the daemon stores and what it reports about the interfaces of a request.
 struct Network {
-  InterfacesConfig config;
-  InterfacesStatus status;
+  nm::InterfacesConfig config;
+  nm::InterfacesStatus status;
 };
 
 // An answer that lists nothing is as good as none for an interface with a role.
-bool Ask(const Frame& frame, const Ids& request, Network& network) {
+bool Ask(const Frame& frame, const nm::Ids& request, Network& network) {
   auto& client = NetworkManagerClient::GetInstance();
   if (!client.GetNetworkConfig(request, &network.config).ok() || network.config.configs().empty())
     return frame.Fail("libNetworkgRPC: ERROR: error while requesting network config in %s\n");
@@ -53,13 +49,13 @@ bool NetworkgRPC::GetDanteInterfacesInfo(std::vector<InterfaceInfo>& out) {
   const Frame frame{"GetDanteInterfacesInfo", ExceptionLine::kNameAndText};
   return frame.Run([&] {
     auto& client = NetworkManagerClient::GetInstance();
-    ostrevan::networkmanager::SwitchMode mode;
+    nm::SwitchMode mode;
     if (!client.GetCurrentSwitchMode(&mode).ok()) return false;
 
     const std::int32_t primary = client.GetDantePrimaryInterfaceID();
     const std::int32_t secondary = client.GetDanteSecondaryInterfaceID();
     const bool with_secondary = mode.id() == kBothDantePorts && secondary != kUnresolved;
-    Ids request;
+    nm::Ids request;
     if (primary != kUnresolved) request.add_ids(primary);
     if (with_secondary) request.add_ids(secondary);
 
@@ -79,7 +75,7 @@ bool NetworkgRPC::GetControlInterfacesInfo(std::vector<InterfaceInfo>& out) {
     const std::int32_t control = client.GetControlInterfaceID();
     if (control == kUnresolved) return false;
 
-    Ids request;
+    nm::Ids request;
     request.add_ids(control);
     Network network;
     if (!Ask(frame, request, network)) return false;
@@ -92,13 +88,13 @@ bool NetworkgRPC::GetAllIPv4(std::vector<InterfaceInfo>& out) {
   const Frame frame{"GetAllIPv4", ExceptionLine::kNameAndText};
   return frame.Run([&] {
     auto& client = NetworkManagerClient::GetInstance();
-    Interfaces known;
+    nm::Interfaces known;
     if (!client.GetAvailableInterfaces(&known).ok())
       return frame.Fail("libNetworkgRPC: %s: error while requesting informations via gRPC\n");
 
-    Ids request;
+    nm::Ids request;
     request.mutable_ids()->Reserve(known.interfaces_size());
-    for (const Interface& interface : known.interfaces()) request.add_ids(interface.id());
+    for (const nm::Interface& interface : known.interfaces()) request.add_ids(interface.id());
     Network network;
     // Both are asked for, whatever the first gives; without both there is
     // nothing to tell, which is no fault to report.
@@ -112,12 +108,12 @@ bool NetworkgRPC::GetAllIPv4(std::vector<InterfaceInfo>& out) {
 bool NetworkgRPC::GetMACAddress(const std::string& name, std::string& mac) {
   const Frame frame{"GetMACAddress", ExceptionLine::kNameAndText};
   return frame.Run([&] {
-    Interfaces known;
+    nm::Interfaces known;
     if (!NetworkManagerClient::GetInstance().GetAvailableInterfaces(&known).ok())
       return frame.Fail("libNetworkgRPC: %s: error while requesting informations via gRPC\n");
 
     auto& list = *known.mutable_interfaces();
-    const auto found = std::find_if(list.begin(), list.end(), [&](const Interface& candidate) {
+    const auto found = std::find_if(list.begin(), list.end(), [&](const nm::Interface& candidate) {
       return candidate.name() == name;
     });
     if (found == list.end())
@@ -140,7 +136,7 @@ bool NetworkgRPC::GetTarvoInterfaceName(int id, std::string& label) {
     } else if (id == client.GetDanteSecondaryInterfaceID()) {
       label = "dante-1";
     } else {
-      facade::Print("libNetworkgRPC: wrong interface ID while getting tarvo name: %d\n", id);
+      call_frame::Print("libNetworkgRPC: wrong interface ID while getting tarvo name: %d\n", id);
       return false;
     }
     return true;

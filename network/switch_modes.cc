@@ -1,46 +1,44 @@
 // The modes of the device's network switch.
+#include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
-#include "client/NetworkManagerClient.h"
-#include "facade/frame.h"
-#include "network/records.h"
+#include "call_frame/call_frame.h"
+#include "network/conversions.h"
 
-using facade::ExceptionLine;
-using ostrevan::networkmanager::Id;
-using ostrevan::networkmanager::SwitchModes;
+namespace nm = ostrevan::networkmanager;
+using call_frame::ExceptionLine;
 
 bool NetworkgRPC::GetSwitchModes(std::vector<SwitchMode>& modes) {
-  return facade::Read({"GetSwitchModes", ExceptionLine::kNameOnly},
-                      &NetworkManagerClient::GetAvailableSwitchModes,
-                      "libNetworkgRPC: ERROR: error while requesting available switch mode in %s\n",
-                      [&](const SwitchModes& reply) {
-                        modes.reserve(modes.size() + static_cast<std::size_t>(reply.modes_size()));
-                        for (const auto& mode : reply.modes())
-                          modes.push_back(network::ToRecord(mode));
-                      });
+  return call_frame::Read(
+      {"GetSwitchModes", ExceptionLine::kNameOnly}, &NetworkManagerClient::GetAvailableSwitchModes,
+      "libNetworkgRPC: ERROR: error while requesting available switch mode in %s\n",
+      [&](const nm::SwitchModes& reply) {
+        modes.reserve(modes.size() + static_cast<std::size_t>(reply.modes_size()));
+        for (const auto& mode : reply.modes()) modes.push_back(network::ToRecord(mode));
+      });
 }
 
 bool NetworkgRPC::GetConfiguredSwitchMode(SwitchMode& mode) {
-  return facade::Read(
+  return call_frame::Read(
       {"GetConfiguredSwitchMode", ExceptionLine::kNameOnly},
       &NetworkManagerClient::GetConfiguredSwitchMode,
       "libNetworkgRPC: ERROR: error while requesting current switch mode in %s\n",
-      [&](const ostrevan::networkmanager::SwitchMode& reply) { mode = network::ToRecord(reply); });
+      [&](const nm::SwitchMode& reply) { mode = network::ToRecord(reply); });
 }
 
 bool NetworkgRPC::GetCurrentSwitchMode(SwitchMode& mode) {
-  return facade::Read(
+  return call_frame::Read(
       {"GetCurrentSwitchMode", ExceptionLine::kNameOnly},
       &NetworkManagerClient::GetCurrentSwitchMode,
       "libNetworkgRPC: ERROR: error while requesting current switch mode in %s\n",
-      [&](const ostrevan::networkmanager::SwitchMode& reply) { mode = network::ToRecord(reply); });
+      [&](const nm::SwitchMode& reply) { mode = network::ToRecord(reply); });
 }
 
 // Callers count the modes from one, the daemon from its lowest id. The
 // subtraction wraps like the daemon's 32 bits do, for INT_MIN too.
 bool NetworkgRPC::SetSwitchMode(int mode) {
-  return facade::Change(
+  return call_frame::Change(
       {"SetSwitchMode", ExceptionLine::kNameAndText}, &NetworkManagerClient::SetSwitchMode,
-      "libNetworkgRPC: ERROR: error while setting dante switch mode in %s\n", [&](Id& request) {
+      "libNetworkgRPC: ERROR: error while setting dante switch mode in %s\n", [&](nm::Id& request) {
         request.set_id(static_cast<std::int32_t>(static_cast<std::uint32_t>(mode) - 1U));
       });
 }

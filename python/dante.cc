@@ -1,7 +1,7 @@
 // The module networkgrpc.dante: the functions of DantegRPC.
 #include "DantegRPC.h"
 
-#include "call.h"
+#include "python/call.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The module networkgrpc.network: the functions of NetworkgRPC.
 #include "NetworkgRPC.h"
 
-#include "call.h"
+#include "python/call.h"
 
 namespace {
 

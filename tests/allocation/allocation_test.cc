@@ -8,10 +8,10 @@
 #include <set>
 
 #include "NetworkgRPC_c.h"
-#include "allocation/own_code.h"
-#include "support/captured_stderr.h"
-#include "support/failing_new.h"
-#include "support/functions.h"
+#include "tests/allocation/own_code.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/failing_new.h"
+#include "tests/support/functions.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "allocation/own_code.h"
+#include "tests/allocation/own_code.h"
 
 #include <dlfcn.h>
 #include <elf.h>

@@ -9,7 +9,7 @@
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
-#include "support/device.h"
+#include "tests/support/device.h"
 
 namespace {
 

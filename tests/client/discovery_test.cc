@@ -9,8 +9,8 @@
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
-#include "support/captured_stderr.h"
-#include "support/device.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/device.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "simulator/loopback_server.h"
 #include "simulator/network_service.h"
 #include "simulator/simulator.h"
-#include "support/child.h"
+#include "tests/support/child.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "simulator/simulator.h"
-#include "support/child.h"
+#include "tests/support/child.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "faults/apart.h"
+#include "tests/faults/apart.h"
 
 #include <poll.h>
 #include <signal.h>

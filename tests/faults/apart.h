@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "faults/tally.h"
+#include "tests/faults/tally.h"
 
 namespace faults {
 

@@ -11,11 +11,11 @@
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
-#include "faults/lines.h"
 #include "ostrevan/grpcdapi.pb.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/captured_stderr.h"
-#include "support/device.h"
+#include "tests/faults/lines.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/device.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "faults/bench.h"
+#include "tests/faults/bench.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
-#include "faults/child_daemon.h"
-#include "faults/tally.h"
-#include "support/functions.h"
-#include "support/outcome.h"
+#include "tests/faults/child_daemon.h"
+#include "tests/faults/tally.h"
+#include "tests/support/functions.h"
+#include "tests/support/outcome.h"
 
 namespace faults {
 

@@ -17,10 +17,10 @@
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
-#include "faults/apart.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/captured_stderr.h"
-#include "support/device.h"
+#include "tests/faults/apart.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/device.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include <string>
 
 #include "NetworkgRPC_c.h"
-#include "faults/guarded.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/captured_stderr.h"
-#include "support/device.h"
-#include "support/show.h"
+#include "tests/faults/guarded.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/device.h"
+#include "tests/support/show.h"
 
 namespace {
 

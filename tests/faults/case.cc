@@ -1,4 +1,4 @@
-#include "faults/case.h"
+#include "tests/faults/case.h"
 
 #include <set>
 

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "support/functions.h"
-#include "support/outcome.h"
+#include "tests/support/functions.h"
+#include "tests/support/outcome.h"
 
 namespace faults {
 

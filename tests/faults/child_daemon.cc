@@ -1,4 +1,4 @@
-#include "faults/child_daemon.h"
+#include "tests/faults/child_daemon.h"
 
 #include <fcntl.h>
 #include <netinet/in.h>
@@ -11,7 +11,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "faults/hex.h"
+#include "tests/faults/hex.h"
 
 namespace faults {
 

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-#include "support/scripted_daemon.h"
+#include "tests/support/scripted_daemon.h"
 
 namespace faults {
 

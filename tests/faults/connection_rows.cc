@@ -5,10 +5,10 @@
 #include <string>
 #include <thread>
 
-#include "faults/apart.h"
-#include "faults/bench.h"
-#include "faults/rogue.h"
-#include "faults/row.h"
+#include "tests/faults/apart.h"
+#include "tests/faults/bench.h"
+#include "tests/faults/rogue.h"
+#include "tests/faults/row.h"
 
 namespace faults {
 namespace {

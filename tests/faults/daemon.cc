@@ -9,8 +9,8 @@
 #include <sstream>
 #include <string>
 
-#include "faults/hex.h"
-#include "support/scripted_daemon.h"
+#include "tests/faults/hex.h"
+#include "tests/support/scripted_daemon.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "faults/guarded.h"
+#include "tests/faults/guarded.h"
 
 #include <sys/mman.h>
 #include <unistd.h>

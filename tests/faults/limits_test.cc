@@ -10,12 +10,12 @@
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
-#include "faults/apart.h"
-#include "faults/child_daemon.h"
-#include "faults/rogue.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/captured_stderr.h"
-#include "support/device.h"
+#include "tests/faults/apart.h"
+#include "tests/faults/child_daemon.h"
+#include "tests/faults/rogue.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/device.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "faults/lines.h"
+#include "tests/faults/lines.h"
 
 #include <algorithm>
 #include <cctype>

@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-#include "faults/row.h"
+#include "tests/faults/row.h"
 
 namespace {
 

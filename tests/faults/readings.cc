@@ -2,10 +2,10 @@
 #include <map>
 #include <stdexcept>
 
-#include "faults/case.h"
 #include "ostrevan/grpcdapi.pb.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/show.h"
+#include "tests/faults/case.h"
+#include "tests/support/show.h"
 
 namespace faults {
 namespace {

@@ -3,9 +3,9 @@
 #include <functional>
 #include <map>
 
-#include "faults/apart.h"
-#include "faults/case.h"
-#include "faults/row.h"
+#include "tests/faults/apart.h"
+#include "tests/faults/case.h"
+#include "tests/faults/row.h"
 
 namespace faults {
 namespace {

@@ -1,4 +1,4 @@
-#include "faults/rogue.h"
+#include "tests/faults/rogue.h"
 
 #include <netinet/in.h>
 #include <poll.h>

@@ -1,4 +1,4 @@
-#include "faults/tally.h"
+#include "tests/faults/tally.h"
 
 #include <algorithm>
 #include <chrono>

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "faults/lines.h"
-#include "support/outcome.h"
+#include "tests/faults/lines.h"
+#include "tests/support/outcome.h"
 
 namespace faults {
 

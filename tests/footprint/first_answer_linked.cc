@@ -1,6 +1,6 @@
 // The first answer through the library.
 #include "DantegRPC.h"
-#include "footprint/private_memory.h"
+#include "tests/footprint/private_memory.h"
 
 int main() {
   std::string name;

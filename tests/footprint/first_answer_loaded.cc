@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "footprint/private_memory.h"
+#include "tests/footprint/private_memory.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) return 2;

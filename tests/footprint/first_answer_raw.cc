@@ -1,8 +1,8 @@
 // The first answer without the library: the generated stub on a channel made as
 // the library makes its own.
 #include "client/channel.h"
-#include "footprint/private_memory.h"
 #include "ostrevan/grpcdapi.grpc.pb.h"
+#include "tests/footprint/private_memory.h"
 
 int main() {
   const auto stub = ostrevan::grpcdapi::DAPI::NewStub(client::MakeChannel(client::kDapiUrl));

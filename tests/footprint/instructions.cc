@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "footprint/plain_calls.h"
+#include "tests/footprint/plain_calls.h"
 
 extern "C" __attribute__((noinline)) bool measured_call(bool (*call)()) {
   const bool done = call();

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "ostrevan/grpcdapi.pb.h"
-#include "support/child.h"
-#include "support/device.h"
+#include "tests/support/child.h"
+#include "tests/support/device.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "footprint/plain_calls.h"
+#include "tests/footprint/plain_calls.h"
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
 #include "NetworkgRPC_c.h"
-#include "support/device.h"
+#include "tests/support/device.h"
 
 namespace footprint {
 namespace {

@@ -1,5 +1,5 @@
 // What a call takes from the heap beyond gRPC and the generated classes.
-#include "footprint/plain_calls.h"
+#include "tests/footprint/plain_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -8,10 +8,10 @@
 #include <set>
 #include <string>
 
-#include "allocation/own_code.h"
-#include "support/captured_stderr.h"
-#include "support/failing_new.h"
-#include "support/functions.h"
+#include "tests/allocation/own_code.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/failing_new.h"
+#include "tests/support/functions.h"
 
 namespace footprint {
 

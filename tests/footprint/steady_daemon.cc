@@ -10,7 +10,7 @@
 
 #include "ostrevan/grpcdapi.pb.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/functions.h"
+#include "tests/support/functions.h"
 
 namespace {
 

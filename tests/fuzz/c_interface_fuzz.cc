@@ -11,8 +11,8 @@
 
 #include "NetworkgRPC.h"
 #include "NetworkgRPC_c.h"
-#include "facade/frame.h"
-#include "fuzz/fuzz.h"
+#include "call_frame/call_frame.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 
@@ -88,7 +88,7 @@ void CheckRecord(int max) {
 
 }  // namespace
 
-void facade::Print(const char* format, ...) {
+void call_frame::Print(const char* format, ...) {
   std::array<char, 1024> line{};
   va_list arguments;
   va_start(arguments, format);

@@ -3,8 +3,8 @@
 // Input: the bytes of a Channels and of a LinkInfo, each with its length.
 #include <google/protobuf/stubs/logging.h>
 
-#include "dante/records.h"
-#include "fuzz/fuzz.h"
+#include "dante/conversions.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 

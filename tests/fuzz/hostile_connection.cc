@@ -1,4 +1,4 @@
-#include "fuzz/hostile_connection.h"
+#include "tests/fuzz/hostile_connection.h"
 
 #include <netinet/in.h>
 #include <poll.h>

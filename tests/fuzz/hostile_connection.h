@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-#include "fuzz/http2_frames.h"
+#include "tests/fuzz/http2_frames.h"
 
 namespace fuzz {
 

@@ -18,8 +18,8 @@
 #include <regex>
 #include <sstream>
 
-#include "fuzz/hostile_connection.h"
-#include "support/functions.h"
+#include "tests/fuzz/hostile_connection.h"
+#include "tests/support/functions.h"
 
 namespace {
 

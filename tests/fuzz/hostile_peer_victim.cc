@@ -2,7 +2,7 @@
 // 0 whatever comes of the call.
 #include <cstdlib>
 
-#include "support/functions.h"
+#include "tests/support/functions.h"
 
 int main(int argc, char** argv) {
   const auto functions = support::AllFunctions();

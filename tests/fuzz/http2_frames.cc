@@ -1,4 +1,4 @@
-#include "fuzz/http2_frames.h"
+#include "tests/fuzz/http2_frames.h"
 
 #include <utility>
 

@@ -4,8 +4,8 @@
 // InterfacesConfig, an InterfacesStatus and a SwitchMode, each with its length.
 #include <google/protobuf/stubs/logging.h>
 
-#include "fuzz/fuzz.h"
-#include "network/records.h"
+#include "network/conversions.h"
+#include "tests/fuzz/fuzz.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <vector>
 
-#include "fuzz/fuzz.h"
+#include "tests/fuzz/fuzz.h"
 
 int main(int argc, char** argv) {
   std::vector<std::filesystem::path> files;

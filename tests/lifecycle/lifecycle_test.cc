@@ -8,9 +8,9 @@
 
 #include "ostrevan/grpcdapi.pb.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/child.h"
-#include "support/device.h"
-#include "support/memory.h"
+#include "tests/support/child.h"
+#include "tests/support/device.h"
+#include "tests/support/memory.h"
 
 namespace {
 

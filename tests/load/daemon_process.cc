@@ -1,4 +1,4 @@
-#include "load/daemon_process.h"
+#include "tests/load/daemon_process.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -8,7 +8,7 @@
 #include "DantegRPC.h"
 #include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
-#include "support/together.h"
+#include "tests/support/together.h"
 
 int main() {
   constexpr int kThreads = 32;

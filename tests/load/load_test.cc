@@ -13,10 +13,10 @@
 #include "NetworkgRPC.h"
 #include "ostrevan/grpcdapi.pb.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/captured_stderr.h"
-#include "support/child.h"
-#include "support/functions.h"
-#include "support/together.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/child.h"
+#include "tests/support/functions.h"
+#include "tests/support/together.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "load/process_size.h"
+#include "tests/load/process_size.h"
 
 #include <unistd.h>
 
@@ -7,7 +7,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "support/memory.h"
+#include "tests/support/memory.h"
 
 namespace load {
 namespace {

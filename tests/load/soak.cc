@@ -11,11 +11,11 @@
 #include <set>
 #include <sstream>
 
-#include "load/daemon_process.h"
-#include "load/process_size.h"
-#include "support/captured_stderr.h"
-#include "support/outcome.h"
-#include "support/together.h"
+#include "tests/load/daemon_process.h"
+#include "tests/load/process_size.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/outcome.h"
+#include "tests/support/together.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <atomic>
 #include <cstdio>
 
-#include "support/functions.h"
+#include "tests/support/functions.h"
 
 namespace {
 

@@ -8,10 +8,10 @@
 
 #include "NetworkgRPC_c.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/captured_stderr.h"
-#include "support/child.h"
-#include "support/device.h"
-#include "support/show.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/child.h"
+#include "tests/support/device.h"
+#include "tests/support/show.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/captured_stderr.h"
-#include "support/device.h"
-#include "support/show.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/device.h"
+#include "tests/support/show.h"
 
 namespace {
 

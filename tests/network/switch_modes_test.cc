@@ -4,8 +4,8 @@
 
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/device.h"
-#include "support/show.h"
+#include "tests/support/device.h"
+#include "tests/support/show.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <limits>
 
 #include "ostrevan/grpcdapi.pb.h"
-#include "proto/hex.h"
-#include "support/captured_stderr.h"
+#include "tests/proto/hex.h"
+#include "tests/support/captured_stderr.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "ostrevan/networkmanager.pb.h"
-#include "proto/hex.h"
-#include "support/captured_stderr.h"
+#include "tests/proto/hex.h"
+#include "tests/support/captured_stderr.h"
 
 namespace {
 

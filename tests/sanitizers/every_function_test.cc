@@ -1,8 +1,8 @@
 // Every function once, in one process.
 #include <gtest/gtest.h>
 
-#include "support/captured_stderr.h"
-#include "support/functions.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/functions.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <optional>
 
-#include "simulator/simulated_device.h"
+#include "tests/simulator/simulated_device.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The Dante API daemon of the simulator, through raw stubs.
 #include <gmock/gmock.h>
 
-#include "simulator/simulated_device.h"
+#include "tests/simulator/simulated_device.h"
 
 namespace {
 

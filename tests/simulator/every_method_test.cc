@@ -1,6 +1,6 @@
 // No method of either service is left to the generated base class, which would
 // answer that it is not implemented.
-#include "simulator/simulated_device.h"
+#include "tests/simulator/simulated_device.h"
 
 namespace {
 

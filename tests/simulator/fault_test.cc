@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "simulator/loopback_port.h"
-#include "simulator/simulated_device.h"
+#include "tests/simulator/simulated_device.h"
 
 namespace {
 

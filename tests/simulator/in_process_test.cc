@@ -9,7 +9,7 @@
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
-#include "simulator/simulated_device.h"
+#include "tests/simulator/simulated_device.h"
 
 namespace {
 

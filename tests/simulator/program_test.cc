@@ -11,9 +11,9 @@
 #include <set>
 
 #include "simulator/simulator.h"
-#include "simulator/simulator_process.h"
-#include "simulator/stubs.h"
-#include "support/child.h"
+#include "tests/simulator/simulator_process.h"
+#include "tests/simulator/stubs.h"
+#include "tests/support/child.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <map>
 #include <ostream>
 
-#include "simulator/simulated_device.h"
+#include "tests/simulator/simulated_device.h"
 
 namespace {
 

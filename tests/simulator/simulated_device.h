@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "simulator/simulator.h"
-#include "simulator/stubs.h"
+#include "tests/simulator/stubs.h"
 
 namespace support {
 

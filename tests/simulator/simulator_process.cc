@@ -1,4 +1,4 @@
-#include "simulator/simulator_process.h"
+#include "tests/simulator/simulator_process.h"
 
 #include <fcntl.h>
 #include <poll.h>

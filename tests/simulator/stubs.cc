@@ -1,4 +1,4 @@
-#include "simulator/stubs.h"
+#include "tests/simulator/stubs.h"
 
 #include <grpcpp/create_channel.h>
 #include <grpcpp/security/credentials.h>

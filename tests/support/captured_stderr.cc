@@ -1,4 +1,4 @@
-#include "support/captured_stderr.h"
+#include "tests/support/captured_stderr.h"
 
 #include <sys/mman.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "support/child.h"
+#include "tests/support/child.h"
 
 #include <spawn.h>
 #include <sys/mman.h>

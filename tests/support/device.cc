@@ -1,4 +1,4 @@
-#include "support/device.h"
+#include "tests/support/device.h"
 
 #include <cstdlib>
 #include <iterator>

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "support/scripted_daemon.h"
+#include "tests/support/scripted_daemon.h"
 
 namespace support {
 

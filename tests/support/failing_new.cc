@@ -1,4 +1,4 @@
-#include "support/failing_new.h"
+#include "tests/support/failing_new.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "support/functions.h"
+#include "tests/support/functions.h"
 
 #include <iterator>
 #include <map>

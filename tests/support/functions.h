@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "support/device.h"
-#include "support/show.h"
+#include "tests/support/device.h"
+#include "tests/support/show.h"
 
 namespace support {
 

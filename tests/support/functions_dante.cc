@@ -1,7 +1,7 @@
 // The Dante half of the table.
 #include "DantegRPC.h"
 #include "ostrevan/grpcdapi.pb.h"
-#include "support/functions.h"
+#include "tests/support/functions.h"
 
 namespace support {
 namespace {

@@ -2,7 +2,7 @@
 #include "NetworkgRPC.h"
 #include "NetworkgRPC_c.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "support/functions.h"
+#include "tests/support/functions.h"
 
 namespace support {
 namespace {

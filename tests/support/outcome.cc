@@ -1,8 +1,8 @@
-#include "support/outcome.h"
+#include "tests/support/outcome.h"
 
 #include <map>
 
-#include "support/captured_stderr.h"
+#include "tests/support/captured_stderr.h"
 
 namespace support {
 

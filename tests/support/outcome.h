@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "support/functions.h"
+#include "tests/support/functions.h"
 
 namespace support {
 

@@ -1,4 +1,4 @@
-#include "support/scripted_daemon.h"
+#include "tests/support/scripted_daemon.h"
 
 #include <grpcpp/security/server_credentials.h>
 #include <grpcpp/server_builder.h>

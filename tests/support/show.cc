@@ -1,4 +1,4 @@
-#include "support/show.h"
+#include "tests/support/show.h"
 
 #include <sstream>
 

@@ -2,8 +2,8 @@
 // applications see.
 #pragma once
 
+#include "DAPIClient.h"
 #include "DantegRPC.h"
-#include "client/DAPIClient.h"
 
 namespace dante {
 

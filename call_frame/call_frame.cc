@@ -1,9 +1,9 @@
-#include "facade/frame.h"
+#include "call_frame/call_frame.h"
 
 #include <cstdarg>
 #include <cstdio>
 
-namespace facade {
+namespace call_frame {
 
 void Print(const char* format, ...) {
   va_list arguments;
@@ -31,4 +31,4 @@ bool Frame::Caught(const std::exception& error) const {
   return false;
 }
 
-}  // namespace facade
+}  // namespace call_frame

@@ -2,8 +2,8 @@
 // that applications see.
 #pragma once
 
+#include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
-#include "client/NetworkManagerClient.h"
 
 namespace network {
 

@@ -1,4 +1,4 @@
-#include "facade/frame.h"
+#include "call_frame/call_frame.h"
 
 #include <gtest/gtest.h>
 
@@ -6,12 +6,12 @@
 #include <stdexcept>
 
 #include "ostrevan/networkmanager.pb.h"
-#include "support/captured_stderr.h"
+#include "tests/support/captured_stderr.h"
 
 namespace {
 
-using facade::ExceptionLine;
-using facade::Frame;
+using call_frame::ExceptionLine;
+using call_frame::Frame;
 using ostrevan::networkmanager::Success;
 using support::CapturedStderr;
 
@@ -64,7 +64,7 @@ TEST(Frame, Fail_FillsTheNameInAndGivesFalse) {
 TEST(Frame, FailWithoutALine_IsSilent) {
   CapturedStderr captured;
 
-  EXPECT_FALSE((Frame{"GetName", ExceptionLine::kNameOnly}.Fail(facade::kNoLine)));
+  EXPECT_FALSE((Frame{"GetName", ExceptionLine::kNameOnly}.Fail(call_frame::kNoLine)));
   EXPECT_EQ(captured.Take(), "");
 }
 
@@ -88,10 +88,10 @@ TEST(Frame, ExceptionWithAnOutputToReset_ResetsIt) {
 TEST(Confirmed, NeedsBothTheStatusAndTheFlag) {
   const grpc::Status failed(grpc::StatusCode::UNAVAILABLE, "");
 
-  EXPECT_TRUE(facade::Confirmed(grpc::Status::OK, Answer(true)));
-  EXPECT_FALSE(facade::Confirmed(grpc::Status::OK, Answer(false)));
-  EXPECT_FALSE(facade::Confirmed(failed, Answer(true)));
-  EXPECT_FALSE(facade::Confirmed(failed, Answer(false)));
+  EXPECT_TRUE(call_frame::Confirmed(grpc::Status::OK, Answer(true)));
+  EXPECT_FALSE(call_frame::Confirmed(grpc::Status::OK, Answer(false)));
+  EXPECT_FALSE(call_frame::Confirmed(failed, Answer(true)));
+  EXPECT_FALSE(call_frame::Confirmed(failed, Answer(false)));
 }
 
 }  // namespace

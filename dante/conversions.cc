@@ -1,14 +1,13 @@
-#include "dante/records.h"
+#include "dante/conversions.h"
 
-using ostrevan::grpcdapi::LinkInfo;
-using ostrevan::grpcdapi::rawLinkInfo;
+namespace dapi = ostrevan::grpcdapi;
 
 namespace dante {
 namespace {
 
 // The address decides whether the stream parameters are in force: a raw
 // message without one describes no stream.
-void RawToRecord(const rawLinkInfo& raw, DantegRPC::ChannelLink& record) {
+void RawToRecord(const dapi::rawLinkInfo& raw, DantegRPC::ChannelLink& record) {
   record.isRaw = !raw.ip().empty();
   record.ip = raw.ip();
   record.value2 = raw.value2();
@@ -22,9 +21,9 @@ void RawToRecord(const rawLinkInfo& raw, DantegRPC::ChannelLink& record) {
   record.sessionId = raw.sessionid();
 }
 
-void RawToWire(const DantegRPC::ChannelLink& record, rawLinkInfo& raw) {
-  using ostrevan::grpcdapi::L16;
-  using ostrevan::grpcdapi::L24;
+void RawToWire(const DantegRPC::ChannelLink& record, dapi::rawLinkInfo& raw) {
+  using dapi::L16;
+  using dapi::L24;
   raw.set_ip(record.ip);
   raw.set_value2(record.value2);
   raw.set_value3(record.value3);
@@ -36,23 +35,21 @@ void RawToWire(const DantegRPC::ChannelLink& record, rawLinkInfo& raw) {
   if (record.hasSessionId) raw.set_sessionid(record.sessionId);
 }
 
-void NamesToWire(const DantegRPC::ChannelLink& record, LinkInfo& request) {
+void NamesToWire(const DantegRPC::ChannelLink& record, dapi::LinkInfo& request) {
   request.set_devicename(record.deviceName);
   request.set_channelname(record.channelName);
 }
 
 }  // namespace
 
-DantegRPC::Channel ToRecord(const ostrevan::grpcdapi::Channel& channel) {
-  return {channel.id(), channel.name()};
-}
+DantegRPC::Channel ToRecord(const dapi::Channel& channel) { return {channel.id(), channel.name()}; }
 
-void ToWire(const DantegRPC::Channel& record, ostrevan::grpcdapi::Channel& request) {
+void ToWire(const DantegRPC::Channel& record, dapi::Channel& request) {
   request.set_id(record.id);
   request.set_name(record.name);
 }
 
-DantegRPC::ChannelLink ToRecord(std::int32_t id, const LinkInfo& link) {
+DantegRPC::ChannelLink ToRecord(std::int32_t id, const dapi::LinkInfo& link) {
   DantegRPC::ChannelLink record;
   record.rxChannelId = id;
   record.channelName = link.channelname();
@@ -61,7 +58,7 @@ DantegRPC::ChannelLink ToRecord(std::int32_t id, const LinkInfo& link) {
   return record;
 }
 
-void ToWire(const DantegRPC::ChannelLink& record, LinkInfo& request) {
+void ToWire(const DantegRPC::ChannelLink& record, dapi::LinkInfo& request) {
   request.set_id(record.rxChannelId);
   if (record.isRaw) {
     if (record.ip.empty()) return;

@@ -3,10 +3,10 @@
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
-#include "support/captured_stderr.h"
-#include "support/device.h"
-#include "support/failing_new.h"
-#include "support/show.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/device.h"
+#include "tests/support/failing_new.h"
+#include "tests/support/show.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 // Every function of the library against daemons that answer well, fail, refuse
 // or are away: its result, its outputs, the calls that it makes, in order and
 // byte for byte, and what it prints.
-#include "support/functions.h"
+#include "tests/support/functions.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <set>
 
-#include "support/outcome.h"
+#include "tests/support/outcome.h"
 
 namespace {
 

@@ -1,26 +1,21 @@
-#include "network/records.h"
+#include "network/conversions.h"
 
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
-using ostrevan::networkmanager::Interface;
-using ostrevan::networkmanager::InterfaceConfig;
-using ostrevan::networkmanager::Interfaces;
-using ostrevan::networkmanager::InterfacesConfig;
-using ostrevan::networkmanager::InterfacesStatus;
-using ostrevan::networkmanager::InterfaceStatus;
+namespace nm = ostrevan::networkmanager;
 
 namespace network {
 namespace {
 
-constexpr std::int32_t kDynamic = ostrevan::networkmanager::DYNAMIC;
-constexpr std::int32_t kStatic = ostrevan::networkmanager::STATIC;
+constexpr std::int32_t kDynamic = nm::DYNAMIC;
+constexpr std::int32_t kStatic = nm::STATIC;
 
 // Applications know two modes; the two other dynamic ones of the daemon count
 // as dynamic.
-std::int32_t ModeToRecord(ostrevan::networkmanager::EnInterfaceMode mode) {
-  return mode == ostrevan::networkmanager::STATIC ? kStatic : kDynamic;
+std::int32_t ModeToRecord(nm::EnInterfaceMode mode) {
+  return mode == nm::STATIC ? kStatic : kDynamic;
 }
 
 // For one look-up among the entries, without memory of its own.
@@ -71,9 +66,9 @@ void CopyAddress(const Source& source, NetworkgRPC::InterfaceInfo& record) {
 }  // namespace
 
 bool fillInterfaceInfo(std::int32_t id, NetworkgRPC::InterfaceInfo& record,
-                       const InterfacesConfig& config, const InterfacesStatus& status) {
-  const InterfaceConfig* stored = FindFirst(config.configs(), id);
-  const InterfaceStatus* live = FindFirst(status.status(), id);
+                       const nm::InterfacesConfig& config, const nm::InterfacesStatus& status) {
+  const nm::InterfaceConfig* stored = FindFirst(config.configs(), id);
+  const nm::InterfaceStatus* live = FindFirst(status.status(), id);
   if (stored == nullptr || live == nullptr) return false;
 
   record.active = live->flag4();
@@ -86,22 +81,22 @@ bool fillInterfaceInfo(std::int32_t id, NetworkgRPC::InterfaceInfo& record,
   return true;
 }
 
-void AppendInterfaces(const Interfaces& known, const InterfacesConfig& config,
-                      const InterfacesStatus& status,
+void AppendInterfaces(const nm::Interfaces& known, const nm::InterfacesConfig& config,
+                      const nm::InterfacesStatus& status,
                       std::vector<NetworkgRPC::InterfaceInfo>& out) {
   FirstById stored_by_id(config.configs());
   FirstById live_by_id(status.status());
 
   // Moving the records to ever larger memory would cost more than all the rest.
   out.reserve(out.size() + static_cast<std::size_t>(known.interfaces_size()));
-  for (const Interface& interface : known.interfaces()) {
+  for (const nm::Interface& interface : known.interfaces()) {
     NetworkgRPC::InterfaceInfo record;
     record.name = interface.name();
     record.mac = interface.mac();
     record.id = interface.id();
-    if (const InterfaceConfig* stored = stored_by_id.Find(record.id)) {
+    if (const nm::InterfaceConfig* stored = stored_by_id.Find(record.id)) {
       record.mode = ModeToRecord(stored->mode());
-      if (const InterfaceStatus* live = live_by_id.Find(record.id)) {
+      if (const nm::InterfaceStatus* live = live_by_id.Find(record.id)) {
         CopyAddress(*live, record);
         record.active = live->flag4();
       }
@@ -111,21 +106,20 @@ void AppendInterfaces(const Interfaces& known, const InterfacesConfig& config,
   }
 }
 
-void ToWire(std::int32_t id, const NetworkgRPC::InterfaceInfo& record, InterfaceConfig& request) {
+void ToWire(std::int32_t id, const NetworkgRPC::InterfaceInfo& record,
+            nm::InterfaceConfig& request) {
   request.set_id(id);
   if (record.mode != kStatic || record.ip.empty() || record.netmask.empty()) {
-    request.set_mode(ostrevan::networkmanager::DYNAMIC);
+    request.set_mode(nm::DYNAMIC);
     return;
   }
-  request.set_mode(ostrevan::networkmanager::STATIC);
+  request.set_mode(nm::STATIC);
   request.set_ip(record.ip);
   request.set_netmask(record.netmask);
   if (!record.gateway.empty()) request.set_gateway(record.gateway);
   if (!record.dns.empty()) request.add_dns(record.dns);
 }
 
-NetworkgRPC::SwitchMode ToRecord(const ostrevan::networkmanager::SwitchMode& mode) {
-  return {mode.id(), mode.name()};
-}
+NetworkgRPC::SwitchMode ToRecord(const nm::SwitchMode& mode) { return {mode.id(), mode.name()}; }
 
 }  // namespace network

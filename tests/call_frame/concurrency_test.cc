@@ -7,10 +7,10 @@
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
-#include "support/captured_stderr.h"
-#include "support/device.h"
-#include "support/show.h"
-#include "support/together.h"
+#include "tests/support/captured_stderr.h"
+#include "tests/support/device.h"
+#include "tests/support/show.h"
+#include "tests/support/together.h"
 
 namespace {
 

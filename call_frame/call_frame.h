@@ -10,7 +10,7 @@
 
 #include <exception>
 
-namespace facade {
+namespace call_frame {
 
 /// What a caught exception prints. Both wordings are in use on devices.
 enum class ExceptionLine {
@@ -92,4 +92,4 @@ bool Change(const Frame& frame, grpc::Status (Client::*call)(Success*), const ch
   });
 }
 
-}  // namespace facade
+}  // namespace call_frame
