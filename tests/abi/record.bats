@@ -3,11 +3,11 @@
 # comparison notices what it must.
 #
 # ctest gives: LIBRARY, the shared object with debug information; RECORD, the
-# record for its size of addresses; SOURCE_DIR; OBJCOPY.
+# record for its size of addresses; SOURCE_TREE; OBJCOPY.
 
 bats_require_minimum_version 1.5.0
 
-check() { "$SOURCE_DIR/scripts/abi" check --library "$LIBRARY" --record "$1"; }
+check() { "$SOURCE_TREE/scripts/abi" check --library "$LIBRARY" --record "$1"; }
 
 # earlier SED-SCRIPT: a record of a library that differed in this way.
 earlier() {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bats
 # The reference is made of the public headers without a warning, and has everything.
 #
-# ctest gives: DOXYGEN, DOXYFILE, SOURCE_DIR.
+# ctest gives: DOXYGEN, DOXYFILE, SOURCE_TREE.
 
 bats_require_minimum_version 1.5.0
 
@@ -15,8 +15,8 @@ make() {
 
 # with_header SED-SCRIPT: makes the reference of a DantegRPC.h that was changed so.
 with_header() {
-  sed "$1" "$SOURCE_DIR/dante/DantegRPC.h" >"$BATS_TEST_TMPDIR/DantegRPC.h"
-  run ! cmp "$SOURCE_DIR/dante/DantegRPC.h" "$BATS_TEST_TMPDIR/DantegRPC.h"
+  sed "$1" "$SOURCE_TREE/dante/DantegRPC.h" >"$BATS_TEST_TMPDIR/DantegRPC.h"
+  run ! cmp "$SOURCE_TREE/dante/DantegRPC.h" "$BATS_TEST_TMPDIR/DantegRPC.h"
   make "INPUT = \"$BATS_TEST_TMPDIR/DantegRPC.h\"" "USE_MDFILE_AS_MAINPAGE ="
 }
 
@@ -29,7 +29,7 @@ with_header() {
 
 @test "the reference has every function" {
   # The list has constructors, destructors and static objects besides.
-  grep -oE '^([A-Za-z]+::)?[A-Za-z0-9]+(\(|\[|$)' "$SOURCE_DIR/tests/abi/public_symbols.txt" |
+  grep -oE '^([A-Za-z]+::)?[A-Za-z0-9]+(\(|\[|$)' "$SOURCE_TREE/tests/abi/public_symbols.txt" |
     tr -d '[(' | grep -vxE '([A-Za-z]+)::(\1|GetInstance)' | sort -u >"$BATS_TEST_TMPDIR/expected"
   [ "$(wc -l <"$BATS_TEST_TMPDIR/expected")" -eq 94 ]
   make "GENERATE_TAGFILE = \"$BATS_TEST_TMPDIR/tags\""

@@ -1,9 +1,9 @@
 # The documents against the tree that they speak of.
 #
-# ctest gives: SOURCE_DIR; CXX and GENERATED_DIR, the compiler and the generated headers.
+# ctest gives: SOURCE_TREE; CXX and GENERATED_DIR, the compiler and the generated headers.
 
 setup() {
-  cd "$SOURCE_DIR" || exit
+  cd "$SOURCE_TREE" || exit
 }
 
 # code_block LANGUAGE FILE: the first fenced block of that language.
