@@ -1,8 +1,8 @@
-// The C interface with the facade replaced: names become host names, records
-// become fixed fields.
+// The C functions on top of a facade that this file replaces: setampname() turns names
+// into host names, cGetControlInterface() copies records into fixed-size fields.
 //
-// Input: one byte for the number of entries, three texts for a record, each with
-// its length, then names, each with its length, until the end.
+// Input: one byte for `max`, three strings for a record, then names, until the end.
+// Each string has its length in front.
 #include <algorithm>
 #include <array>
 #include <cstdarg>
@@ -18,15 +18,15 @@ namespace {
 
 using fuzz::Check;
 
-// What stands in for the facade.
+// State of the replaced facade.
 std::vector<NetworkgRPC::InterfaceInfo> given;
 std::string printed;
 std::string hostname;
 
 constexpr std::size_t kBuffer = 256;
 
-// The name as it must be sent, told apart from the library's own filter: the same
-// buffer lives on from call to call.
+// The host name that must be sent, computed without the library's own filter. The
+// buffer keeps its contents from call to call, as the library's does.
 std::string ExpectedName(const std::string& name, std::string& lines) {
   static std::array<char, kBuffer> buffer = {"unknown"};
   std::size_t count = 0;
@@ -52,8 +52,8 @@ std::string ExpectedName(const std::string& name, std::string& lines) {
   return buffer.data();
 }
 
-// In memory of exactly its size, so that a byte read behind it is noticed. From
-// 255 characters on a name need not end.
+// The name is in memory of exactly its size, so that AddressSanitizer reports a read
+// beyond it. A name of 255 characters or more needs no NUL.
 void CheckName(std::string_view bytes) {
   const std::string name(bytes.substr(0, bytes.find('\0')));
   const bool ends = name.size() < kBuffer - 1;
@@ -66,14 +66,14 @@ void CheckName(std::string_view bytes) {
   const int result = setampname(memory.data(), 1);
   Check(result == (expected.size() % 2 == 0 ? 0 : -1), "the result is that of SetHostname");
   Check(hostname == expected, "the host name is made of letters and digits");
-  Check(printed == lines, "each discarded character has its line");
+  Check(printed == lines, "one line per discarded character");
 }
 
 void CheckField(const char* field, std::size_t size, const std::string& text) {
   const std::string cut = text.substr(0, std::min(text.find('\0'), size - 1));
   std::string expected(size, '\0');
   cut.copy(expected.data(), size);
-  Check(std::memcmp(field, expected.data(), size) == 0, "a field is cut, and NUL to its end");
+  Check(std::memcmp(field, expected.data(), size) == 0, "a field is cut and padded with NUL");
 }
 
 void CheckRecord(int max) {
@@ -118,7 +118,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   given.clear();
   CheckRecord(max);
   int mode = 99;
-  Check(cGetCurrentSwitchMode(&mode) == -1 && mode == 99, "no mode leaves the number");
+  Check(cGetCurrentSwitchMode(&mode) == -1 && mode == 99, "without a mode the output is unchanged");
 
   NetworkgRPC::InterfaceInfo record;
   record.ip = input.Part();
@@ -126,9 +126,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   record.mac = input.Part();
   given.push_back(record);
   CheckRecord(max);
-  Check(cGetCurrentSwitchMode(&mode) == 0 && mode == 1, "the mode's number is handed out");
+  Check(cGetCurrentSwitchMode(&mode) == 0 && mode == 1, "the output is the mode's id");
 
   while (!input.AtEnd()) CheckName(input.Part());
-  Check(setampname(nullptr, 1) == -1 && hostname == "unknown", "no name is the default");
+  Check(setampname(nullptr, 1) == -1 && hostname == "unknown", "a null name sets the default");
   return 0;
 }

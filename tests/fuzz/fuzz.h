@@ -1,5 +1,5 @@
-// What the fuzz targets share: the entry that both libFuzzer and replay.cc call,
-// a check that stays in every build, and the splitting of an input.
+// What the fuzz targets share: the function that libFuzzer or replay.cc calls, a check
+// that is active in every build, and a reader that splits an input into parts.
 #pragma once
 
 #include <cstddef>
@@ -13,14 +13,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace fuzz {
 
-/// Ends the process when the condition does not hold.
+/// Aborts the process if the condition does not hold.
 inline void Check(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "broken: %s\n", what);
   std::abort();
 }
 
-/// Takes an input apart from its front. What is missing at its end is 0 or empty.
+/// Reads an input from front to back. Beyond its end, numbers are 0 and strings empty.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size)
@@ -43,10 +43,17 @@ class Input {
     return bytes;
   }
 
-  /// Bytes with their number, up to 65,535, before them: low byte first.
+  /// A length of two bytes, low byte first, then that many bytes.
   std::string_view Part() {
     const std::size_t low = Byte();
     return Bytes(low + 256 * std::size_t{Byte()});
+  }
+
+  /// Parses a part as this message; false if it is not one.
+  template <class Message>
+  bool ParsePart(Message& message) {
+    const std::string_view bytes = Part();
+    return message.ParseFromArray(bytes.data(), static_cast<int>(bytes.size()));
   }
 
   bool AtEnd() const { return rest.empty(); }

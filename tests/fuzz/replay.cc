@@ -1,4 +1,4 @@
-// Runs a fuzz target over the files of the folders that are given.
+// Runs a fuzz target on every file in the given folders.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -17,7 +17,7 @@ int main(int argc, char** argv) {
 
   for (const auto& path : files) {
     std::printf("%s\n", path.filename().c_str());
-    std::fflush(stdout);  // the last name printed is the one that failed
+    std::fflush(stdout);  // so that the last name printed is the input that failed
     std::ifstream file(path, std::ios::binary);
     const std::string bytes((std::istreambuf_iterator<char>(file)), {});
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());

@@ -1,6 +1,4 @@
-// Round after round a fresh process calls one function of the library, and the
-// peer that answers it changes a few of an honest server's frames. The process
-// must end by itself, and well, or in one of the ways that are known of gRPC.
+// Runs the rounds and compares how each process ended with the known endings.
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
@@ -18,7 +16,7 @@
 #include <regex>
 #include <sstream>
 
-#include "tests/fuzz/hostile_connection.h"
+#include "tests/hostile_http2/hostile_peer.h"
 #include "tests/support/functions.h"
 
 namespace {
@@ -26,7 +24,7 @@ namespace {
 using support::Function;
 
 constexpr const char* kDoesNotEnd = "does not end";
-// The connection is closed by then and nobody listens: milliseconds would do.
+// The connection is closed by then, so milliseconds are enough on an idle machine.
 constexpr int kEndLimitMs = 10000;
 
 struct Options {
@@ -34,13 +32,13 @@ struct Options {
   unsigned rounds = 300;
   unsigned first = 0;
   std::string known;
-  std::string victim;
+  std::string one_call;
 };
 
-// A process that writes its standard error into a file of its own.
-class Victim {
+// The program one_call, its standard error in a file of its own.
+class CallingProcess {
  public:
-  Victim(const std::string& program, std::size_t function)
+  CallingProcess(const std::string& program, std::size_t function)
       : errors(memfd_create("errors", MFD_CLOEXEC)) {
     std::string path = program;
     std::string number = std::to_string(function);
@@ -52,12 +50,12 @@ class Victim {
     posix_spawn_file_actions_destroy(&actions);
     if (failure != 0) throw std::runtime_error("cannot run " + program);
   }
-  ~Victim() { close(errors); }
+  ~CallingProcess() { close(errors); }
 
-  Victim(const Victim&) = delete;
-  Victim& operator=(const Victim&) = delete;
+  CallingProcess(const CallingProcess&) = delete;
+  CallingProcess& operator=(const CallingProcess&) = delete;
 
-  /// How it ended: empty when well, else what to know the way by again.
+  /// How it ended: empty for exit status 0, otherwise the reason and its last line.
   std::string End() {
     const int handle = static_cast<int>(syscall(SYS_pidfd_open, child, 0));
     pollfd ended{handle, POLLIN, 0};
@@ -71,13 +69,13 @@ class Victim {
     const std::string how = WIFSIGNALED(status)
                                 ? std::string(strsignal(WTERMSIG(status)))
                                 : "exit status " + std::to_string(WEXITSTATUS(status));
-    return how + ": " + LastWords();
+    return how + ": " + LastLine();
   }
 
  private:
-  // The last line that is not the library's, nor an emulator's that tells of the signal,
-  // without time, process and thread.
-  std::string LastWords() const {
+  // The last line of standard error that neither the library nor an emulator printed,
+  // without time and thread.
+  std::string LastLine() const {
     std::string text(65536, '\0');
     const ssize_t size = pread(errors, text.data(), text.size(), 0);
     text.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
@@ -93,8 +91,8 @@ class Victim {
   pid_t child = 0;
 };
 
-// One regular expression per line; # begins a comment.
-std::vector<std::regex> ReadKnown(const std::string& path) {
+// One regular expression per line; # starts a comment.
+std::vector<std::regex> ReadKnownEndings(const std::string& path) {
   std::vector<std::regex> known;
   std::ifstream file(path);
   if (!file) throw std::runtime_error("cannot read " + path);
@@ -103,7 +101,7 @@ std::vector<std::regex> ReadKnown(const std::string& path) {
   return known;
 }
 
-std::deque<std::string> HonestReplies(const support::Device& device, const Function& function) {
+std::deque<std::string> GoodReplies(const support::Device& device, const Function& function) {
   std::deque<std::string> replies;
   for (const support::Step& step : function.steps) replies.push_back(step.reply);
   const bool dante =
@@ -118,7 +116,7 @@ bool IsKnown(const std::string& end, const std::vector<std::regex>& known) {
 }
 
 int Run(const Options& options) {
-  const auto known = ReadKnown(options.known);
+  const auto known = ReadKnownEndings(options.known);
   const auto functions = support::AllFunctions();
   support::Device device;  // for its list of interfaces
   std::map<std::string, unsigned> ends;
@@ -128,12 +126,12 @@ int Run(const Options& options) {
     std::vector<std::uint32_t> seed(2);
     seeds.generate(seed.begin(), seed.end());
     const std::size_t number = seed[0] % functions.size();
-    fuzz::HostileConnection peer(seed[1], HonestReplies(device, functions[number]));
+    hostile_http2::HostilePeer peer(seed[1], GoodReplies(device, functions[number]));
     setenv("network_manager_url", peer.Url().c_str(), 1);
     setenv("grpc_dapi_url", peer.Url().c_str(), 1);
-    Victim victim(options.victim, number);
+    CallingProcess process(options.one_call, number);
     peer.Serve();
-    std::string end = victim.End();
+    std::string end = process.End();
     if (end == kDoesNotEnd && peer.SentMoreThanAMessage()) end += " after more than a message";
     ++ends[end];
     if (end.empty() || IsKnown(end, known)) continue;
@@ -141,8 +139,8 @@ int Run(const Options& options) {
     std::printf("seed %u round %u, %s: %s\n", options.seed, round, functions[number].name.c_str(),
                 end.c_str());
   }
-  std::printf("hostile peer: %u rounds, %u ended well, %u in an unknown way\n", options.rounds,
-              ends[""], unknown);
+  std::printf("hostile HTTP/2 peer: %u rounds, %u exited with 0, %u ended in an unknown way\n",
+              options.rounds, ends[""], unknown);
   for (const auto& [end, count] : ends)
     if (!end.empty()) std::printf("  %u times %s\n", count, end.c_str());
   return unknown == 0 ? 0 : 1;
@@ -152,13 +150,14 @@ int Run(const Options& options) {
 
 int main(int argc, char** argv) {
   Options options;
-  CLI::App app("Answers calls of the library with frames that are almost right");
-  app.add_option("--seed", options.seed, "begins the random numbers")->capture_default_str();
-  app.add_option("--rounds", options.rounds, "how many calls")->capture_default_str();
-  app.add_option("--first", options.first, "number of the first one, to repeat it")
+  CLI::App app("Answer calls of the library with HTTP/2 frames that are almost right");
+  app.add_option("--seed", options.seed, "Seed of the random numbers")->capture_default_str();
+  app.add_option("--rounds", options.rounds, "Number of rounds, one call each")
       ->capture_default_str();
-  app.add_option("--known", options.known, "ways to end that are known")->required();
-  app.add_option("VICTIM", options.victim, "the program hostile_peer_victim")->required();
+  app.add_option("--first", options.first, "Number of the first round, to repeat it")
+      ->capture_default_str();
+  app.add_option("--known", options.known, "File of the known endings")->required();
+  app.add_option("ONE_CALL", options.one_call, "The program that makes one call")->required();
   CLI11_PARSE(app, argc, argv);
   return Run(options);
 }

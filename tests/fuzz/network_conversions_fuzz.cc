@@ -1,4 +1,4 @@
-// Replies of the network-manager daemon become records, and records requests.
+// Replies of the network-manager daemon converted to records, and records to requests.
 //
 // Input: one byte for an interface id, then the bytes of an Interfaces, an
 // InterfacesConfig, an InterfacesStatus and a SwitchMode, each with its length.
@@ -19,12 +19,6 @@ struct Reply {
   nm::InterfacesStatus status;
 };
 
-template <class Message>
-bool Parse(fuzz::Input& input, Message& message) {
-  const std::string_view bytes = input.Part();
-  return message.ParseFromArray(bytes.data(), static_cast<int>(bytes.size()));
-}
-
 const nm::InterfaceConfig* Stored(const Reply& reply, std::int32_t id) {
   for (const auto& entry : reply.config.configs())
     if (entry.id() == id) return &entry;
@@ -43,7 +37,7 @@ bool Same(const Info& a, const Info& b) {
          a.id == b.id;
 }
 
-// A record in which every field shows when it is touched.
+// A record in which a change of any field shows.
 Info Marked() {
   Info record;
   record.mode = 77;
@@ -79,7 +73,7 @@ void CheckFill(std::int32_t id, const Reply& reply) {
   }
   Info record = Marked();
   const bool filled = network::fillInterfaceInfo(id, record, reply.config, reply.status);
-  Check(filled == described, "fillInterfaceInfo tells whether both lists have the interface");
+  Check(filled == described, "fillInterfaceInfo returns whether both lists have the interface");
   Check(Same(record, expected), "fillInterfaceInfo fills exactly what is known");
 }
 
@@ -104,7 +98,7 @@ void CheckAppend(const Reply& reply) {
   network::AppendInterfaces(reply.known, reply.config, reply.status, records);
   Check(records.size() == 1 + static_cast<std::size_t>(reply.known.interfaces_size()),
         "one record per interface is appended");
-  Check(Same(records[0], Marked()), "records from before stay as they were");
+  Check(Same(records[0], Marked()), "earlier records stay unchanged");
   for (int i = 0; i < reply.known.interfaces_size(); ++i)
     Check(Same(records[static_cast<std::size_t>(i) + 1], Merged(reply.known.interfaces(i), reply)),
           "an appended record merges the first entries of its id");
@@ -129,17 +123,18 @@ void CheckRequest(std::int32_t id, const nm::InterfaceConfig& source) {
     if (!record.dns.empty()) expected.add_dns(record.dns);
   }
   Check(request.SerializeAsString() == expected.SerializeAsString(),
-        "a request is static and complete, or else nothing but dynamic");
+        "a request is static and complete, or dynamic and empty");
 }
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  google::protobuf::SetLogHandler(nullptr);  // it reports invalid UTF-8 at every turn
+  google::protobuf::SetLogHandler(nullptr);  // it reports every invalid UTF-8 string
   fuzz::Input input(data, size);
   const std::int32_t id = input.SignedByte();
   Reply reply;
-  if (!Parse(input, reply.known) || !Parse(input, reply.config) || !Parse(input, reply.status))
+  if (!input.ParsePart(reply.known) || !input.ParsePart(reply.config) ||
+      !input.ParsePart(reply.status))
     return 0;
   CheckFill(id, reply);
   for (const auto& entry : reply.config.configs()) {
@@ -149,7 +144,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   CheckAppend(reply);
 
   nm::SwitchMode mode;
-  if (!Parse(input, mode)) return 0;
+  if (!input.ParsePart(mode)) return 0;
   const NetworkgRPC::SwitchMode record = network::ToRecord(mode);
   Check(record.id == mode.id() && record.name == mode.name(), "a switch mode is copied");
   return 0;

@@ -1,11 +1,11 @@
-// The frames of HTTP/2 that an honest gRPC server sends, as bytes.
+// The HTTP/2 frames that a gRPC server sends, as bytes.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-namespace fuzz {
+namespace hostile_http2 {
 
 enum FrameType : std::uint8_t { kData = 0, kHeaders = 1, kReset = 3, kSettings = 4, kPing = 6 };
 
@@ -20,18 +20,18 @@ struct Frame {
   std::string payload;
 };
 
-/// Header, nine bytes, and payload.
+/// The nine bytes of the frame header, then the payload.
 std::string Bytes(const Frame& frame);
 
-/// Takes the first whole frame off the front of `bytes`; false when there is none.
+/// Moves the first complete frame from `bytes` to `frame`; false if there is none.
 bool TakeFrame(std::string& bytes, Frame& frame);
 
-/// `count` bytes as a number, the highest first.
+/// `count` bytes as a big-endian number.
 std::size_t Number(const std::string& bytes, std::size_t at, std::size_t count);
 
-/// SETTINGS, as the server's first frame.
+/// The server's first frame.
 Frame Settings();
-/// HEADERS, DATA with the message, HEADERS with status 0.
+/// HEADERS, DATA with the message, HEADERS with grpc-status 0.
 std::vector<Frame> Answer(std::uint32_t stream, const std::string& message);
 
-}  // namespace fuzz
+}  // namespace hostile_http2

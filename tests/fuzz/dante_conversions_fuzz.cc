@@ -1,4 +1,4 @@
-// Replies of the Dante API daemon become records, and records requests.
+// Replies of the Dante API daemon converted to records, and records to requests.
 //
 // Input: the bytes of a Channels and of a LinkInfo, each with its length.
 #include <google/protobuf/stubs/logging.h>
@@ -12,12 +12,6 @@ namespace dapi = ostrevan::grpcdapi;
 using Link = DantegRPC::ChannelLink;
 using fuzz::Check;
 
-template <class Message>
-bool Parse(fuzz::Input& input, Message& message) {
-  const std::string_view bytes = input.Part();
-  return message.ParseFromArray(bytes.data(), static_cast<int>(bytes.size()));
-}
-
 void CheckChannel(const dapi::Channel& channel) {
   const DantegRPC::Channel record = dante::ToRecord(channel);
   Check(record.id == channel.id() && record.name == channel.name(), "a channel is copied");
@@ -25,15 +19,15 @@ void CheckChannel(const dapi::Channel& channel) {
   dante::ToWire(record, request);
   Check(request.id() == channel.id() && request.name() == channel.name() &&
             request.defaultname().empty(),
-        "a channel goes back without its factory label");
+        "a request has no default name");
 }
 
 void CheckRecord(std::int32_t id, const dapi::LinkInfo& link, const Link& record) {
   const dapi::rawLinkInfo& raw = link.raw();  // all zero when there is none
-  Check(record.rxChannelId == id, "the channel's own number counts");
+  Check(record.rxChannelId == id, "the id is that of the channel");
   Check(record.channelName == link.channelname() && record.deviceName == link.devicename(),
         "names are copied");
-  Check(record.isRaw == !raw.ip().empty(), "a stream without an address is none");
+  Check(record.isRaw == !raw.ip().empty(), "a stream without an address is not raw");
   Check(record.ip == raw.ip() && record.sip == raw.sip(), "addresses are copied");
   Check(record.value2 == raw.value2() && record.value3 == raw.value3() &&
             record.value4 == raw.value4() && record.value5 == raw.value5() &&
@@ -67,25 +61,25 @@ void CheckRequest(const Link& record) {
   dapi::LinkInfo request;
   dante::ToWire(record, request);
   Check(request.SerializeAsString() == expected.SerializeAsString(),
-        "a request names a complete source, or nothing but the channel");
+        "a request names a complete source, or only the channel");
 }
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  google::protobuf::SetLogHandler(nullptr);  // it reports invalid UTF-8 at every turn
+  google::protobuf::SetLogHandler(nullptr);  // it reports every invalid UTF-8 string
   fuzz::Input input(data, size);
   dapi::Channels channels;
-  if (!Parse(input, channels)) return 0;
+  if (!input.ParsePart(channels)) return 0;
   for (const auto& channel : channels.channels()) CheckChannel(channel);
 
   dapi::LinkInfo link;
-  if (!Parse(input, link)) return 0;
+  if (!input.ParsePart(link)) return 0;
   const std::int32_t id = channels.channels_size();
   Link record = dante::ToRecord(id, link);
   CheckRecord(id, link, record);
   CheckRequest(record);
-  // Also what no reply gives: the flag turned round.
+  // A combination that no reply gives.
   record.isRaw = !record.isRaw;
   CheckRequest(record);
   return 0;

@@ -1,8 +1,8 @@
-#include "tests/fuzz/http2_frames.h"
+#include "tests/hostile_http2/http2_frames.h"
 
 #include <utility>
 
-namespace fuzz {
+namespace hostile_http2 {
 namespace {
 
 constexpr std::size_t kHeaderSize = 9;
@@ -14,7 +14,7 @@ std::string BigEndian(std::size_t value, int bytes) {
   return text;
 }
 
-// A header field without compression and without an entry in the table.
+// A literal header field, not compressed and not indexed.
 std::string Field(const std::string& name, const std::string& value) {
   return std::string(1, '\0') + static_cast<char>(name.size()) + name +
          static_cast<char>(value.size()) + value;
@@ -47,7 +47,7 @@ bool TakeFrame(std::string& bytes, Frame& frame) {
 Frame Settings() { return {kSettings, 0, 0, ""}; }
 
 std::vector<Frame> Answer(std::uint32_t stream, const std::string& message) {
-  const std::string status_200 = "\x88";  // an entry of the static table
+  const std::string status_200 = "\x88";  // index into HPACK's static table
   const std::string head = status_200 + Field("content-type", "application/grpc");
   const std::string data = std::string(1, '\0') + BigEndian(message.size(), 4) + message;
   return {{kHeaders, kEndHeaders, stream, head},
@@ -55,4 +55,4 @@ std::vector<Frame> Answer(std::uint32_t stream, const std::string& message) {
           {kHeaders, kEndHeaders | kEndStream, stream, Field("grpc-status", "0")}};
 }
 
-}  // namespace fuzz
+}  // namespace hostile_http2

@@ -1,5 +1,5 @@
-// Calls one function of the library, named by its number in the table. Ends with
-// 0 whatever comes of the call.
+// Calls one function of the library, given by its index in the table of functions.
+// Exit status 0, whatever the call returns.
 #include <cstdlib>
 
 #include "tests/support/functions.h"

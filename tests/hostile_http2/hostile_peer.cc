@@ -1,4 +1,4 @@
-#include "tests/fuzz/hostile_connection.h"
+#include "tests/hostile_http2/hostile_peer.h"
 
 #include <netinet/in.h>
 #include <poll.h>
@@ -10,13 +10,13 @@
 #include <stdexcept>
 #include <utility>
 
-namespace fuzz {
+namespace hostile_http2 {
 namespace {
 
 constexpr std::size_t kPreface = 24;  // "PRI * HTTP/2.0..." before the client's first frame
-constexpr int kNobodyComesMs = 10000;
-constexpr int kHonestSilenceMs = 10000;
-constexpr int kSilenceMs = 50;  // after a change a client may wait for ever
+constexpr int kConnectMs = 10000;
+constexpr int kSilenceMs = 10000;
+constexpr int kSilenceAfterChangeMs = 50;  // the client may then wait without end
 
 bool Ready(int descriptor, int limit_ms) {
   pollfd ready{descriptor, POLLIN, 0};
@@ -25,10 +25,10 @@ bool Ready(int descriptor, int limit_ms) {
 
 }  // namespace
 
-HostileConnection::HostileConnection(std::uint32_t seed, std::deque<std::string> given_replies)
+HostilePeer::HostilePeer(std::uint32_t seed, std::deque<std::string> given_replies)
     : random(seed),
       replies(std::move(given_replies)),
-      // Settings, their acknowledgement, then one sending per call.
+      // SETTINGS, their acknowledgement, then one Send() per call.
       change_at(random() % (replies.size() + 2)),
       listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   sockaddr_in address{};
@@ -39,39 +39,39 @@ HostileConnection::HostileConnection(std::uint32_t seed, std::deque<std::string>
     throw std::runtime_error("cannot listen on loopback");
 }
 
-HostileConnection::~HostileConnection() {
+HostilePeer::~HostilePeer() {
   if (listener >= 0) close(listener);
-  if (peer >= 0) close(peer);
+  if (connection >= 0) close(connection);
 }
 
-std::string HostileConnection::Url() const {
+std::string HostilePeer::Url() const {
   sockaddr_in address{};
   socklen_t size = sizeof address;
   getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
   return "ipv4:127.0.0.1:" + std::to_string(ntohs(address.sin_port));
 }
 
-void HostileConnection::Serve() {
-  if (Ready(listener, kNobodyComesMs)) peer = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+void HostilePeer::Serve() {
+  if (Ready(listener, kConnectMs)) connection = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
   close(std::exchange(listener, -1));
-  if (peer < 0) return;
+  if (connection < 0) return;
 
   Send({Settings()});
   std::string bytes;
   bool greeted = false;
   std::array<char, 4096> block{};
-  while (open && Ready(peer, changed ? kSilenceMs : kHonestSilenceMs)) {
-    const ssize_t size = read(peer, block.data(), block.size());
+  while (open && Ready(connection, changed ? kSilenceAfterChangeMs : kSilenceMs)) {
+    const ssize_t size = read(connection, block.data(), block.size());
     if (size <= 0) break;
     bytes.append(block.data(), static_cast<std::size_t>(size));
     if (!greeted && bytes.size() < kPreface) continue;
     if (!std::exchange(greeted, true)) bytes.erase(0, kPreface);
     for (Frame frame{}; open && TakeFrame(bytes, frame);) Receive(frame);
   }
-  close(std::exchange(peer, -1));
+  close(std::exchange(connection, -1));
 }
 
-void HostileConnection::Receive(const Frame& frame) {
+void HostilePeer::Receive(const Frame& frame) {
   const bool acknowledged = (frame.flags & kAck) != 0;
   if (frame.type == kSettings && !acknowledged) Send({{kSettings, kAck, 0, ""}});
   if (frame.type == kPing && !acknowledged) Send({{kPing, kAck, 0, frame.payload}});
@@ -84,7 +84,7 @@ void HostileConnection::Receive(const Frame& frame) {
   Send(Answer(frame.stream, reply));
 }
 
-void HostileConnection::Send(std::vector<Frame> frames) {
+void HostilePeer::Send(std::vector<Frame> frames) {
   std::string bytes;
   if (sendings++ == change_at) {
     changed = true;
@@ -93,12 +93,12 @@ void HostileConnection::Send(std::vector<Frame> frames) {
   } else {
     for (const Frame& frame : frames) bytes += Bytes(frame);
   }
-  // A client that has gone makes this fail; reading tells as well.
-  if (send(peer, bytes.data(), bytes.size(), MSG_NOSIGNAL) < 0) open = false;
+  // Fails if the client has disconnected, as the next read() does.
+  if (send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL) < 0) open = false;
 }
 
-void HostileConnection::Remember(std::string bytes) {
-  constexpr std::size_t kPrefix = 5;  // of a message: whether compressed, and its size
+void HostilePeer::Remember(std::string bytes) {
+  constexpr std::size_t kPrefix = 5;  // of a message: compressed flag, then its size
   std::map<std::uint32_t, std::string> data;
   for (Frame frame{}; TakeFrame(bytes, frame);)
     if (frame.type == kData) data[frame.stream] += frame.payload;
@@ -107,8 +107,8 @@ void HostileConnection::Remember(std::string bytes) {
       more_than_a_message = true;
 }
 
-// One change to whole frames, of which there are some.
-void HostileConnection::ChangeFrames(std::vector<Frame>& frames) {
+// Changes, repeats, drops, swaps or adds one frame. There must be one.
+void HostilePeer::ChangeFrames(std::vector<Frame>& frames) {
   const std::size_t at = Below(frames.size());
   const auto place = frames.begin() + static_cast<std::ptrdiff_t>(at);
   const auto byte = static_cast<std::uint8_t>(random());
@@ -147,9 +147,9 @@ void HostileConnection::ChangeFrames(std::vector<Frame>& frames) {
   }
 }
 
-// One to three changes to whole frames, then perhaps some to single bits, or an end
-// that comes too early.
-std::string HostileConnection::Change(std::vector<Frame> frames) {
+// Changes one to three frames; then up to two single bits; in one of eight cases the
+// end is cut off.
+std::string HostilePeer::Change(std::vector<Frame> frames) {
   for (std::size_t changes = 1 + Below(3); changes > 0 && !frames.empty(); --changes)
     ChangeFrames(frames);
   std::string bytes;
@@ -163,4 +163,4 @@ std::string HostileConnection::Change(std::vector<Frame> frames) {
   return bytes;
 }
 
-}  // namespace fuzz
+}  // namespace hostile_http2
