@@ -15,7 +15,7 @@ import re
 import subprocess
 import sys
 
-# What scripts/cross has counted, if it has: {architecture: instructions.json}.
+# The counts of scripts/cross-test, if there are any: {architecture: instructions.json}.
 EMULATED = ("arm64", "armhf")
 
 

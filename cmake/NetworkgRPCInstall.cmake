@@ -1,14 +1,14 @@
-# What `cmake --install` puts where, and how others find it.
+# What `cmake --install` installs, and how other projects find it.
 #
-#   <includedir>/NetworkgRPC/          public headers, ostrevan/ with the generated ones
-#   <libdir>/                          the shared object with its SONAME links
+#   <includedir>/NetworkgRPC/          public headers; generated ones in ostrevan/
+#   <libdir>/                          the shared object and its links
 #   <libdir>/cmake/NetworkgRPC/        CMake package NetworkgRPC
 #   <libdir>/pkgconfig/                modules NetworkgRPC and NetworkgRPC-client
-#   <datadir>/NetworkgRPC/proto/       the schema, for those who write a daemon
-#   <bindir>/                          the programs that were built
+#   <datadir>/NetworkgRPC/proto/       the schemas, for writing a daemon
+#   <bindir>/                          the programs
 #   <mandir>/                          manual pages
 #
-# The installed tree finds itself by relative paths, so that it can be moved.
+# All paths in the installed tree are relative, so that it can be moved.
 
 include(CMakePackageConfigHelpers)
 
@@ -25,14 +25,14 @@ install(FILES
 install(FILES man/libNetworkgRPC.3 DESTINATION "${CMAKE_INSTALL_MANDIR}/man3")
 install(FILES man/networkgrpc-environment.7 DESTINATION "${CMAKE_INSTALL_MANDIR}/man7")
 
-# Two export sets: users of the facades must not need gRPC to find the package.
+# Two export sets: finding the package for the facades alone must not require gRPC.
 set(include_directory "${CMAKE_INSTALL_INCLUDEDIR}/NetworkgRPC")
 install(TARGETS NetworkgRPC EXPORT NetworkgRPCTargets
   FILE_SET HEADERS DESTINATION "${include_directory}")
 install(TARGETS NetworkgRPC_Client EXPORT NetworkgRPCClientTargets
   FILE_SET HEADERS DESTINATION "${include_directory}")
 
-# A program finds the library beside it, except where the loader looks anyway.
+# Programs find the library by a relative path, unless the loader searches its folder.
 file(RELATIVE_PATH bindir_to_libdir "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
 set(loader_directories
   ${CMAKE_C_IMPLICIT_LINK_DIRECTORIES} ${CMAKE_PLATFORM_IMPLICIT_LINK_DIRECTORIES})
@@ -68,7 +68,7 @@ set(pkgconfig_directory "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 file(RELATIVE_PATH pkgconfig_to_prefix
   "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 string(REGEX REPLACE "/$" "" pkgconfig_to_prefix "${pkgconfig_to_prefix}")
-# Relative folders hang below the prefix, absolute ones stay what they are.
+# Relative folders are below the prefix; absolute ones are used unchanged.
 foreach(directory IN ITEMS LIBDIR INCLUDEDIR DATADIR)
   set(pkgconfig_${directory} "\${prefix}")
   cmake_path(APPEND pkgconfig_${directory} "${CMAKE_INSTALL_${directory}}")

@@ -1,8 +1,8 @@
 # networkgrpc_grpc: gRPC without TLS and protobuf's lite runtime.
-# networkgrpc_wire: what protoc and the gRPC plug-in make of proto/, generated
-# into NETWORKGRPC_GENERATED_DIR.
+# networkgrpc_wire: messages, stubs and server base classes, generated from proto/ in
+# NETWORKGRPC_GENERATED_DIR.
 
-# pkg-config, because gRPC's own CMake package pulls in TLS and full protobuf.
+# By pkg-config, because gRPC's CMake package requires TLS and full protobuf.
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(NetworkgRPC_grpc REQUIRED IMPORTED_TARGET grpc++_unsecure protobuf-lite)
 add_library(networkgrpc_grpc INTERFACE)
@@ -50,7 +50,7 @@ add_library(networkgrpc_wire OBJECT ${generated_sources} ${NETWORKGRPC_GENERATED
 target_compile_features(networkgrpc_wire PUBLIC cxx_std_17)
 target_include_directories(networkgrpc_wire SYSTEM PUBLIC "${NETWORKGRPC_GENERATED_DIR}")
 target_link_libraries(networkgrpc_wire PUBLIC networkgrpc_grpc PRIVATE networkgrpc_hardening networkgrpc_small)
-# Visible, so that applications and daemons can use the classes; their inline
-# functions need not be, as every user compiles its own.
+# Applications and daemons use the classes, so they are visible; their inline functions
+# need not be, as every user compiles them.
 set_target_properties(networkgrpc_wire PROPERTIES
   POSITION_INDEPENDENT_CODE ON VISIBILITY_INLINES_HIDDEN ON)

@@ -1,4 +1,4 @@
-# For 64-bit ARM processors, with Debian's compiler.
+# 64-bit ARM, with Debian's cross compiler.
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(triplet aarch64-linux-gnu)
 set(architecture arm64)

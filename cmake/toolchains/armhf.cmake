@@ -1,4 +1,4 @@
-# For 32-bit ARM processors with floating point (ARMv7), with Debian's compiler.
+# 32-bit ARM with floating point (ARMv7), with Debian's cross compiler.
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(triplet arm-linux-gnueabihf)
 set(architecture armhf)

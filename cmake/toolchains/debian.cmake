@@ -1,6 +1,6 @@
-# What the toolchain files beside this one share: Debian's cross compiler for TRIPLET,
-# and a tree with Debian's packages of ARCHITECTURE to compile against, which
-# scripts/cross makes. CMAKE_SYSROOT names another one.
+# Shared by the other toolchain files: Debian's cross compiler for the variable triplet and
+# a sysroot with Debian packages of the variable architecture, which scripts/cross-test
+# creates. CMAKE_SYSROOT selects another one.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_C_COMPILER ${triplet}-gcc)
 set(CMAKE_CXX_COMPILER ${triplet}-g++)
@@ -11,8 +11,8 @@ if(NOT CMAKE_SYSROOT)
     "${CMAKE_CURRENT_LIST_DIR}/../../build/sysroot/${architecture}" ABSOLUTE)
 endif()
 
-# Libraries and headers are those of the other processor, programs (protoc and its
-# plug-in, bats) those of this machine.
+# Libraries and headers come from the sysroot, programs (protoc, its plug-in, bats) from
+# this machine.
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
@@ -23,5 +23,5 @@ if(NOT DEFINED ENV{PKG_CONFIG_LIBDIR})
     "${CMAKE_SYSROOT}/usr/lib/${triplet}/pkgconfig:${CMAKE_SYSROOT}/usr/share/pkgconfig")
 endif()
 
-# What the build itself has to run of its own programs: manual pages, lists of tests.
+# The build runs some of its own programs, for the manual pages and the lists of tests.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${emulator} -L "${CMAKE_SYSROOT}")

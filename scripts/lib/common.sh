@@ -1,12 +1,12 @@
 # shellcheck shell=bash
-# What the scripts beside this file share. Sourced, not run.
+# Shared by the scripts of this project. Sourced, not run.
 
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 me=$(basename "$0")
 cores=$(nproc)
 
-# gRPC would ask a proxy for the daemons on this machine, too.
+# With a proxy in the environment, gRPC would use it for localhost, too.
 export no_grpc_proxy=localhost,127.0.0.1,::1
 
 say() { printf '%s: %s\n' "$me" "$*"; }
@@ -15,7 +15,16 @@ fail() {
   exit 1
 }
 
-# listed GROUP...: the packages of these groups of scripts/packages.txt.
+# A script's help is the comment at its top.
+show_help() {
+  sed -n '2,/^$/ s/^# \{0,1\}//p' "scripts/$me"
+}
+misused() {
+  printf '%s: %s; see --help\n' "$me" "$*" >&2
+  exit 2
+}
+
+# listed GROUP...: the packages of these groups in scripts/packages.txt.
 listed() {
   awk -v groups=" $* " 'NF && index(groups, " " $1 " ") { print $2 }' scripts/packages.txt
 }
@@ -25,16 +34,7 @@ as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# A script's help is the comment that it opens with.
-show_help() {
-  sed -n '2,/^$/ s/^# \{0,1\}//p' "scripts/$me"
-}
-misused() {
-  printf '%s: %s (--help lists what there is)\n' "$me" "$*" >&2
-  exit 2
-}
-
-# configure FOLDER PRESET ARGUMENT...: silent, unless it fails.
+# configure FOLDER PRESET ARGUMENT...: prints nothing unless it fails.
 configure() {
   local folder="$1" preset="$2" log="$1/configure.log"
   shift 2
@@ -51,7 +51,7 @@ build() {
   cmake --build "$1" --parallel "$cores" "${@:2}" || fail "cannot build $1"
 }
 
-# own_files PATTERN...: this project's files of these names, one a line.
+# own_files PATTERN...: the files of this project with such names, one per line.
 own_files() {
   local names=() pattern
   for pattern in "$@"; do names+=(-o -name "$pattern"); done
