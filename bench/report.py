@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Makes one table of what bench/run has measured, and one JSON file.
+"""Prints tables of the results of bench/run, and writes them to one JSON file.
 
 usage: report.py [--markdown] [--build FOLDER --mode MODE] RESULT-FOLDER
 
-With --build it first gathers the parts into bench.json; without, it reads that.
---markdown prints the tables as docs/performance.md has them.
+With --build it first collects the results in bench.json; without, it only reads that file.
+--markdown prints the tables in the form of docs/performance.md.
 """
 import argparse
 import datetime
@@ -68,7 +68,7 @@ def machine():
 
 
 def gather(folder, build, mode):
-    """Everything that the parts tell, as one value."""
+    """All results, as one value."""
     whole = {"mode": mode, **machine(), "object": measure_object(build, folder)}
     for part in sorted(folder.glob("*.json")):
         if part.name == "bench.json":
@@ -117,8 +117,8 @@ def sizes_table(data):
 
 
 def growth_table(data):
-    """The best of several times: nothing but the work itself can make one shorter."""
-    table = Table("The library's own work for each interface", "Work", "N", "ns each", "to the first")
+    """The shortest of several times: disturbances only make a time longer."""
+    table = Table("The library's own work per interface", "Work", "N", "ns per interface", "relative to the first")
     best = {}
     for run in data["growth"]:
         if run["run_type"] == "iteration":
@@ -133,15 +133,15 @@ def growth_table(data):
 def instructions_tables(data):
     if "instructions" not in data:
         return
-    table = Table("Instructions of a call", "Function", "own functions", "with what they hand out", "call",
-                  "own functions, %", "with what they hand out, %")
+    table = Table("Instructions of a call", "Function", "own functions", "with runtime", "call",
+                  "own functions, %", "with runtime, %")
     for name, run in data["instructions"]["calls"].items():
         table.add(name, number(run["frames"], 0), number(run["own"], 0), number(run["call"], 0),
                   number(100 * run["frames"] / run["call"], 2), number(100 * run["own"] / run["call"], 2))
     yield table
     if data["instructions"]["growth"]:
-        table = Table("Instructions on devices of several sizes", "Of what", "N", "own functions, each",
-                      "with what they hand out, each", "call, each")
+        table = Table("Instructions on devices of several sizes", "Item", "N", "own functions per item",
+                      "with runtime per item", "call per item")
         for run in data["instructions"]["growth"]:
             table.add(run["what"], run["size"], *(number(run[part] / run["size"]) for part in ("frames", "own", "call")))
         yield table
@@ -159,8 +159,8 @@ def emulated_tables(data):
 
 
 def threads_table(data):
-    table = Table("Callers at once", "Callers", "calls/s", "stub, calls/s", "throughput to the stub's",
-                  "p99, µs", "stub, µs", "stub's p99 to it")
+    table = Table("Concurrent callers", "Callers", "calls/s", "stub, calls/s", "throughput, library/stub",
+                  "p99, µs", "stub, µs", "p99, stub/library")
     for run in data["threads"]:
         table.add(run["name"].split("/")[1], number(run["library_per_s"], 0), number(run["stub_per_s"], 0),
                   f"{1 / run['ratio']:.3f} ({1 / run['ratio_high']:.3f} to {1 / run['ratio_low']:.3f})",
@@ -170,8 +170,8 @@ def threads_table(data):
 
 
 def start_tables(data):
-    table = Table("From the start of a process to its first answer", "Library", "ms", "stub, ms", "ratio",
-                  "private, KiB more", "of it written to, KiB more")
+    table = Table("From process start to the first answer", "Library", "ms", "stub, ms", "ratio",
+                  "private memory, KiB more", "dirty memory, KiB more")
     for run in data["start"]:
         table.add(name_of(run).lower(), number(run["library_us"] / 1000, 2), number(run["stub_us"] / 1000, 2),
                   ratio(run), number(run["library_private_kib"] - run["stub_private_kib"], 0),
@@ -184,11 +184,11 @@ def start_tables(data):
 
 
 def neighbours_table(data):
-    table = Table("What else would answer", "How", "µs", "to the library")
+    table = Table("Other RPC systems", "System", "µs", "relative to the library")
     run = data["neighbours"][0]
     library = run["library_us"]
     names = {"library_us": "GetName of this library", "stub_us": "the generated stub",
-             "sd_bus_us": "D-Bus, with sd-bus", "tcp_us": "bytes over TCP"}
+             "sd_bus_us": "D-Bus, with sd-bus", "tcp_us": "raw bytes over TCP"}
     found = {title: run.get(key) for key, title in names.items()}
     found["Python, with grpcio"] = data["grpcio"]
     found["Node, with grpc-js"] = data["grpcjs"]
@@ -196,7 +196,7 @@ def neighbours_table(data):
         try:
             table.add(title, number(float(value)), f"{float(value) / library:.2f}")
         except (TypeError, ValueError):
-            table.add(title, value or "libsystemd is not to be had", "")
+            table.add(title, value or "libsystemd is not installed", "")
     return table
 
 
@@ -222,16 +222,16 @@ def main():
     if known.build:
         whole.write_text(json.dumps(gather(known.folder, known.build, known.mode), indent=1))
     if not whole.exists():
-        sys.exit(f"report.py: there is no {whole}: run scripts/bench")
+        sys.exit(f"report.py: {whole} does not exist: run scripts/bench")
     data = json.loads(whole.read_text())
     print(f"{data['processor']}, {data['cores']} cores, {data['machine']}, {data['date']}"
-          f" ({data['mode']} run). Times are of this machine and noisy.\n")
+          f" ({data['mode']} run). Times depend on the machine and are noisy.\n")
     for table in tables(data):
         print(table.markdown() if known.markdown else table.plain(), end="\n\n")
     if not data["optimised"]:
         print("WARNING: not optimised, the figures mean nothing", file=sys.stderr)
     if data["mode"] != "full":
-        print(f"A {data['mode']} run: the figures say little.", file=sys.stderr)
+        print(f"A {data['mode']} run: the figures are not reliable.", file=sys.stderr)
 
 
 main()
