@@ -9,6 +9,14 @@ DAPIClient::DAPIClient() : stub(dapi::DAPI::NewStub(client::MakeChannel(client::
 
 DAPIClient::~DAPIClient() = default;
 
+// Defined here and not in the header, because a module that hides its own symbols would
+// otherwise compile an instance of its own. Inline and used, because the instance and its
+// guard are then exported, as data that debuggers and the record of the binary interface see.
+[[gnu::used, gnu::visibility("default")]] inline DAPIClient& DAPIClient::GetInstance() {
+  static DAPIClient instance;
+  return instance;
+}
+
 grpc::Status DAPIClient::GetName(dapi::Name* reply) {
   return Call(*stub, &dapi::DAPI::Stub::GetName, reply);
 }

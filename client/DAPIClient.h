@@ -43,14 +43,10 @@
 class __attribute__((visibility("default"))) DAPIClient {
  public:
   /// The one instance of the process, built on first use; concurrent first
-  /// callers wait for one of them to build it. Defined here so that the
-  /// application and the library share one object. Throws what building it
-  /// throws (std::bad_alloc); the next call then tries again.
+  /// callers wait for one of them to build it. Throws what building it throws
+  /// (std::bad_alloc); the next call then tries again.
   /// @return the instance, valid until the process exits
-  static DAPIClient& GetInstance() {
-    static DAPIClient instance;
-    return instance;
-  }
+  static DAPIClient& GetInstance();
 
   DAPIClient(const DAPIClient&) = delete;
   DAPIClient& operator=(const DAPIClient&) = delete;

@@ -47,14 +47,10 @@
 class __attribute__((visibility("default"))) NetworkManagerClient {
  public:
   /// The one instance of the process, built on first use; concurrent first
-  /// callers wait for one of them to build it. Defined here so that the
-  /// application and the library share one object. Throws what building it
-  /// throws (std::bad_alloc); the next call then tries again.
+  /// callers wait for one of them to build it. Throws what building it throws
+  /// (std::bad_alloc); the next call then tries again.
   /// @return the instance, valid until the process exits
-  static NetworkManagerClient& GetInstance() {
-    static NetworkManagerClient instance;
-    return instance;
-  }
+  static NetworkManagerClient& GetInstance();
 
   NetworkManagerClient(const NetworkManagerClient&) = delete;
   NetworkManagerClient& operator=(const NetworkManagerClient&) = delete;

@@ -200,3 +200,28 @@ words() { tr -s ' \n' ' ' <<<"$output"; }
   run ! find_in_project 'find_package(NetworkgRPC 0.9 REQUIRED)'
   find_in_project 'find_package(NetworkgRPC 1.0 REQUIRED)'
 }
+
+# hidden COMPILER FLAGS OUTPUT ARGUMENT...: links with every symbol hidden that is not named.
+hidden() {
+  local compiler="$1" flags="$2" output="$3"
+  shift 3
+  printf '{ global: ClientsOf*; local: *; };\n' >"$BATS_TEST_TMPDIR/hidden.map"
+  build compiler flags NetworkgRPC-client "$BATS_TEST_TMPDIR/$output" -std=c++17 \
+    "-Wl,--version-script=$BATS_TEST_TMPDIR/hidden.map" -fPIC "$@"
+}
+
+# one_client COMPILER FLAG...: the program, a linked and a loaded module share the clients.
+one_client() {
+  local source="$BATS_TEST_DIRNAME/one_client" flags="${*:2}"
+  hidden "$1" "$flags" liblinked.so -shared -DFUNCTION=ClientsOfLinked "$source/module.cc"
+  hidden "$1" "$flags" loaded.so -shared -DFUNCTION=ClientsOfLoaded "$source/module.cc"
+  hidden "$1" "$flags" program -DFUNCTION=ClientsOfProgram "$source/module.cc" "$source/program.cc" \
+    -L"$BATS_TEST_TMPDIR" -llinked
+  export LD_LIBRARY_PATH="$LD_LIBRARY_PATH:$BATS_TEST_TMPDIR"
+  run -0 passes "$BATS_TEST_TMPDIR/program" "$BATS_TEST_TMPDIR/loaded.so"
+  diff -u - <(echo "$output") <<<$'exported: yes\nprogram: same\nlinked: same\nloaded: same'
+}
+
+@test "Modules_SymbolsHidden_ShareTheLibrarysClients" { one_client "$CXX" "$CXXFLAGS"; }
+@test "Modules_SymbolsHiddenAndOptimisedWhenLinked_ShareTheLibrarysClients" { one_client "$CXX" "$CXXFLAGS" -flto -O2; }
+@test "Modules_SymbolsHiddenByClang_ShareTheLibrarysClients" { one_client clang++ -O2; }
