@@ -41,7 +41,8 @@ NetworkManagerClient::~NetworkManagerClient() = default;
 // Defined here and not in the header, because a module that hides its own symbols would
 // otherwise compile an instance of its own. Inline and used, because the instance and its
 // guard are then exported, as data that debuggers and the record of the binary interface see.
-[[gnu::used, gnu::visibility("default")]] inline NetworkManagerClient& NetworkManagerClient::GetInstance() {
+[[gnu::used, gnu::visibility("default")]] inline NetworkManagerClient&
+NetworkManagerClient::GetInstance() {
   static NetworkManagerClient instance;
   return instance;
 }

@@ -201,27 +201,43 @@ words() { tr -s ' \n' ' ' <<<"$output"; }
   find_in_project 'find_package(NetworkgRPC 1.0 REQUIRED)'
 }
 
-# hidden COMPILER FLAGS OUTPUT ARGUMENT...: links with every symbol hidden that is not named.
-hidden() {
-  local compiler="$1" flags="$2" output="$3"
-  shift 3
+# link_hidden COMPILER FLAGS OUTPUT ARGUMENT...: links one module that hides its symbols,
+# except those that the program looks for. COMPILER and FLAGS name variables.
+link_hidden() {
   printf '{ global: ClientsOf*; local: *; };\n' >"$BATS_TEST_TMPDIR/hidden.map"
-  build compiler flags NetworkgRPC-client "$BATS_TEST_TMPDIR/$output" -std=c++17 \
-    "-Wl,--version-script=$BATS_TEST_TMPDIR/hidden.map" -fPIC "$@"
+  build "$1" "$2" NetworkgRPC-client "$BATS_TEST_TMPDIR/$3" -std=c++17 -fPIC \
+    "-Wl,--version-script=$BATS_TEST_TMPDIR/hidden.map" "${@:4}"
 }
 
-# one_client COMPILER FLAG...: the program, a linked and a loaded module share the clients.
-one_client() {
-  local source="$BATS_TEST_DIRNAME/one_client" flags="${*:2}"
-  hidden "$1" "$flags" liblinked.so -shared -DFUNCTION=ClientsOfLinked "$source/module.cc"
-  hidden "$1" "$flags" loaded.so -shared -DFUNCTION=ClientsOfLoaded "$source/module.cc"
-  hidden "$1" "$flags" program -DFUNCTION=ClientsOfProgram "$source/module.cc" "$source/program.cc" \
-    -L"$BATS_TEST_TMPDIR" -llinked
+# shares_clients COMPILER FLAGS: a program, a shared object that it is linked with and a
+# module that it loads all have the library's own clients.
+# shellcheck disable=SC2030,SC2031 # output is what run has set in this very shell
+shares_clients() {
+  local module="$BATS_TEST_DIRNAME/one_client/module.cc"
+  link_hidden "$1" "$2" liblinked.so -shared -DFUNCTION=ClientsOfLinked "$module"
+  link_hidden "$1" "$2" loaded.so -shared -DFUNCTION=ClientsOfLoaded "$module"
+  link_hidden "$1" "$2" program -DFUNCTION=ClientsOfProgram "$module" \
+    "$BATS_TEST_DIRNAME/one_client/program.cc" -L"$BATS_TEST_TMPDIR" -llinked
   export LD_LIBRARY_PATH="$LD_LIBRARY_PATH:$BATS_TEST_TMPDIR"
   run -0 passes "$BATS_TEST_TMPDIR/program" "$BATS_TEST_TMPDIR/loaded.so"
   diff -u - <(echo "$output") <<<$'exported: yes\nprogram: same\nlinked: same\nloaded: same'
 }
 
-@test "Modules_SymbolsHidden_ShareTheLibrarysClients" { one_client "$CXX" "$CXXFLAGS"; }
-@test "Modules_SymbolsHiddenAndOptimisedWhenLinked_ShareTheLibrarysClients" { one_client "$CXX" "$CXXFLAGS" -flto -O2; }
-@test "Modules_SymbolsHiddenByClang_ShareTheLibrarysClients" { one_client clang++ -O2; }
+@test "Modules_SymbolsAreHidden_ShareTheLibrarysClients" {
+  shares_clients CXX CXXFLAGS
+}
+
+@test "Modules_OptimisedAtLinkTime_ShareTheLibrarysClients" {
+  # shellcheck disable=SC2034 # passed by name
+  lto="$CXXFLAGS -O2 -flto"
+  shares_clients CXX lto
+}
+
+# Clang merges less than GCC does; the developers' packages have it.
+if command -v clang++ >/dev/null; then
+  @test "Modules_CompiledByClang_ShareTheLibrarysClients" {
+    # shellcheck disable=SC2034 # passed by name
+    clang=clang++ optimised=-O2
+    shares_clients clang optimised
+  }
+fi
