@@ -1,191 +1,240 @@
 /// @file
-/// Wire messages and call status, one method per RPC; needs gRPC and protobuf-lite.
-
-/// @class DAPIClient
-/// The process-wide client of the Dante API daemon's gRPC service, for code that
-/// wants the wire messages and the full call status. Most applications are better
-/// served by DantegRPC.h.
-///
-/// @par Lifetime
-/// One instance per process, built on the first call of GetInstance() and
-/// destroyed at process exit. The endpoint comes from the environment variable
-/// grpc_dapi_url (default "localhost:50008"), read once, when the instance is
-/// built. Building it makes no call.
-///
-/// @par Threads
-/// Every method may be called from several threads at once. Join the threads that
-/// call before the process exits.
-///
-/// @par Blocking
-/// Each method makes exactly one blocking unary call without a deadline, on the
-/// RPC of its own name. A daemon that is absent or dies ends the call in
-/// milliseconds, one that freezes 20 s later, when the connection's keepalive
-/// notices; later than 20 s into a call it no longer does. One that accepts the
-/// call and never answers holds it until the daemon ends.
-///
-/// @par Results
-/// The gRPC status of the call, unchanged. Nothing is printed, retried or
-/// translated. After a status other than OK the reply may be partly filled and is
-/// not to be used. The on/off message ostrevan::grpcdapi::Status is not the call
-/// status grpc::Status.
+/// Wire messages and call status; each method makes one RPC. Needs the headers of gRPC and
+/// protobuf-lite.
 #pragma once
 
 #include <grpcpp/support/status.h>
 
 #include <memory>
 
-// The generated classes are part of this library's exported interface, also
-// for a program that hides its own symbols.
+// The generated classes are exported by this library; a program that hides its own
+// symbols must not hide them.
 #pragma GCC visibility push(default)
 #include "ostrevan/grpcdapi.grpc.pb.h"
 #pragma GCC visibility pop
 
+/// The process-wide client of the Dante API daemon's gRPC service, for code that needs the wire
+/// messages and the call status. Most applications use DantegRPC.h.
+///
+/// @par Lifetime
+/// There is one instance per process, created by the first call of GetInstance() and destroyed at
+/// process exit. Its endpoint is in the environment variable grpc_dapi_url (default
+/// "localhost:50008"), which is read when the instance is created.
+///
+/// @par Threads
+/// All methods are thread-safe. Join the threads that call them before the process exits.
+///
+/// @par Blocking
+/// Each method makes exactly one RPC, the one that has its name. RPCs have no deadline:
+/// - If the daemon is absent or dies, an RPC fails within milliseconds.
+/// - If the daemon freezes (stops answering keepalive pings) before an RPC or within its first
+///   20 s, the RPC fails about 20 s later. A later freeze is not detected.
+/// - If the daemon keeps running but never replies, the RPC lasts until the daemon ends.
+///
+/// @par Results
+/// A method returns the gRPC status unchanged. Nothing is printed, retried or translated. Unless
+/// the status is OK, the reply may be partly filled and must not be used. std::bad_alloc passes to
+/// the caller.
+///
+/// Note that the wire message ostrevan::grpcdapi::Status holds an on/off state; grpc::Status is the
+/// call status.
 class __attribute__((visibility("default"))) DAPIClient {
  public:
-  /// The one instance of the process, built on first use; concurrent first
-  /// callers wait for one of them to build it. Throws what building it throws
-  /// (std::bad_alloc); the next call then tries again.
-  /// @return the instance, valid until the process exits
+  /// Returns the only instance, creating it on first use. Concurrent first callers wait until it
+  /// has been created. Thread-safe. Makes no RPC.
+  /// @return The instance, valid until the process exits.
+  /// @throws std::bad_alloc There is no memory to create it; the next call tries again.
   static DAPIClient& GetInstance();
 
+  /// There is one instance per process: it cannot be copied.
   DAPIClient(const DAPIClient&) = delete;
+  /// There is one instance per process: it cannot be assigned.
   DAPIClient& operator=(const DAPIClient&) = delete;
 
   /// Reads the device name.
-  /// @param[out] reply  the name
-  /// @return the status of the call
+  ///
+  /// RPC: GetName. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  The name.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetName(ostrevan::grpcdapi::Name* reply);
 
   /// Sets the device name.
-  /// @param[in] request  the name
-  /// @param[out] reply  whether the daemon did it
-  /// @return the status of the call
+  ///
+  /// RPC: SetName. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[in] request  The name.
+  /// @param[out] reply  `reply->success()` is true if the change was applied.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status SetName(const ostrevan::grpcdapi::Name& request, ostrevan::grpcdapi::Success* reply);
 
   /// Lists the transmit channels.
-  /// @param[out] reply  number, label and factory label of each
-  /// @return the status of the call
+  ///
+  /// RPC: GetTxChannels. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  Id, label and factory label of each, in the daemon's order.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetTxChannels(ostrevan::grpcdapi::Channels* reply);
 
   /// Lists the receive channels.
-  /// @param[out] reply  number, label and factory label of each
-  /// @return the status of the call
+  ///
+  /// RPC: GetRxChannels. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  Id, label and factory label of each, in the daemon's order.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetRxChannels(ostrevan::grpcdapi::Channels* reply);
 
-  /// Renames one transmit channel.
-  /// @param[in] request  the channel's number and its new label
-  /// @param[out] reply  whether the daemon did it
-  /// @return the status of the call
+  /// Sets the label of one transmit channel.
+  ///
+  /// RPC: SetTxChannelName. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[in] request  The channel's id and its new label.
+  /// @param[out] reply  `reply->success()` is true if the change was applied.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status SetTxChannelName(const ostrevan::grpcdapi::Channel& request,
                                 ostrevan::grpcdapi::Success* reply);
 
-  /// Reads the subscription of one receive channel, named by its entry of the list.
-  /// @param[in] request  the channel, as the list has it
-  /// @param[out] reply  where the channel takes its audio from
-  /// @return the status of the call
+  /// Reads the subscription of one receive channel.
+  ///
+  /// RPC: GetRxChannelLink. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[in] request  The channel, exactly as GetRxChannels returned it.
+  /// @param[out] reply  What the channel is subscribed to; no names and no raw parameters if
+  ///   nothing.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetRxChannelLink(const ostrevan::grpcdapi::Channel& request,
                                 ostrevan::grpcdapi::LinkInfo* reply);
 
   /// Changes the subscription of one receive channel.
-  /// @param[in] request  the channel's number and its source; none removes the
-  ///   subscription
-  /// @param[out] reply  whether the daemon did it
-  /// @return the status of the call
+  ///
+  /// RPC: SetRxChannelLink. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[in] request  The channel's id and what to subscribe to. The id alone removes the
+  ///   subscription.
+  /// @param[out] reply  `reply->success()` is true if the change was applied.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status SetRxChannelLink(const ostrevan::grpcdapi::LinkInfo& request,
                                 ostrevan::grpcdapi::Success* reply);
 
-  /// Reads the latency, in the daemon's unit.
-  /// @param[out] reply  in the daemon's unit
-  /// @return the status of the call
+  /// Reads the latency.
+  ///
+  /// RPC: GetLatency. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  The latency, in the daemon's unit.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetLatency(ostrevan::grpcdapi::Latency* reply);
 
-  /// Sets the latency, in the daemon's unit.
-  /// @param[in] request  in the daemon's unit
-  /// @param[out] reply  whether the daemon did it
-  /// @return the status of the call
+  /// Sets the latency.
+  ///
+  /// RPC: SetLatency. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[in] request  The latency, in the daemon's unit.
+  /// @param[out] reply  `reply->success()` is true if the change was applied.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status SetLatency(const ostrevan::grpcdapi::Latency& request,
                           ostrevan::grpcdapi::Success* reply);
 
   /// Reads the software version.
-  /// @param[out] reply  the text as the daemon forms it
-  /// @return the status of the call
+  ///
+  /// RPC: GetSoftwareVersion. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  The version as the daemon writes it.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetSoftwareVersion(ostrevan::grpcdapi::Version* reply);
 
   /// Reads the firmware version.
-  /// @param[out] reply  the text as the daemon forms it
-  /// @return the status of the call
+  ///
+  /// RPC: GetFirmwareVersion. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  The version as the daemon writes it.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetFirmwareVersion(ostrevan::grpcdapi::Version* reply);
 
   /// Lists the sample rates that the module supports.
-  /// @param[out] reply  in the daemon's unit and order
-  /// @return the status of the call
+  ///
+  /// RPC: GetAvailableSampleRates. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  The rates, in the daemon's unit and order.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetAvailableSampleRates(ostrevan::grpcdapi::AvailableSampleRates* reply);
 
   /// Reads the sample rate.
-  /// @param[out] reply  in the daemon's unit
-  /// @return the status of the call
+  ///
+  /// RPC: GetSampleRate. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  The rate, in the daemon's unit.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetSampleRate(ostrevan::grpcdapi::SampleRate* reply);
 
   /// Sets the sample rate.
-  /// @param[in] request  in the daemon's unit
-  /// @param[out] reply  whether the daemon did it
-  /// @return the status of the call
+  ///
+  /// RPC: SetSampleRate. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[in] request  The rate, in the daemon's unit.
+  /// @param[out] reply  `reply->success()` is true if the change was applied.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status SetSampleRate(const ostrevan::grpcdapi::SampleRate& request,
                              ostrevan::grpcdapi::Success* reply);
 
-  /// Tells whether the module can do AES67.
-  /// @param[out] reply  whether it can
-  /// @return the status of the call
+  /// Reads whether the module supports AES67.
+  ///
+  /// RPC: GetIsAES67Available. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  `reply->status()` is true if it does.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetIsAES67Available(ostrevan::grpcdapi::Status* reply);
 
-  /// Tells whether AES67 is on.
-  /// @param[out] reply  whether it is
-  /// @return the status of the call
+  /// Reads whether AES67 is on.
+  ///
+  /// RPC: GetAES67Status. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  `reply->status()` is true if it is on.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetAES67Status(ostrevan::grpcdapi::Status* reply);
 
   /// Turns AES67 on or off.
-  /// @param[in] request  true: on
-  /// @param[out] reply  whether the daemon did it
-  /// @return the status of the call
+  ///
+  /// RPC: SetAES67Status. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[in] request  True: on.
+  /// @param[out] reply  `reply->success()` is true if the change was applied.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status SetAES67Status(const ostrevan::grpcdapi::Status& request,
                               ostrevan::grpcdapi::Success* reply);
 
-  /// Reads the manufacturer's name. No facade function hands it out.
-  /// @param[out] reply  the name
-  /// @return the status of the call
+  /// Reads the manufacturer name. No facade function returns it.
+  ///
+  /// RPC: GetManufacturerName. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  The name.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetManufacturerName(ostrevan::grpcdapi::Name* reply);
 
   /// Reads the model name.
-  /// @param[out] reply  the name
-  /// @return the status of the call
+  ///
+  /// RPC: GetModelName. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  The name.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetModelName(ostrevan::grpcdapi::Name* reply);
 
   /// Reads the model version.
-  /// @param[out] reply  the text as the daemon forms it
-  /// @return the status of the call
+  ///
+  /// RPC: GetModelVersion. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  The version as the daemon writes it.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetModelVersion(ostrevan::grpcdapi::Version* reply);
 
-  /// Tells whether transmission is disabled.
-  /// @param[out] reply  whether it is
-  /// @return the status of the call
+  /// Reads whether transmission is disabled.
+  ///
+  /// RPC: GetDisableTxStatus. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  `reply->status()` is true if nothing is transmitted.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetDisableTxStatus(ostrevan::grpcdapi::Status* reply);
 
   /// Disables or enables transmission.
-  /// @param[in] request  true: nothing is transmitted
-  /// @param[out] reply  whether the daemon did it
-  /// @return the status of the call
+  ///
+  /// RPC: SetDisableTxStatus. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[in] request  True: nothing is transmitted.
+  /// @param[out] reply  `reply->success()` is true if the change was applied.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status SetDisableTxStatus(const ostrevan::grpcdapi::Status& request,
                                   ostrevan::grpcdapi::Success* reply);
 
-  /// Tells whether the module is a PTP slave only.
-  /// @param[out] reply  whether it is
-  /// @return the status of the call
+  /// Reads whether the module is PTP slave only.
+  ///
+  /// RPC: GetPtpSlaveOnlyStatus. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[out] reply  `reply->status()` is true if it is slave only.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status GetPtpSlaveOnlyStatus(ostrevan::grpcdapi::Status* reply);
 
-  /// Makes the module a PTP slave only, or lets it become master.
-  /// @param[in] request  true: slave only
-  /// @param[out] reply  whether the daemon did it
-  /// @return the status of the call
+  /// Makes the module PTP slave only, or allows it to become master.
+  ///
+  /// RPC: SetPtpSlaveOnlyStatus. Blocks without a deadline, thread-safe (see DAPIClient).
+  /// @param[in] request  True: slave only.
+  /// @param[out] reply  `reply->success()` is true if the change was applied.
+  /// @return The call status. Unless it is OK, `reply` must not be used.
   grpc::Status SetPtpSlaveOnlyStatus(const ostrevan::grpcdapi::Status& request,
                                      ostrevan::grpcdapi::Success* reply);
 

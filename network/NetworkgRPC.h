@@ -1,261 +1,345 @@
 /// @file
-/// The host's networking in plain records; needs nothing but the standard library.
-
-/// @class NetworkgRPC
-/// Reads and changes the device's host networking: interfaces and their IPv4
-/// addresses, switch mode, host name, NTP, DNS, default gateway, factory reset.
-///
-/// Every function asks the network-manager daemon, at the endpoint that the
-/// environment variable network_manager_url names (default "localhost:50007").
-///
-/// @par Lifetime
-/// Nothing to create or to destroy. The first call builds a connection that
-/// lasts until the process exits; it also makes one RPC, GetAvailableInterfaces,
-/// to resolve, once for the life of the process, which interfaces have the three
-/// roles Dante primary, Dante secondary and control, by the names in
-/// dante_primary_interface_env ("lan0"), dante_secondary_interface_env ("lan2")
-/// and control_interface_env ("lan1"). When the daemon cannot be asked at that
-/// moment, the roles stay unresolved: their ids are then -1 and their MAC
-/// addresses empty.
-///
-/// @par Threads
-/// Every function may be called from several threads at once. Join the threads
-/// that call before the process exits.
-///
-/// @par Blocking
-/// A function makes the RPCs that its description names, one after the other,
-/// and blocks while they last. An RPC ends in milliseconds when the daemon is
-/// absent or dies, and 20 s after the daemon has frozen, when the connection's
-/// keepalive notices; later than 20 s into an RPC it no longer does. There is no
-/// deadline: a daemon that accepts a call and never answers it holds the caller
-/// until the daemon ends.
-///
-/// @par Results
-/// True means done. On false the outputs are as they were, unless said
-/// otherwise, and one line beginning "libNetworkgRPC: " has been written to
-/// standard error, unless a function is said to fail silently. A daemon that
-/// cannot be reached, one that answers with an error and one that refuses are
-/// not told apart.
-///
-/// @par Lists
-/// A function that fills a vector appends to it and never clears it.
-///
-/// @par Exceptions
-/// No std::exception leaves a function; a caught one, such as std::bad_alloc,
-/// prints one line and gives false.
-///
-/// @par Texts
-/// What is passed in must be UTF-8. Nothing is validated, trimmed or rewritten
-/// on this side, and no length is too long for it; the daemon judges it.
+/// The host's networking in plain records. Includes nothing but the standard library.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+/// Reads and changes the device's host networking: interfaces and their IPv4 addresses, switch
+/// mode, host name, NTP, DNS, default gateway, factory reset.
+///
+/// Every function calls the network-manager daemon, at the endpoint in the environment variable
+/// network_manager_url (default "localhost:50007").
+///
+/// @par Lifetime
+/// Nothing has to be created or destroyed. The first call creates a connection that lasts until the
+/// process exits. It also makes one RPC, GetAvailableInterfaces, to find the ids and MAC addresses
+/// of three role interfaces by their names: Dante primary (dante_primary_interface_env, default
+/// "lan0"), Dante secondary (dante_secondary_interface_env, default "lan2") and control
+/// (control_interface_env, default "lan1"). A role is unresolved if this RPC fails, if no interface
+/// has the name, or if the variable is set to an empty string: its id is then -1 and its MAC
+/// address empty for the life of the process, and nothing is printed.
+///
+/// @par Threads
+/// All functions are thread-safe. Join the threads that call them before the process exits.
+///
+/// @par Blocking
+/// A function makes the RPCs listed in its comment one after the other and returns when the last
+/// has ended. RPCs have no deadline:
+/// - If the daemon is absent or dies, an RPC fails within milliseconds.
+/// - If the daemon freezes (stops answering keepalive pings) before an RPC or within its first
+///   20 s, the RPC fails about 20 s later. A later freeze is not detected.
+/// - If the daemon keeps running but never replies, the RPC lasts until the daemon ends.
+///
+/// @par Results
+/// A function returns `true` on success. On failure, unless its comment says otherwise, it returns
+/// `false`, leaves its outputs unchanged and prints to standard error one line that starts with
+/// `libNetworkgRPC:`. The result does not distinguish an unreachable daemon, an RPC error and a
+/// rejected request. After a failed change, read the setting back: the daemon may have applied it.
+///
+/// @par Lists
+/// A function that fills a vector appends to it and never clears it.
+///
+/// @par Exceptions
+/// No std::exception leaves a function. If one is caught, std::bad_alloc for example, the function
+/// prints an error line and returns `false`; list records that were appended before stay in the
+/// vector. Exceptions of other types pass to the caller.
+///
+/// @par Strings
+/// Strings must be UTF-8. They are passed unchanged, whatever their length; only the daemon
+/// validates them.
 class __attribute__((visibility("default"))) NetworkgRPC {
  public:
+  /// There are no objects of this class: all its functions are static.
   NetworkgRPC() = delete;
 
   /// One network interface with its IPv4 addressing.
   struct InterfaceInfo {
-    /// 1: static, 0: dynamic. The getters give 1 when the stored mode is static
-    /// and 0 for every other; the setters take every other value for dynamic.
+    /// Addressing mode, 1: static, 0: dynamic. The getters return 1 if the stored mode is static,
+    /// otherwise 0. The setters treat every value but 1 as dynamic.
     std::int32_t mode = 0;
-    /// The system's name, such as "lan0". Filled by GetAllIPv4 only.
+    /// System name, "lan0" for example. Filled by GetAllIPv4 only; ignored by the setters.
     std::string name;
-    /// Dotted IPv4 address, empty when there is none.
+    /// Dotted IPv4 address; empty if there is none.
     std::string ip;
-    /// Dotted IPv4 netmask, empty when there is none.
+    /// Dotted IPv4 netmask; empty if there is none.
     std::string netmask;
-    /// Dotted IPv4 address of the default gateway. Read by the setters, never filled.
+    /// Dotted IPv4 address of the default gateway; empty for none. Read by the setters; never
+    /// filled by the getters.
     std::string gateway;
-    /// MAC address text, as the daemon forms it.
+    /// MAC address exactly as the daemon sent it. Ignored by the setters.
     std::string mac;
-    /// One DNS server's address. Read by the setters, never filled.
+    /// IP address of one DNS server; empty for none. Read by the setters; never filled by the
+    /// getters.
     std::string dns;
-    /// True when the daemon reports the addresses as the ones in use.
+    /// `true` if the daemon reports that the addresses are in use. Ignored by the setters.
     bool active = false;
-    /// The interface's number. Filled by GetAllIPv4 only, 0 otherwise.
+    /// Interface id. Filled by GetAllIPv4 only, otherwise 0; ignored by the setters.
     std::int32_t id = 0;
   };
 
-  /// One way to use the device's network ports.
+  /// A switch mode: one way to use the device's network ports.
   struct SwitchMode {
-    /// The mode's number as the daemon reports it.
+    /// Id as the daemon reports it. SetSwitchMode takes this id plus one.
     std::int32_t id = 0;
-    /// Display name.
+    /// Display name as the daemon reports it.
     std::string name;
   };
 
   /// @name Interfaces
-  /// Threads, blocking and results: as for all functions of NetworkgRPC.
   /// @{
 
-  /// Appends the Dante primary interface and, when the switch mode in effect
-  /// has id 1, the Dante secondary interface. An unresolved role is left out;
-  /// an interface that the daemon's answer lacks is appended without addresses
-  /// and without MAC. `name`, `gateway`, `dns` and `id` are not filled.
-  /// RPCs: GetSwitchModeStatus, GetNetworkConfig, GetNetworkStatus.
-  /// @param[in,out] out  takes none to two more records; unchanged on false
-  /// @return false with a line when configuration or status cannot be had or is
-  ///   empty, silently when the switch mode cannot be read
+  /// Appends the Dante primary interface and, if the switch mode in effect has id 1, the Dante
+  /// secondary interface. Unresolved interfaces are skipped. `ip` and `netmask` are the addresses
+  /// in use if `active` is `true`, otherwise those of a stored static configuration, otherwise
+  /// empty. An interface that is missing from a reply is appended with empty addresses and an empty
+  /// MAC address. `name`, `gateway`, `dns` and `id` are not filled.
+  ///
+  /// RPCs: GetSwitchModeStatus, GetNetworkConfig, GetNetworkStatus. Blocks without a deadline,
+  /// thread-safe (see NetworkgRPC).
+  /// @param[in,out] out  Zero to two records are appended. Unchanged on failure, except that a
+  ///   record appended before a caught exception stays.
+  /// @return
+  ///   - `true`: the records were appended.
+  ///   - `false`: the configuration or status request failed or returned an empty list, or a
+  ///     std::exception was caught (an error line is printed).
+  ///   - `false`: the switch mode cannot be read (nothing is printed).
   static bool GetDanteInterfacesInfo(std::vector<InterfaceInfo>& out);
 
-  /// Appends the control interface, in the manner of GetDanteInterfacesInfo.
-  /// RPCs: GetNetworkConfig, GetNetworkStatus.
-  /// @param[in,out] out  takes one more record; unchanged on false
-  /// @return false with a line when configuration or status cannot be had or is
-  ///   empty, silently and without an RPC when the control interface is unresolved
+  /// Appends the control interface. `ip` and `netmask` are the addresses in use if `active` is
+  /// `true`, otherwise those of a stored static configuration, otherwise empty. If the interface is
+  /// missing from a reply, the record has empty addresses and an empty MAC address. `name`,
+  /// `gateway`, `dns` and `id` are not filled.
+  ///
+  /// RPCs: GetNetworkConfig, GetNetworkStatus. Blocks without a deadline, thread-safe (see
+  /// NetworkgRPC).
+  /// @param[in,out] out  One record is appended. Unchanged on failure.
+  /// @return
+  ///   - `true`: the record was appended.
+  ///   - `false`: the configuration or status request failed or returned an empty list, or a
+  ///     std::exception was caught (an error line is printed).
+  ///   - `false`: the control interface is unresolved (no RPC is made, nothing is printed).
   static bool GetControlInterfacesInfo(std::vector<InterfaceInfo>& out);
 
-  /// Appends every interface that the daemon reports, in its order, with name,
-  /// MAC, id and addresses: those of the status, or else those of a stored
-  /// static configuration.
-  /// RPCs: GetAvailableInterfaces, GetNetworkConfig, GetNetworkStatus.
-  /// @param[in,out] out  takes one more record for each interface; unchanged on false
-  /// @return false with a line when the list cannot be had; true, silently and
-  ///   with nothing appended, when the list is empty and when configuration or
-  ///   status cannot be had
+  /// Appends every interface that the daemon lists, in its order, with name, MAC address and id.
+  /// `ip` and `netmask` come from the status, even if `active` is `false`; if the status has no
+  /// address, from a stored static configuration; otherwise they are empty. An interface that is
+  /// missing from the configuration reply has empty addresses. `gateway` and `dns` are not filled.
+  ///
+  /// RPCs: GetAvailableInterfaces, GetNetworkConfig, GetNetworkStatus. Blocks without a deadline,
+  /// thread-safe (see NetworkgRPC).
+  /// @param[in,out] out  One record per interface is appended. Unchanged on failure, except that
+  ///   records appended before a caught exception stay.
+  /// @return
+  ///   - `true`: the records were appended.
+  ///   - `true`: nothing was appended because the daemon lists no interface or because the
+  ///     configuration or status request failed (nothing is printed).
+  ///   - `false`: the list request failed, or a std::exception was caught (an error line is
+  ///     printed).
   static bool GetAllIPv4(std::vector<InterfaceInfo>& out);
 
-  /// Finds the MAC address of the first interface with a name.
-  /// RPC: GetAvailableInterfaces.
-  /// @param[in] name  the system's name, such as "lan0"; letter case counts
-  /// @param[out] mac  the text as the daemon forms it; unchanged on false
-  /// @return false with a line when the call fails, with another when there is no
-  ///   such interface
+  /// Finds the MAC address of the first interface with the given name.
+  ///
+  /// RPC: GetAvailableInterfaces. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[in] name  System name, "lan0" for example; case-sensitive.
+  /// @param[out] mac  MAC address exactly as the daemon sent it. Unchanged on failure.
+  /// @return
+  ///   - `true`: `mac` was set.
+  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: no interface has this name (an error line that ends in "interface not found" is
+  ///     printed).
   static bool GetMACAddress(const std::string& name, std::string& mac);
 
-  /// Finds the product's fixed name of the role that an interface has: "eth0"
-  /// (control), "dante-0" (Dante primary) or "dante-1" (Dante secondary),
-  /// compared in this order. Since unresolved roles have the id -1, asking for
-  /// -1 finds the first unresolved role. No RPC.
-  /// @param[in] id  the interface's number
-  /// @param[out] label  the name; unchanged on false
-  /// @return false with a line when no role has the id
+  /// Finds the product's fixed label of an interface by its role, compared in this order: control
+  /// "eth0", Dante primary "dante-0", Dante secondary "dante-1". Unresolved roles have id -1, so -1
+  /// matches the first unresolved role.
+  ///
+  /// Makes no RPC, unless it is the process's first call to this class. Thread-safe (see
+  /// NetworkgRPC).
+  /// @param[in] id  Interface id.
+  /// @param[out] label  The label. Unchanged on failure.
+  /// @return
+  ///   - `true`: `label` was set.
+  ///   - `false`: no role has this id, or a std::exception was caught (an error line is printed).
   static bool GetTarvoInterfaceName(int id, std::string& label);
 
   /// @}
 
   /// @name Interface addresses
-  /// Stores static addressing when info.mode is 1 and both ip and netmask are
-  /// given, with gateway and dns where they are not empty; in every other case,
-  /// incomplete static addresses included, dynamic addressing. The other fields
-  /// of `info` are ignored. With `reload` the daemon is then asked to apply the
-  /// stored configuration, whatever the first RPC gave; a reload that fails
-  /// prints a line and does not change the result.
-  ///
-  /// RPCs: SetNetworkConfig, then ReloadNetworkConfig with `reload`. Threads,
-  /// blocking and results: as for all functions of NetworkgRPC.
   /// @{
 
-  /// Configures one of the two Dante interfaces.
-  /// RPCs: SetNetworkConfig, then ReloadNetworkConfig with `reload`.
-  /// @param[in] info  mode, ip, netmask, gateway and dns, as told above
-  /// @param[in] secondary  0: the Dante primary; every other: the Dante secondary
-  /// @param[in] reload  whether to apply the configuration now
-  /// @return false with a line when the daemon fails or refuses to store it,
-  ///   silently and without an RPC when that role is unresolved
+  /// Stores the addressing of one of the two Dante interfaces. Addressing is static if info.mode is
+  /// 1 and info.ip and info.netmask are not empty; info.gateway and info.dns are stored with it if
+  /// they are not empty. In every other case, an incomplete static address included, addressing
+  /// becomes dynamic and no address is sent.
+  ///
+  /// RPCs: SetNetworkConfig; if `reload` is `true` then ReloadNetworkConfig, even if the first RPC
+  /// failed. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[in] info  Only `mode`, `ip`, `netmask`, `gateway` and `dns` are read.
+  /// @param[in] secondary  0: Dante primary; any other value: Dante secondary.
+  /// @param[in] reload  `true`: ask the daemon to apply the stored configuration. If that fails, an
+  ///   error line is printed; the result does not change.
+  /// @return
+  ///   - `true`: the daemon confirmed the change.
+  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
+  ///     error line is printed).
+  ///   - `false`: the interface is unresolved (no RPC is made, nothing is printed).
   static bool SetDanteIP(const InterfaceInfo& info, int secondary, bool reload);
 
-  /// Configures the control interface. An unresolved one is asked for as
-  /// interface -1, which is the daemon's to refuse.
-  /// RPCs: SetNetworkConfig, then ReloadNetworkConfig with `reload`.
-  /// @param[in] info  mode, ip, netmask, gateway and dns, as told above
-  /// @param[in] reload  whether to apply the configuration now
-  /// @return false with a line when the daemon fails or refuses to store it
+  /// Stores the addressing of the control interface. Addressing is static if info.mode is 1 and
+  /// info.ip and info.netmask are not empty; info.gateway and info.dns are stored with it if they
+  /// are not empty. In every other case, an incomplete static address included, addressing becomes
+  /// dynamic and no address is sent.
+  ///
+  /// If the control interface is unresolved, the request carries interface id -1; rejecting it is
+  /// up to the daemon.
+  ///
+  /// RPCs: SetNetworkConfig; if `reload` is `true` then ReloadNetworkConfig, even if the first RPC
+  /// failed. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[in] info  Only `mode`, `ip`, `netmask`, `gateway` and `dns` are read.
+  /// @param[in] reload  `true`: ask the daemon to apply the stored configuration. If that fails, an
+  ///   error line is printed; the result does not change.
+  /// @return
+  ///   - `true`: the daemon confirmed the change.
+  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
+  ///     error line is printed).
   static bool SetControlIP(const InterfaceInfo& info, bool reload);
 
-  /// Configures any interface.
-  /// RPCs: SetNetworkConfig, then ReloadNetworkConfig with `reload`.
-  /// @param[in] id  the interface's number, not checked; `info.id` is ignored
-  /// @param[in] info  mode, ip, netmask, gateway and dns, as told above
-  /// @param[in] reload  whether to apply the configuration now
-  /// @return false with a line when the daemon fails or refuses to store it
+  /// Stores the addressing of any interface. Addressing is static if info.mode is 1 and info.ip and
+  /// info.netmask are not empty; info.gateway and info.dns are stored with it if they are not
+  /// empty. In every other case, an incomplete static address included, addressing becomes dynamic
+  /// and no address is sent.
+  ///
+  /// RPCs: SetNetworkConfig; if `reload` is `true` then ReloadNetworkConfig, even if the first RPC
+  /// failed. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[in] id  Interface id, sent without a check; info.id is ignored.
+  /// @param[in] info  Only `mode`, `ip`, `netmask`, `gateway` and `dns` are read.
+  /// @param[in] reload  `true`: ask the daemon to apply the stored configuration. If that fails, an
+  ///   error line is printed; the result does not change.
+  /// @return
+  ///   - `true`: the daemon confirmed the change.
+  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
+  ///     error line is printed).
   static bool SetGenericIP(int id, const InterfaceInfo& info, bool reload);
 
   /// @}
 
   /// @name Switch modes
-  /// Threads, blocking and results: as for all functions of NetworkgRPC.
   /// @{
 
   /// Appends every switch mode that the device offers, in the daemon's order.
-  /// RPC: GetAvailableSwitchModes.
-  /// @param[in,out] modes  takes one more record for each mode; unchanged on false
-  /// @return false with a line when the call fails
+  ///
+  /// RPC: GetAvailableSwitchModes. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[in,out] modes  One record per mode is appended. Unchanged on failure, except that
+  ///   records appended before a caught exception stay.
+  /// @return
+  ///   - `true`: the records were appended.
+  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
   static bool GetSwitchModes(std::vector<SwitchMode>& modes);
 
   /// Reads the stored switch mode.
-  /// RPC: GetSwitchMode.
-  /// @param[out] mode  its number and name; unchanged on false
-  /// @return false with a line when the call fails
+  ///
+  /// RPC: GetSwitchMode. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[out] mode  Id and name of the mode. Unchanged on failure.
+  /// @return
+  ///   - `true`: `mode` was set.
+  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
   static bool GetConfiguredSwitchMode(SwitchMode& mode);
 
   /// Reads the switch mode in effect.
-  /// RPC: GetSwitchModeStatus.
-  /// @param[out] mode  its number and name; unchanged on false
-  /// @return false with a line when the call fails
+  ///
+  /// RPC: GetSwitchModeStatus. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[out] mode  Id and name of the mode. Unchanged on failure.
+  /// @return
+  ///   - `true`: `mode` was set.
+  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
   static bool GetCurrentSwitchMode(SwitchMode& mode);
 
-  /// Selects a switch mode. Note the offset: the mode listed with id 0 takes
-  /// SetSwitchMode(1).
-  /// RPC: SetSwitchMode.
-  /// @param[in] mode  one more than the id that the getters report; the range is
-  ///   not checked
-  /// @return false with a line when the daemon fails or refuses
+  /// Selects a switch mode. Note the offset: SetSwitchMode(1) selects the mode that GetSwitchModes
+  /// lists with id 0.
+  ///
+  /// RPC: SetSwitchMode. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[in] mode  One more than the id that the getters report; the range is not checked.
+  /// @return
+  ///   - `true`: the daemon confirmed the change.
+  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
+  ///     error line is printed).
   static bool SetSwitchMode(int mode);
 
   /// @}
 
   /// @name Host
-  /// Threads, blocking and results: as for all functions of NetworkgRPC.
   /// @{
 
   /// Reads the host name.
-  /// RPC: GetHostname.
-  /// @param[out] hostname  the name, which may be empty; unchanged on false
-  /// @return false with a line when the call fails
+  ///
+  /// RPC: GetHostname. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[out] hostname  The name; may be empty. Unchanged on failure.
+  /// @return
+  ///   - `true`: `hostname` was set.
+  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
   static bool GetHostname(std::string& hostname);
 
   /// Sets the host name.
-  /// RPC: SetHostname.
-  /// @param[in] hostname  sent exactly as given, also when it is empty
-  /// @return false with a line when the daemon fails or refuses
+  ///
+  /// RPC: SetHostname. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[in] hostname  Sent unchanged, even if empty.
+  /// @return
+  ///   - `true`: the daemon confirmed the change.
+  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
+  ///     error line is printed).
   static bool SetHostname(const std::string& hostname);
 
-  /// Reads the first NTP server.
-  /// RPC: GetNTPServer.
-  /// @param[out] server  its name or address; unchanged on false
-  /// @return false with a line when the call fails, silently when no server is
-  ///   configured
+  /// Reads the first NTP server of the stored list.
+  ///
+  /// RPC: GetNTPServer. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[out] server  Name or address. Unchanged on failure.
+  /// @return
+  ///   - `true`: `server` was set.
+  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the list is empty (nothing is printed).
   static bool GetNTPServer(std::string& server);
 
-  /// Stores one NTP server as the only one. With `reload` the daemon is then
-  /// asked to apply the stored NTP configuration, whatever the first RPC gave; a
-  /// reload that fails prints a line and does not change the result.
-  /// RPCs: SetNTPServer, then ReloadNTPConfig with `reload`.
-  /// @param[in] server  name or address, stored as one entry, also when it is empty
-  /// @param[in] reload  whether to apply the configuration now
-  /// @return false with a line when the daemon fails or refuses to store it
+  /// Stores one NTP server, which replaces the stored list.
+  ///
+  /// RPCs: SetNTPServer; if `reload` is `true` then ReloadNTPConfig, even if the first RPC failed.
+  /// Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[in] server  Name or address, sent as one list entry, even if empty.
+  /// @param[in] reload  `true`: ask the daemon to apply the stored configuration. If that fails, an
+  ///   error line is printed; the result does not change.
+  /// @return
+  ///   - `true`: the daemon confirmed the change.
+  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
+  ///     error line is printed).
   static bool SetNTPServer(const std::string& server, bool reload);
 
   /// Reads the first DNS server in use.
-  /// RPC: GetDNSList.
-  /// @param[out] dns  its address; unchanged on false
-  /// @return false with a line when the call fails, silently when there is none
+  ///
+  /// RPC: GetDNSList. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[out] dns  IP address. Unchanged on failure.
+  /// @return
+  ///   - `true`: `dns` was set.
+  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: no DNS server is in use (nothing is printed).
   static bool GetCurrentDNS(std::string& dns);
 
   /// Reads the host's default gateway.
-  /// RPC: GetRouting.
-  /// @param[out] gateway  its address, which may be empty; unchanged on false
-  /// @return false with a line when the call fails
+  ///
+  /// RPC: GetRouting. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @param[out] gateway  Dotted IPv4 address; may be empty. Unchanged on failure.
+  /// @return
+  ///   - `true`: `gateway` was set.
+  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
   static bool GetDefaultGateway(std::string& gateway);
 
   /// Resets the network settings to factory defaults.
-  /// RPC: FactoryReset.
-  /// @return false with a line when the daemon fails or refuses
+  ///
+  /// RPC: FactoryReset. Blocks without a deadline, thread-safe (see NetworkgRPC).
+  /// @return
+  ///   - `true`: the daemon confirmed the reset.
+  ///   - `false`: the daemon rejected the reset, the request failed, or a std::exception was caught
+  ///     (an error line is printed).
   static bool FactoryReset();
 
   /// @}

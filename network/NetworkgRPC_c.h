@@ -1,15 +1,14 @@
 /**
  * @file
- * Three operations of the library for code that cannot use its C++ records.
+ * Three functions of the library for C, and for code that cannot use its C++ records.
  *
- * Each function asks the network-manager daemon, at the endpoint that the
- * environment variable network_manager_url names (default "localhost:50007"),
- * and blocks until the call ends; there is no deadline. See NetworkgRPC.h for
- * lifetime and for what an absent, frozen or silent daemon means.
+ * Each function makes RPCs to the network-manager daemon, at the endpoint in the environment
+ * variable network_manager_url (default "localhost:50007"), and blocks until the last has ended.
+ * RPCs have no deadline. NetworkgRPC.h documents the connection, the role interfaces and how long
+ * an RPC to an absent, frozen or silent daemon lasts.
  *
- * Results: a count or 0 on success, -1 on failure. On failure the outputs are
- * as they were. What went wrong is printed to standard error, one line each,
- * by the C++ function that a C function calls.
+ * On success a function returns 0 or a count. On failure it returns -1 and leaves its outputs
+ * unchanged. Error lines go to standard error; each comment lists the failures that print none.
  */
 #ifndef NETWORKGRPC_C_H
 #define NETWORKGRPC_C_H
@@ -22,55 +21,63 @@ extern "C" {
 
 #pragma GCC visibility push(default)
 
-/** The control interface's addresses as NUL-terminated texts, empty when there
- * is none. A text that does not fit is cut; the rest of a field is NUL. */
+/**
+ * The addresses of one interface as NUL-terminated strings, empty if there is none. A string that
+ * does not fit is cut; the rest of a field is filled with NUL.
+ */
 typedef struct cInterfaceInfo {
-  char ip[16];      /**< dotted IPv4 address */
-  char netmask[16]; /**< dotted IPv4 netmask */
-  char mac[18];     /**< MAC address, 17 characters */
+  char ip[16];      /**< Dotted IPv4 address, up to 15 characters. */
+  char netmask[16]; /**< Dotted IPv4 netmask, up to 15 characters. */
+  char mac[18];     /**< MAC address exactly as the daemon sent it, up to 17 characters. */
 } cInterfaceInfo;
 
 /**
- * Reads the control interface, which is one entry.
- * Calls NetworkgRPC::GetControlInterfacesInfo and prints what that prints.
- * RPCs: GetNetworkConfig, GetNetworkStatus.
- * May be called from several threads at once.
- * @param[out] out  an array of `max` entries; unchanged on failure
- * @param[in] max  number of entries that `out` has room for, 1 or more
- * @return the number of entries written; -1 when the interface is unresolved,
- *   when the daemon cannot be asked, and when `max` is less than 1
+ * Reads the addresses of the control interface by NetworkgRPC::GetControlInterfacesInfo: those in
+ * use, otherwise those of a stored static configuration, otherwise empty strings.
+ *
+ * RPCs: GetNetworkConfig, GetNetworkStatus. Blocks without a deadline, thread-safe.
+ * @param[out] out  Array of `max` entries; the first is written. Unchanged on failure.
+ * @param[in] max  Number of entries in `out`, at least 1.
+ * @return
+ *   - 1: the number of entries written.
+ *   - -1: the configuration or status request failed or returned an empty list, or a
+ *     std::exception was caught (an error line is printed).
+ *   - -1: the control interface is unresolved (no RPC is made, nothing is printed).
+ *   - -1: `max` is less than 1 (the RPCs are made, nothing else is printed).
  */
 int cGetControlInterface(cInterfaceInfo* out, int max);
 
 /**
- * Reads the id of the switch mode in effect.
- * Calls NetworkgRPC::GetCurrentSwitchMode and prints what that prints.
- * RPC: GetSwitchModeStatus.
- * May be called from several threads at once.
- * @param[out] mode  the id as the daemon reports it; unchanged on failure; must
- *   not be null
- * @return 0; -1 when the daemon cannot be asked
+ * Reads the id of the switch mode in effect by NetworkgRPC::GetCurrentSwitchMode.
+ *
+ * RPC: GetSwitchModeStatus. Blocks without a deadline, thread-safe.
+ * @param[out] mode  Id as the daemon reports it. Must not be null. Unchanged on failure.
+ * @return
+ *   - 0: `mode` was set.
+ *   - -1: the request failed, or a std::exception was caught (an error line is printed).
  */
 int cGetCurrentSwitchMode(int* mode);
 
 /**
- * Makes a host name of `name` and sets it: ASCII letters in lower case and
- * digits are kept, all else, the hyphen included, is discarded. The name
- * "unknown" is set instead when `length` is 0, when `name` is null or empty, and
- * when nothing is left.
+ * Makes a host name from `name` and sets it by NetworkgRPC::SetHostname. ASCII letters, converted
+ * to lower case, and digits are kept; all other characters, hyphens included, are discarded. The
+ * host name is "unknown" if `length` is 0, if `name` is null or empty, or if no character is left.
  *
- * Only the first 255 characters are looked at. When no NUL is among them and
- * some were discarded, the kept ones are followed by what the previous call left
- * in the library's buffer.
+ * Only the first 255 characters of `name` are read. If it has that many and some were discarded,
+ * the host name ends with what the library's buffer held before: characters of an earlier call, or
+ * of "unknown" at the first.
  *
- * Prints to standard error one line per discarded character and one with the
- * name that is set. Calls NetworkgRPC::SetHostname and prints what that prints.
- * RPC: SetHostname.
- * Not for several threads at once: calls share one buffer without a lock.
- * @param[in] name  NUL-terminated, or at least 255 characters long; null is allowed
- * @param[in] length  0 for no name; every other number says no more than that
- *   there is one
- * @return 0; -1 when the daemon fails or refuses
+ * Prints to standard error one line for every discarded character, then one line that names the
+ * host name or says that the default is set.
+ *
+ * RPC: SetHostname. Blocks without a deadline. Not thread-safe: all calls share one buffer. If
+ * there is no memory for the host name, std::bad_alloc passes to the caller; a C program then ends.
+ * @param[in] name  NUL-terminated string, or at least 255 characters; may be null.
+ * @param[in] length  0: no name. Any other value: there is a name; the value has no other effect.
+ * @return
+ *   - 0: the daemon confirmed the change.
+ *   - -1: the daemon rejected it, the request failed, or a std::exception was caught (an error line
+ *     is printed).
  */
 int setampname(const char* name, size_t length);
 

@@ -39,12 +39,12 @@ with_header() {
     $2 == "name" && owner == "class" { owner = $3 "::" }
     /<member kind="function"/ { function_follows = 1; next }
     $2 == "name" && function_follows { print owner $3; function_follows = 0 }
-  ' "$BATS_TEST_TMPDIR/tags" | grep -vx '.*::GetInstance' | sort -u |
+  ' "$BATS_TEST_TMPDIR/tags" | grep -vxE '([A-Za-z]+)::(\1|GetInstance|operator=)' | sort -u |
     diff "$BATS_TEST_TMPDIR/expected" -
 }
 
 @test "a function without a description is a warning" {
-  run ! with_header '/Reads the latency\./,/@return/ d'
+  run ! with_header '/Reads the latency\./,/static/ { /\/\/\// d }'
   grep -q 'GetLatency.* is not documented' <<<"$output"
 }
 
