@@ -1,7 +1,6 @@
-// The records of the public headers lie in memory as they always did: programs that
-// were built with an earlier header of this major version share them with the library.
-// An assertion that fails wants another record or the next major version, not another
-// number.
+// The memory layout of the public records. Programs that were compiled with an earlier
+// header of this major version share these records with the library, so the numbers
+// never change within a major version: if an assertion fails, change the record back.
 #include <cstddef>
 #include <cstdint>
 
@@ -11,7 +10,7 @@
 
 namespace {
 
-// An offset or size for processors of 64 bits, and for ARM of 32 bits.
+// An offset or size on 64-bit processors and on 32-bit ARM.
 constexpr std::size_t At(std::size_t wide, std::size_t narrow) {
   return sizeof(void*) == 8 ? wide : narrow;
 }

@@ -1,9 +1,9 @@
-// The frame that every facade function shares: one guard for std::exception,
-// one formatted write per diagnostic, one test of a confirmed change.
+// What all facade functions share: one handler for std::exception, one
+// formatted write per diagnostic, one test of a confirmed change.
 //
-// What differs between functions is said at the function: its name, the line
-// that a caught exception prints, the line that a failed call prints (kNoLine
-// for the ones that stay silent), and a flag that a failure resets.
+// What differs is at the function: its name, the line that a caught exception
+// prints, the line that a failed request prints (kNoLine if none), and an output
+// that a failure sets to false.
 #pragma once
 
 #include <grpcpp/support/status.h>
@@ -12,33 +12,33 @@
 
 namespace call_frame {
 
-/// What a caught exception prints. Both wordings are in use on devices.
+/// What a caught exception prints. Devices in use rely on both wordings.
 enum class ExceptionLine {
   kNameAndText,  // "libNetworkgRPC: C++ exception in %s(): %s\n"
   kNameOnly,     // "libNetworkgRPC: ERROR: exception in %s\n"
 };
 
-/// The failure line of a function that fails silently.
+/// The failure line of a function that prints nothing if its request fails.
 inline constexpr const char* kNoLine = nullptr;
 
-/// Writes one diagnostic to standard error in one piece, so that the lines of
-/// several threads never tear.
+/// Prints one diagnostic to standard error in one formatted write, so that lines
+/// of several threads are never mixed.
 [[gnu::format(printf, 1, 2)]] void Print(const char* format, ...);
 
-/// The one test of a call that changes something: the call went through and
-/// the daemon says that it carried the request out.
+/// Whether a change is done: the status is OK, and the daemon's reply says that
+/// it carried out the request.
 template <class Success>
 bool Confirmed(const grpc::Status& status, const Success& reply) {
   return status.ok() && reply.success();
 }
 
 struct Frame {
-  const char* name;  // the function's unqualified name, as its lines print it
+  const char* name;  // unqualified, as the function's lines print it
   ExceptionLine exception_line;
   bool* reset = nullptr;  // an output that a failure sets to false
 
-  /// Runs the function's body. A std::exception becomes its line and false; an
-  /// exception of any other type passes to the caller.
+  /// Runs the function's body. If it throws a std::exception, prints the line of
+  /// a caught exception and returns false; other exceptions pass to the caller.
   template <class Body>
   bool Run(Body&& body) const {
     try {
@@ -48,16 +48,16 @@ struct Frame {
     }
   }
 
-  /// Resets the output that a failure resets, prints the function's failure
-  /// line, whose one %s is the function's name, and returns false.
+  /// Sets `reset` to false, prints the failure line, whose one %s is the
+  /// function's name, and returns false.
   bool Fail(const char* line) const;
 
  private:
   bool Caught(const std::exception& error) const;
 };
 
-/// A function that reads: one call without parameters, judged by its status
-/// alone; `copy` hands the reply out, and may take its texts away.
+/// A function that reads: one RPC without parameters, which succeeds if its status
+/// is OK. `copy` copies the reply to the outputs, and may move strings out of it.
 template <class Client, class Reply, class Copy>
 bool Read(const Frame& frame, grpc::Status (Client::*call)(Reply*), const char* failure_line,
           Copy&& copy) {
@@ -69,8 +69,8 @@ bool Read(const Frame& frame, grpc::Status (Client::*call)(Reply*), const char* 
   });
 }
 
-/// A function that changes something: `fill` makes the request out of the
-/// arguments; the daemon must confirm.
+/// A function that changes something: one RPC, which the daemon must confirm.
+/// `fill` fills the request from the arguments.
 template <class Client, class Request, class Success, class Fill>
 bool Change(const Frame& frame, grpc::Status (Client::*call)(const Request&, Success*),
             const char* failure_line, Fill&& fill) {
@@ -78,17 +78,19 @@ bool Change(const Frame& frame, grpc::Status (Client::*call)(const Request&, Suc
     Request request;
     Success reply;
     fill(request);
-    return Confirmed((Client::GetInstance().*call)(request, &reply), reply) ||
-           frame.Fail(failure_line);
+    if (!Confirmed((Client::GetInstance().*call)(request, &reply), reply))
+      return frame.Fail(failure_line);
+    return true;
   });
 }
 
-/// The same for a change that has no parameters.
+/// The same for an RPC without parameters.
 template <class Client, class Success>
 bool Change(const Frame& frame, grpc::Status (Client::*call)(Success*), const char* failure_line) {
   return frame.Run([&] {
     Success reply;
-    return Confirmed((Client::GetInstance().*call)(&reply), reply) || frame.Fail(failure_line);
+    if (!Confirmed((Client::GetInstance().*call)(&reply), reply)) return frame.Fail(failure_line);
+    return true;
   });
 }
 

@@ -12,7 +12,7 @@ namespace {
 void Resolve(const client::Setting& role, const nm::Interfaces& known, std::int32_t& id,
              std::string& mac) {
   const std::string name = role.Value();
-  // An empty name switches the role off; it does not look for a nameless interface.
+  // An empty name disables the role, even if an interface has an empty name.
   if (name.empty()) return;
   const auto& list = known.interfaces();
   const auto found = std::find_if(list.begin(), list.end(), [&](const nm::Interface& candidate) {
@@ -25,8 +25,8 @@ void Resolve(const client::Setting& role, const nm::Interfaces& known, std::int3
 
 }  // namespace
 
-// A failed call leaves the roles unresolved for good: the ids must not change
-// under an application that has begun to use them.
+// If the request fails, the roles stay unresolved: ids must not change once an
+// application uses them.
 NetworkManagerClient::NetworkManagerClient()
     : stub(nm::NetworkManager::NewStub(client::MakeChannel(client::kNetworkManagerUrl))) {
   nm::Interfaces known;
@@ -70,8 +70,7 @@ grpc::Status NetworkManagerClient::GetAvailableSwitchModes(nm::SwitchModes* repl
   return Call(*stub, &nm::NetworkManager::Stub::GetAvailableSwitchModes, reply);
 }
 
-// The service's own names for the two switch-mode readers run the other way
-// round: its "status" is the mode in effect.
+// The service names the two readers differently: "status" is the mode in effect.
 grpc::Status NetworkManagerClient::GetCurrentSwitchMode(nm::SwitchMode* reply) {
   return Call(*stub, &nm::NetworkManager::Stub::GetSwitchModeStatus, reply);
 }

@@ -7,8 +7,8 @@
 namespace client {
 namespace {
 
-// A ping every 10 s that must be answered within 10 s, also while no call is
-// active: a frozen daemon is noticed although calls carry no deadline.
+// A ping every 10 s, also between calls, must be answered within 10 s: this
+// detects a frozen daemon although calls have no deadline.
 constexpr int kKeepaliveTimeMs = 10000;
 constexpr int kKeepaliveTimeoutMs = 10000;
 constexpr int kKeepalivePermitWithoutCalls = 1;

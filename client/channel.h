@@ -1,4 +1,4 @@
-// The one way in which this library makes a channel and a call on it.
+// The only place that creates a channel, and the only place that makes a call.
 #pragma once
 
 #include <grpcpp/channel.h>
@@ -12,12 +12,12 @@
 
 namespace client {
 
-/// A channel without TLS to the daemon that `endpoint` names, with the
-/// library's keepalive. Nothing connects before the first call.
+/// Creates a channel to `endpoint` without TLS, with the library's keepalive. It
+/// connects at the first call.
 std::shared_ptr<grpc::Channel> MakeChannel(const Setting& endpoint);
 
-/// One blocking unary call in a context of its own: no deadline, no
-/// wait-for-ready, no metadata. Whatever gRPC says comes back unchanged.
+/// Makes one blocking unary call with its own context: no deadline, no
+/// wait-for-ready, no metadata. Returns the status of gRPC unchanged.
 template <class Stub, class Request, class Reply>
 grpc::Status Call(Stub& stub,
                   grpc::Status (Stub::*method)(grpc::ClientContext*, const Request&, Reply*),
@@ -26,7 +26,7 @@ grpc::Status Call(Stub& stub,
   return (stub.*method)(&context, request, reply);
 }
 
-/// The same for a call without parameters.
+/// The same for an RPC without parameters.
 template <class Stub, class Reply>
 grpc::Status Call(Stub& stub,
                   grpc::Status (Stub::*method)(grpc::ClientContext*, const ostrevan::common::Empty&,

@@ -1,8 +1,7 @@
 // The environment variables that configure the library, and their defaults.
 //
-// A variable that is set replaces its default verbatim, also when it is set to
-// the empty string; only an unset variable leaves the default. Each is read
-// once, when the client that needs it is built.
+// A variable that is set, even to an empty string, overrides the default. Each is
+// read once, when the client that needs it is created.
 #pragma once
 
 #include <string>
@@ -13,7 +12,7 @@ struct Setting {
   const char* variable;
   const char* fallback;
 
-  /// The variable's value, or the default when it is unset.
+  /// The value of the variable, or the default if it is not set.
   std::string Value() const;
 };
 

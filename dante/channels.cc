@@ -1,4 +1,4 @@
-// The transmit and receive channels and their labels.
+// Transmit and receive channels and their labels.
 #include "DAPIClient.h"
 #include "DantegRPC.h"
 #include "call_frame/call_frame.h"

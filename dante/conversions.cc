@@ -5,8 +5,7 @@ namespace dapi = ostrevan::grpcdapi;
 namespace dante {
 namespace {
 
-// The address decides whether the stream parameters are in force: a raw
-// message without one describes no stream.
+// A raw message without an address describes no stream, so isRaw depends on it.
 void RawToRecord(const dapi::rawLinkInfo& raw, DantegRPC::ChannelLink& record) {
   record.isRaw = !raw.ip().empty();
   record.ip = raw.ip();

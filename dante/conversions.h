@@ -1,5 +1,4 @@
-// Translation between the Dante API daemon's messages and the records that
-// applications see.
+// Conversions between the Dante API daemon's messages and the public records.
 #pragma once
 
 #include "DAPIClient.h"
@@ -10,11 +9,11 @@ namespace dante {
 DantegRPC::Channel ToRecord(const ostrevan::grpcdapi::Channel& channel);
 void ToWire(const DantegRPC::Channel& record, ostrevan::grpcdapi::Channel& request);
 
-/// `id` is the receive channel's own number, whatever number the reply carries.
+/// `id` is the id of the requested receive channel; that of the reply is ignored.
 DantegRPC::ChannelLink ToRecord(std::int32_t id, const ostrevan::grpcdapi::LinkInfo& link);
 
-/// A record that names no complete source becomes a request with nothing but
-/// the channel number, which removes the subscription.
+/// Fills a request with all raw parameters or both names. If they are incomplete,
+/// the request carries the channel id only, which removes the subscription.
 void ToWire(const DantegRPC::ChannelLink& record, ostrevan::grpcdapi::LinkInfo& request);
 
 }  // namespace dante

@@ -48,7 +48,7 @@ bool DantegRPC::GetModelVersion(std::string& version) {
       [&](dapi::Version& reply) { version = std::move(*reply.mutable_version()); });
 }
 
-// One insertion of the whole list: it is appended entirely or not at all.
+// One insertion, so that either all rates or none are appended.
 bool DantegRPC::GetAvailableSampleRates(std::vector<int>& rates) {
   return call_frame::Read(
       {"GetAvailableSampleRates", ExceptionLine::kNameOnly}, &DAPIClient::GetAvailableSampleRates,
@@ -134,8 +134,8 @@ bool DantegRPC::SetPtpSlaveOnly(bool slave_only) {
                             [&](dapi::Status& request) { request.set_status(slave_only); });
 }
 
-// The module starts anew when the host's network does, so this is the one
-// function here that asks the network manager.
+// The module restarts together with the host's network, so this is the one
+// function here that calls the network manager.
 bool DantegRPC::Reboot() {
   return call_frame::Change({"Reboot", ExceptionLine::kNameAndText},
                             &NetworkManagerClient::ReloadNetworkConfig,

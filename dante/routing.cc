@@ -1,4 +1,4 @@
-// Which transmitting device and channel each receive channel listens to.
+// The subscriptions of the receive channels.
 #include "DAPIClient.h"
 #include "DantegRPC.h"
 #include "call_frame/call_frame.h"

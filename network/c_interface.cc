@@ -1,5 +1,4 @@
-// The C interface: C++ records into C types, and the host name made of the
-// amplifier's name.
+// The C functions, and the host name made from the amplifier's name.
 #include <algorithm>
 #include <cstring>
 
@@ -14,25 +13,26 @@ namespace {
 constexpr const char* kDefaultHostname = "unknown";
 
 // Holds "unknown" when the library is loaded and is not reset between calls: a
-// name of 255 or more characters is sent with what an earlier call left behind
-// the characters kept, and callers know it so.
+// name of 255 or more characters is not terminated behind the characters kept, so
+// what an earlier call left there is sent, too. Callers rely on it.
 char hostnameBuffer[256] = "unknown";
 constexpr int kLongestName = sizeof(hostnameBuffer) - 1;
 
-// `field` is all NUL before.
+// `field` must be all NUL. A string that does not fit is cut.
 template <std::size_t size>
 void CopyText(const std::string& text, char (&field)[size]) {
   std::memcpy(field, text.c_str(), std::min(std::strlen(text.c_str()), size - 1));
 }
 
-// Letter case and the host's locale have no part in a host name.
+// Returns the character in lower case, or NUL if it is discarded. Does not depend
+// on the locale.
 char HostnameCharacter(char c) {
   if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) return c;
   if (c >= 'A' && c <= 'Z') return static_cast<char>(c - 'A' + 'a');
   return '\0';
 }
 
-// Writes what may stand in a host name into hostnameBuffer and counts it.
+// Copies the characters to keep to hostnameBuffer and returns their number.
 int FilterHostname(const char* name) {
   int count = 0;
   for (int i = 0; i < kLongestName; ++i) {

@@ -12,13 +12,12 @@ namespace {
 constexpr std::int32_t kDynamic = nm::DYNAMIC;
 constexpr std::int32_t kStatic = nm::STATIC;
 
-// Applications know two modes; the two other dynamic ones of the daemon count
-// as dynamic.
+// Applications know two modes; the daemon's other two are kinds of dynamic.
 std::int32_t ModeToRecord(nm::EnInterfaceMode mode) {
   return mode == nm::STATIC ? kStatic : kDynamic;
 }
 
-// For one look-up among the entries, without memory of its own.
+// For a single look-up: allocates nothing.
 template <class List>
 auto FindFirst(const List& entries, std::int32_t id) -> decltype(&*entries.begin()) {
   const auto found = std::find_if(entries.begin(), entries.end(),
@@ -26,9 +25,10 @@ auto FindFirst(const List& entries, std::int32_t id) -> decltype(&*entries.begin
   return found != entries.end() ? &*found : nullptr;
 }
 
-// For as many look-ups as there are entries: where each is, in the order of the ids,
-// equal ones in the order of the list. Daemons list and describe interfaces in that
-// order, so that it takes no sorting and each look-up finds its entry behind the last.
+// For many look-ups: an index sorted by id, entries with equal ids in the order of
+// the list. Daemons usually send entries sorted by id and they are looked up in that
+// order: then the index needs no sorting, and each look-up finds its entry next to
+// the previous one.
 template <class List>
 class FirstById {
  public:
@@ -45,7 +45,7 @@ class FirstById {
   }
 
  private:
-  using Place = std::pair<std::int32_t, int>;  // an id, and which entry has it
+  using Place = std::pair<std::int32_t, int>;  // id, index in the list
 
   bool NextIsFirstOf(std::int32_t id) const {
     return next != places.end() && next->first == id &&
@@ -87,7 +87,7 @@ void AppendInterfaces(const nm::Interfaces& known, const nm::InterfacesConfig& c
   FirstById stored_by_id(config.configs());
   FirstById live_by_id(status.status());
 
-  // Moving the records to ever larger memory would cost more than all the rest.
+  // Reallocating while appending would cost more than everything else here.
   out.reserve(out.size() + static_cast<std::size_t>(known.interfaces_size()));
   for (const nm::Interface& interface : known.interfaces()) {
     NetworkgRPC::InterfaceInfo record;

@@ -1,5 +1,5 @@
-// Translation between the network-manager daemon's messages and the records
-// that applications see.
+// Conversions between the network-manager daemon's messages and the public
+// records.
 #pragma once
 
 #include "NetworkManagerClient.h"
@@ -7,24 +7,26 @@
 
 namespace network {
 
-/// The id of a role interface that the client could not resolve.
+/// The id of an unresolved role interface.
 inline constexpr std::int32_t kUnresolved = -1;
 
-/// Merges the stored and the live state of interface `id` into `record`. False,
-/// and the record untouched, when either list lacks the interface.
+/// Fills mode, active and addresses of `record` from the stored configuration and
+/// the present state of interface `id`. Returns false and leaves the record
+/// unchanged if either list lacks the interface.
 bool fillInterfaceInfo(std::int32_t id, NetworkgRPC::InterfaceInfo& record,
                        const ostrevan::networkmanager::InterfacesConfig& config,
                        const ostrevan::networkmanager::InterfacesStatus& status);
 
 /// Appends one record per interface of `known`, in its order. Unlike
-/// fillInterfaceInfo it takes the live addresses also while they are not
-/// flagged as in use, and a stored static address only when there is none.
+/// fillInterfaceInfo, it copies the addresses of the status even if they are not
+/// flagged as in use, and a stored static address only if the status has none.
 void AppendInterfaces(const ostrevan::networkmanager::Interfaces& known,
                       const ostrevan::networkmanager::InterfacesConfig& config,
                       const ostrevan::networkmanager::InterfacesStatus& status,
                       std::vector<NetworkgRPC::InterfaceInfo>& out);
 
-/// Static addressing when the record is complete enough for it, else dynamic.
+/// Fills a request for static addressing if mode, ip and netmask of the record
+/// allow it, otherwise for dynamic addressing.
 void ToWire(std::int32_t id, const NetworkgRPC::InterfaceInfo& record,
             ostrevan::networkmanager::InterfaceConfig& request);
 

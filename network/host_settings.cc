@@ -29,7 +29,7 @@ bool NetworkgRPC::GetNTPServer(std::string& server) {
     nm::NTPServer reply;
     if (!NetworkManagerClient::GetInstance().GetNTPServer(&reply).ok())
       return frame.Fail("libNetworkgRPC: %s: error while reading NTP server via gRPC\n");
-    if (reply.servers().empty()) return false;  // none configured is no fault to report
+    if (reply.servers().empty()) return false;  // no server is stored: not an error
     server = std::move(*reply.mutable_servers(0));
     return true;
   });
@@ -42,8 +42,8 @@ bool NetworkgRPC::SetNTPServer(const std::string& server, bool reload) {
     request.add_servers(server);
     auto& client = NetworkManagerClient::GetInstance();
     nm::Success set;
-    const bool stored = call_frame::Confirmed(client.SetNTPServer(request, &set), set) ||
-                        frame.Fail("libNetworkgRPC: %s: error while setting NTP server via gRPC\n");
+    const bool stored = call_frame::Confirmed(client.SetNTPServer(request, &set), set);
+    if (!stored) frame.Fail("libNetworkgRPC: %s: error while setting NTP server via gRPC\n");
     nm::Success reloaded;
     if (reload && !call_frame::Confirmed(client.ReloadNTPConfig(&reloaded), reloaded))
       frame.Fail("libNetworkgRPC: ERROR: error while reloading NTP config in %s\n");
@@ -57,7 +57,7 @@ bool NetworkgRPC::GetCurrentDNS(std::string& dns) {
     nm::DNS reply;
     if (!NetworkManagerClient::GetInstance().GetDNSList(&reply).ok())
       return frame.Fail("libNetworkgRPC: %s: error while reading DNS list via gRPC\n");
-    if (reply.dns().empty()) return false;  // none in use is no fault to report
+    if (reply.dns().empty()) return false;  // no server is in use: not an error
     dns = std::move(*reply.mutable_dns(0));
     return true;
   });

@@ -1,4 +1,4 @@
-// How an interface gets its IPv4 address.
+// Setting how an interface gets its IPv4 address.
 #include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
 #include "call_frame/call_frame.h"
@@ -11,9 +11,9 @@ using call_frame::Frame;
 
 namespace {
 
-// Stores the configuration, `report`s when the daemon did not confirm it, and
-// asks for a reload either way. The reload's outcome is only logged: what is
-// stored stays stored.
+// Stores the configuration, calls `report` if the daemon did not confirm it, and
+// requests the reload in both cases. A failed reload is only printed: the
+// configuration stays stored.
 template <class Report>
 bool Configure(const Frame& frame, std::int32_t id, const NetworkgRPC::InterfaceInfo& info,
                bool reload, Report&& report) {

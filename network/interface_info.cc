@@ -1,4 +1,4 @@
-// Which interfaces there are, their addresses, MAC addresses and fixed labels.
+// The interfaces: addresses, MAC addresses and fixed labels.
 #include <algorithm>
 #include <utility>
 
@@ -17,13 +17,13 @@ namespace {
 // The switch mode in which both Dante interfaces are in use.
 constexpr std::int32_t kBothDantePorts = 1;
 
-// What the daemon stores and what it reports about the interfaces of a request.
+// Stored configuration and present state of the requested interfaces.
 struct Network {
   nm::InterfacesConfig config;
   nm::InterfacesStatus status;
 };
 
-// An answer that lists nothing is as good as none for an interface with a role.
+// An empty reply is a failure: the role interfaces exist.
 bool Ask(const Frame& frame, const nm::Ids& request, Network& network) {
   auto& client = NetworkManagerClient::GetInstance();
   if (!client.GetNetworkConfig(request, &network.config).ok() || network.config.configs().empty())
@@ -33,8 +33,8 @@ bool Ask(const Frame& frame, const nm::Ids& request, Network& network) {
   return true;
 }
 
-// Appends also an interface that the daemon did not describe, then without
-// addresses and MAC: callers count on one entry per role.
+// An interface that is missing from a reply is appended without addresses and MAC
+// address: callers rely on one record per role.
 void Append(std::int32_t id, std::string mac, const Network& network,
             std::vector<NetworkgRPC::InterfaceInfo>& out) {
   NetworkgRPC::InterfaceInfo record;
@@ -96,8 +96,8 @@ bool NetworkgRPC::GetAllIPv4(std::vector<InterfaceInfo>& out) {
     request.mutable_ids()->Reserve(known.interfaces_size());
     for (const nm::Interface& interface : known.interfaces()) request.add_ids(interface.id());
     Network network;
-    // Both are asked for, whatever the first gives; without both there is
-    // nothing to tell, which is no fault to report.
+    // Both requests are made even if the first fails; a failure of either means an
+    // empty list, not an error.
     const bool configured = client.GetNetworkConfig(request, &network.config).ok();
     const bool live = client.GetNetworkStatus(request, &network.status).ok();
     if (configured && live) network::AppendInterfaces(known, network.config, network.status, out);

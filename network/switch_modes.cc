@@ -33,8 +33,8 @@ bool NetworkgRPC::GetCurrentSwitchMode(SwitchMode& mode) {
       [&](const nm::SwitchMode& reply) { mode = network::ToRecord(reply); });
 }
 
-// Callers count the modes from one, the daemon from its lowest id. The
-// subtraction wraps like the daemon's 32 bits do, for INT_MIN too.
+// Callers pass the id plus one. The subtraction is unsigned because INT_MIN - 1
+// would overflow.
 bool NetworkgRPC::SetSwitchMode(int mode) {
   return call_frame::Change(
       {"SetSwitchMode", ExceptionLine::kNameAndText}, &NetworkManagerClient::SetSwitchMode,
