@@ -1,5 +1,5 @@
-// The one frame of the functions for Python: call without the interpreter's lock,
-// hand out what was read, raise CallFailed for false.
+// What all Python functions share: release the interpreter's lock during the call,
+// return what was read, raise CallFailed if the C++ function returned false.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -25,7 +25,7 @@ class Functions {
  public:
   explicit Functions(py::module_& to) : module(to) {}
 
-  /// One that reads a value, or a list of them.
+  /// Adds a function that reads a value or a list.
   template <class Value>
   const Functions& Reads(const char* name, bool (*function)(Value&), const char* doc) const {
     module.def(
@@ -39,7 +39,7 @@ class Functions {
     return *this;
   }
 
-  /// One that reads a value about something.
+  /// Adds a function that reads a value selected by an argument.
   template <class Value, class Key>
   const Functions& Reads(const char* name, bool (*function)(Key, Value&), py::arg key,
                          const char* doc) const {
@@ -55,7 +55,7 @@ class Functions {
     return *this;
   }
 
-  /// One that changes something.
+  /// Adds a function that changes something.
   template <class... Arguments, class... Names>
   const Functions& Changes(const char* name, bool (*function)(Arguments...), const char* doc,
                            const Names&... names) const {
@@ -78,23 +78,23 @@ class Functions {
   template <class Call, class... Named>
   static void Make(const std::string& function, Call&& call, const Named&... arguments) {
     const bool done = [&] {
-      const py::gil_scoped_release others_may_run;
+      const py::gil_scoped_release unlocked;
       return call();
     }();
     if (done) return;
-    py::dict told;
-    ((told[arguments.first.name] = arguments.second), ...);
-    Raise(function, told);
+    py::dict by_name;
+    ((by_name[arguments.first.name] = arguments.second), ...);
+    Raise(function, by_name);
   }
 
   py::module_& module;
 };
 
-/// A record with its fields, made, compared and shown like a dataclass.
+/// Adds a record class that is constructed, compared and printed like a dataclass.
 template <class Record, class... Types>
 void Define(py::module_& module, const char* name, const char* doc,
             std::pair<const char*, Types Record::*>... fields) {
-  // The plain metaclass: these classes have no static properties.
+  // The default metaclass is enough: these classes have no static properties.
   py::class_<Record> type(module, name, doc,
                           py::metaclass(reinterpret_cast<PyObject*>(&PyType_Type)));
   type.def(py::init([fields...](const Types&... values) {

@@ -1,4 +1,4 @@
-// The module networkgrpc.dante: the functions of DantegRPC.
+// The Python module networkgrpc.dante: the functions of DantegRPC.
 #include "DantegRPC.h"
 
 #include "python/call.h"
@@ -27,34 +27,35 @@ void DefineRecords(pybind11::module_& module) {
 }
 
 void DefineSettings(const python::Functions& functions) {
-  functions.Reads("get_name", &DantegRPC::GetName, "The device name.")
-      .Changes("set_name", &DantegRPC::SetName, "Sets the device name.", Argument("name"))
-      .Reads("get_firmware_version", &DantegRPC::GetFirmwareVersion, "The firmware's version.")
-      .Reads("get_software_version", &DantegRPC::GetSoftwareVersion, "The software's version.")
-      .Reads("get_model_name", &DantegRPC::GetModelName, "The model's name.")
-      .Reads("get_model_version", &DantegRPC::GetModelVersion, "The model's version.")
+  functions.Reads("get_name", &DantegRPC::GetName, "Return the device name.")
+      .Changes("set_name", &DantegRPC::SetName, "Set the device name.", Argument("name"))
+      .Reads("get_firmware_version", &DantegRPC::GetFirmwareVersion, "Return the firmware version.")
+      .Reads("get_software_version", &DantegRPC::GetSoftwareVersion, "Return the software version.")
+      .Reads("get_model_name", &DantegRPC::GetModelName, "Return the model name.")
+      .Reads("get_model_version", &DantegRPC::GetModelVersion, "Return the model version.")
       .Reads("get_available_sample_rates", &DantegRPC::GetAvailableSampleRates,
-             "The sample rates that the module supports.")
-      .Reads("get_sample_rate", &DantegRPC::GetSampleRate, "The sample rate.")
-      .Changes("set_sample_rate", &DantegRPC::SetSampleRate, "Sets the sample rate.",
+             "Return the supported sample rates.")
+      .Reads("get_sample_rate", &DantegRPC::GetSampleRate, "Return the sample rate.")
+      .Changes("set_sample_rate", &DantegRPC::SetSampleRate, "Set the sample rate.",
                Argument("rate"))
-      .Reads("get_latency", &DantegRPC::GetLatency, "The latency.")
-      .Changes("set_latency", &DantegRPC::SetLatency, "Sets the latency.", Argument("latency"))
+      .Reads("get_latency", &DantegRPC::GetLatency, "Return the latency.")
+      .Changes("set_latency", &DantegRPC::SetLatency, "Set the latency.", Argument("latency"))
       .Reads("get_aes67_available", &DantegRPC::GetAES67Available,
-             "Whether the module can do AES67.")
-      .Reads("get_aes67_status", &DantegRPC::GetAES67Status, "Whether AES67 is on.")
-      .Changes("set_aes67", &DantegRPC::SetAES67, "Turns AES67 on or off.", Argument("enabled"))
-      .Reads("get_disable_tx", &DantegRPC::GetDisableTx, "Whether transmission is disabled.")
-      .Changes("set_disable_tx", &DantegRPC::SetDisableTx, "Disables or enables transmission.",
+             "Return whether the module supports AES67.")
+      .Reads("get_aes67_status", &DantegRPC::GetAES67Status, "Return whether AES67 is on.")
+      .Changes("set_aes67", &DantegRPC::SetAES67, "Turn AES67 on or off.", Argument("enabled"))
+      .Reads("get_disable_tx", &DantegRPC::GetDisableTx, "Return whether transmission is disabled.")
+      .Changes("set_disable_tx", &DantegRPC::SetDisableTx, "Disable or enable transmission.",
                Argument("disabled"))
       .Reads("get_ptp_slave_only", &DantegRPC::GetPtpSlaveOnly,
-             "Whether the module is a PTP slave only.")
+             "Return whether the module is PTP slave only.")
       .Changes("set_ptp_slave_only", &DantegRPC::SetPtpSlaveOnly,
-               "Makes the module a PTP slave only, or not.", Argument("slave_only"))
-      .Changes("reboot", &DantegRPC::Reboot, "Restarts the Dante side.");
+               "Make the module PTP slave only, or allow it to become master.",
+               Argument("slave_only"))
+      .Changes("reboot", &DantegRPC::Reboot, "Restart the Dante side.");
 }
 
-// The two counts of the one function that hands out two values.
+// Both results of the one function that has two.
 struct ChannelsNum {
   int tx = 0;
   int rx = 0;
@@ -63,17 +64,19 @@ struct ChannelsNum {
 bool GetChannelsNum(ChannelsNum& number) { return DantegRPC::GetChannelsNum(number.tx, number.rx); }
 
 void DefineChannels(pybind11::module_& module) {
-  python::Define<ChannelsNum>(module, "ChannelsNum", "How many channels there are.",
+  python::Define<ChannelsNum>(module, "ChannelsNum", "The numbers of channels.",
                               Field("tx", &ChannelsNum::tx), Field("rx", &ChannelsNum::rx));
   python::Functions(module)
-      .Reads("get_tx_channels", &DantegRPC::GetTxChannels, "The transmit channels.")
-      .Reads("get_rx_channels", &DantegRPC::GetRxChannels, "The receive channels.")
-      .Reads("get_channels_num", &GetChannelsNum, "How many channels there are.")
-      .Changes("set_tx_channel_name", &DantegRPC::SetTxChannelName, "Renames a transmit channel.",
-               Argument("channel"))
-      .Reads("get_tapping", &DantegRPC::GetTapping, "What each receive channel is subscribed to.")
-      .Changes("set_tapping", &DantegRPC::SetTapping, "Subscribes one receive channel.",
-               Argument("link"));
+      .Reads("get_tx_channels", &DantegRPC::GetTxChannels, "Return the transmit channels.")
+      .Reads("get_rx_channels", &DantegRPC::GetRxChannels, "Return the receive channels.")
+      .Reads("get_channels_num", &GetChannelsNum,
+             "Return the numbers of transmit and receive channels.")
+      .Changes("set_tx_channel_name", &DantegRPC::SetTxChannelName,
+               "Set the label of a transmit channel.", Argument("channel"))
+      .Reads("get_tapping", &DantegRPC::GetTapping,
+             "Return the subscription of every receive channel.")
+      .Changes("set_tapping", &DantegRPC::SetTapping,
+               "Change the subscription of one receive channel.", Argument("link"));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The module networkgrpc.network: the functions of NetworkgRPC.
+// The Python module networkgrpc.network: the functions of NetworkgRPC.
 #include "NetworkgRPC.h"
 
 #include "python/call.h"
@@ -18,7 +18,8 @@ void DefineRecords(pybind11::module_& module) {
       Field("gateway", &InterfaceInfo::gateway), Field("mac", &InterfaceInfo::mac),
       Field("dns", &InterfaceInfo::dns), Field("active", &InterfaceInfo::active),
       Field("id", &InterfaceInfo::id));
-  python::Define<SwitchMode>(module, "SwitchMode", "One way to use the device's network ports.",
+  python::Define<SwitchMode>(module, "SwitchMode",
+                             "A switch mode: one way to use the device's network ports.",
                              Field("id", &SwitchMode::id), Field("name", &SwitchMode::name));
 }
 
@@ -26,39 +27,44 @@ void DefineRecords(pybind11::module_& module) {
 
 PYBIND11_MODULE(network, module) {
   module.doc() =
-      "The host's networking: interfaces and addresses, switch mode, host name, NTP, DNS.";
+      "The host's networking: interfaces, IPv4 addresses, switch mode, host name, NTP, DNS.";
   DefineRecords(module);
   python::Functions(module)
       .Reads("get_dante_interfaces_info", &NetworkgRPC::GetDanteInterfacesInfo,
-             "The Dante primary interface and, in switch mode 1, the secondary.")
+             "Return the Dante primary interface and, in switch mode 1, the secondary.")
       .Reads("get_control_interfaces_info", &NetworkgRPC::GetControlInterfacesInfo,
-             "The control interface.")
-      .Reads("get_all_ipv4", &NetworkgRPC::GetAllIPv4, "Every interface with its addresses.")
+             "Return the control interface in a list.")
+      .Reads("get_all_ipv4", &NetworkgRPC::GetAllIPv4,
+             "Return all interfaces with their addresses.")
       .Reads("get_mac_address", &NetworkgRPC::GetMACAddress, Argument("name"),
-             "The MAC address of the first interface with this name.")
+             "Return the MAC address of the first interface with this name.")
       .Reads("get_tarvo_interface_name", &NetworkgRPC::GetTarvoInterfaceName, Argument("id"),
-             "The product's name of the role that an interface has.")
-      .Changes("set_dante_ip", &NetworkgRPC::SetDanteIP, "Configures a Dante interface.",
-               Argument("info"), Argument("secondary"), Argument("reload"))
-      .Changes("set_control_ip", &NetworkgRPC::SetControlIP, "Configures the control interface.",
-               Argument("info"), Argument("reload"))
-      .Changes("set_generic_ip", &NetworkgRPC::SetGenericIP, "Configures any interface.",
-               Argument("id"), Argument("info"), Argument("reload"))
-      .Reads("get_switch_modes", &NetworkgRPC::GetSwitchModes, "Every switch mode on offer.")
+             "Return the product's fixed label of an interface by its role.")
+      .Changes("set_dante_ip", &NetworkgRPC::SetDanteIP,
+               "Store the addressing of a Dante interface.", Argument("info"),
+               Argument("secondary"), Argument("reload"))
+      .Changes("set_control_ip", &NetworkgRPC::SetControlIP,
+               "Store the addressing of the control interface.", Argument("info"),
+               Argument("reload"))
+      .Changes("set_generic_ip", &NetworkgRPC::SetGenericIP,
+               "Store the addressing of any interface.", Argument("id"), Argument("info"),
+               Argument("reload"))
+      .Reads("get_switch_modes", &NetworkgRPC::GetSwitchModes, "Return all switch modes.")
       .Reads("get_configured_switch_mode", &NetworkgRPC::GetConfiguredSwitchMode,
-             "The stored switch mode.")
+             "Return the stored switch mode.")
       .Reads("get_current_switch_mode", &NetworkgRPC::GetCurrentSwitchMode,
-             "The switch mode in effect.")
+             "Return the switch mode in effect.")
       .Changes("set_switch_mode", &NetworkgRPC::SetSwitchMode,
-               "Selects a switch mode, by one more than its id.", Argument("mode"))
-      .Reads("get_hostname", &NetworkgRPC::GetHostname, "The host name.")
-      .Changes("set_hostname", &NetworkgRPC::SetHostname, "Sets the host name.",
+               "Select a switch mode; the argument is its id plus one.", Argument("mode"))
+      .Reads("get_hostname", &NetworkgRPC::GetHostname, "Return the host name.")
+      .Changes("set_hostname", &NetworkgRPC::SetHostname, "Set the host name.",
                Argument("hostname"))
-      .Reads("get_ntp_server", &NetworkgRPC::GetNTPServer, "The first NTP server.")
-      .Changes("set_ntp_server", &NetworkgRPC::SetNTPServer, "Stores one NTP server.",
-               Argument("server"), Argument("reload"))
-      .Reads("get_current_dns", &NetworkgRPC::GetCurrentDNS, "The first DNS server in use.")
-      .Reads("get_default_gateway", &NetworkgRPC::GetDefaultGateway, "The default gateway.")
+      .Reads("get_ntp_server", &NetworkgRPC::GetNTPServer, "Return the first NTP server.")
+      .Changes("set_ntp_server", &NetworkgRPC::SetNTPServer,
+               "Store one NTP server, which replaces the list.", Argument("server"),
+               Argument("reload"))
+      .Reads("get_current_dns", &NetworkgRPC::GetCurrentDNS, "Return the first DNS server in use.")
+      .Reads("get_default_gateway", &NetworkgRPC::GetDefaultGateway, "Return the default gateway.")
       .Changes("factory_reset", &NetworkgRPC::FactoryReset,
-               "Resets the network settings to factory defaults.");
+               "Reset the network settings to factory defaults.");
 }

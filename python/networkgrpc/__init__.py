@@ -1,9 +1,10 @@
 """Settings of a networked amplifier, for test benches and service scripts.
 
-`network` has the host's networking, `dante` the Dante audio-network module: every
-function of the C++ facades, by its name in snake_case. What a function reads it
-returns; one that is not done raises `CallFailed`. A call blocks its own thread
-only. The environment variables and the rules of the C++ headers hold.
+`network` has the functions of the C++ class NetworkgRPC (the host's networking),
+`dante` those of DantegRPC (the Dante audio-network module), with their names in
+snake_case. A function returns what it reads and raises `CallFailed` on failure. A
+call blocks only its own thread. The C++ headers document the functions and the
+environment variables.
 """
 
 from . import dante, network

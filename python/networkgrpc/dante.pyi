@@ -1,4 +1,4 @@
-"""The Dante module. Every function may raise networkgrpc.CallFailed."""
+"""The Dante module. All functions raise networkgrpc.CallFailed on failure."""
 
 from typing import ClassVar, List
 
@@ -15,9 +15,9 @@ class ChannelLink:
     """What one receive channel is subscribed to."""
 
     rx_channel_id: int
-    channel_name: str  # empty when there is none
-    device_name: str  # empty when there is none
-    is_raw: bool  # whether the parameters below give the subscription
+    channel_name: str  # empty if there is none
+    device_name: str  # empty if there is none
+    is_raw: bool  # whether the raw parameters below define the subscription
     ip: str
     value2: int
     value3: int
@@ -50,7 +50,7 @@ class ChannelLink:
     def __eq__(self, other: object) -> bool: ...
 
 class ChannelsNum:
-    """How many channels there are."""
+    """The numbers of channels."""
 
     tx: int
     rx: int

@@ -1,17 +1,18 @@
-"""What a function raises that is not done."""
+"""The exception that a failed function raises."""
 
 from typing import Any, Dict
 
 
 class CallFailed(Exception):
-    """The daemon cannot be reached, failed, or refused.
+    """The C++ function returned false.
 
-    The library does not tell these apart; the line that it wrote to standard error
-    belongs to this call.
+    The exception does not distinguish an unreachable daemon, an RPC error and a
+    rejected request. The library prints a line for most failures; the C++ headers
+    list the others.
 
     Attributes:
-        function: the full name, such as "networkgrpc.network.set_hostname"
-        arguments: what it was called with, by name
+        function: full name, "networkgrpc.network.set_hostname" for example
+        arguments: the arguments of the call by name
     """
 
     def __init__(self, function: str, arguments: Dict[str, Any]) -> None:
@@ -20,5 +21,5 @@ class CallFailed(Exception):
         self.arguments = arguments
 
     def __str__(self) -> str:
-        told = ", ".join(f"{name}={value!r}" for name, value in self.arguments.items())
-        return f"{self.function}({told}) was not done"
+        arguments = ", ".join(f"{name}={value!r}" for name, value in self.arguments.items())
+        return f"{self.function}({arguments}) failed"

@@ -1,4 +1,4 @@
-"""The host's networking. Every function may raise networkgrpc.CallFailed."""
+"""The host's networking. All functions raise networkgrpc.CallFailed on failure."""
 
 from typing import ClassVar, List
 
@@ -6,13 +6,13 @@ class InterfaceInfo:
     """One network interface with its IPv4 addressing."""
 
     mode: int  # 1: static, 0: dynamic
-    name: str  # the system's name; filled by get_all_ipv4 only
-    ip: str  # dotted; empty when there is none
-    netmask: str  # dotted; empty when there is none
-    gateway: str  # read by the setters, never filled
+    name: str  # system name; filled by get_all_ipv4 only
+    ip: str  # dotted IPv4 address; empty if there is none
+    netmask: str  # dotted IPv4 netmask; empty if there is none
+    gateway: str  # read by the setters; never filled
     mac: str
-    dns: str  # read by the setters, never filled
-    active: bool  # whether the addresses are the ones in use
+    dns: str  # read by the setters; never filled
+    active: bool  # whether the addresses are in use
     id: int  # filled by get_all_ipv4 only
     __hash__: ClassVar[None]  # type: ignore[assignment]
     def __init__(
@@ -31,9 +31,9 @@ class InterfaceInfo:
     def __eq__(self, other: object) -> bool: ...
 
 class SwitchMode:
-    """One way to use the device's network ports."""
+    """A switch mode: one way to use the device's network ports."""
 
-    id: int
+    id: int  # set_switch_mode takes this id plus one
     name: str
     __hash__: ClassVar[None]  # type: ignore[assignment]
     def __init__(self, *, id: int = ..., name: str = ...) -> None: ...

@@ -128,7 +128,7 @@ def test_refusal_raises_with_function_and_arguments(device, ask):
     )
     assert told == (
         "networkgrpc.network.set_hostname {'hostname': 'x'} | "
-        "networkgrpc.network.set_hostname(hostname='x') was not done\n"
+        "networkgrpc.network.set_hostname(hostname='x') failed\n"
     )
 
 
@@ -143,9 +143,9 @@ def test_absent_daemon_raises_from_readers_and_changers(run):
     )
     ended = run(sys.executable, "-c", code, **NOBODY)
     assert ended.stdout.splitlines() == [
-        "networkgrpc.dante.get_latency() was not done",
-        "networkgrpc.dante.reboot() was not done",
-        "networkgrpc.network.get_mac_address(name='lan0') was not done",
+        "networkgrpc.dante.get_latency() failed",
+        "networkgrpc.dante.reboot() failed",
+        "networkgrpc.network.get_mac_address(name='lan0') failed",
     ]
     # The library's own lines, as from C++.
     assert ended.stderr.count("libNetworkgRPC: ") == 3
@@ -238,7 +238,7 @@ def test_demo_prints_and_does_what_that_in_cxx_does(start_device, run, tmp_path,
     [
         (
             ["--fault", "SetRxChannelLink:refuse"],
-            r"networkgrpc\.dante\.set_tapping\(link=ChannelLink\(rx_channel_id=1, .*\) was not done",
+            r"networkgrpc\.dante\.set_tapping\(link=ChannelLink\(rx_channel_id=1, .*\) failed",
             1,
         ),
         (["--tx-channels", "0"], "transmit channels: expected at least one, saw none", 0),
