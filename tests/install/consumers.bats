@@ -7,6 +7,7 @@
 # CMAKE_GENERATOR, READELF, CC, CFLAGS, CXX and CXXFLAGS, the tools and flags of
 # that build.
 
+# shellcheck disable=SC2030,SC2031 # run sets output in the shell of each test
 bats_require_minimum_version 1.5.0
 
 # The limits, in seconds, of a program's run and of the daemon's start.
@@ -211,7 +212,6 @@ link_hidden() {
 
 # shares_clients COMPILER FLAGS: a program, a shared object that it is linked with and a
 # module that it loads all have the library's own clients.
-# shellcheck disable=SC2030,SC2031 # output is what run has set in this very shell
 shares_clients() {
   local module="$BATS_TEST_DIRNAME/one_client/module.cc"
   link_hidden "$1" "$2" liblinked.so -shared -DFUNCTION=ClientsOfLinked "$module"
