@@ -1,8 +1,9 @@
 #!/usr/bin/env bats
-# What every command prints, on disk, for a device that does it, one that
-# refuses every change, one whose every call fails, one that is not there, and one
-# with odd names. NETWORKGRPC_REGENERATE=1 writes the files anew: read the
-# difference before it is committed.
+# The output of every command, compared with the recordings in golden/. The commands
+# are those of golden/success.txt, in that order: each sees what the commands before it
+# changed. To record a new command, write its line "$ networkgrpc ..." there.
+#
+# NETWORKGRPC_REGENERATE=1 writes the recordings. Review the difference.
 
 # shellcheck disable=SC2154 # set by device.bash and by run
 
@@ -10,49 +11,61 @@ load device.bash
 
 golden="$BATS_TEST_DIRNAME/golden"
 
-commands() { grep -Ev '^(#|$)' "$BATS_TEST_DIRNAME/commands.txt"; }
+validate() { /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" "$@"; }
 
-# record FOLDER ARGUMENT...: one file for each command.
+# Replaces what differs between runs: ports, times and the version.
+mask() {
+  sed -E -e 's/127\.0\.0\.1:[0-9]+/127.0.0.1:PORT/g' \
+    -e 's/("round_trip_ms":)[0-9.e-]+/\1TIME/g' \
+    -e 's/[0-9]+\.[0-9] ms *$/TIME/' -e 's/[0-9]+\.[0-9] ms +/TIME  /' \
+    -e 's/^(networkgrpc  )[0-9.]+$/\1VERSION/' -e 's/("networkgrpc":)"[0-9.]+"/\1"VERSION"/'
+}
+
+# paragraph ARGUMENT...: a command line, its output, its standard error and, unless it
+# is 0, its exit status.
+paragraph() {
+  local errors="$BATS_TEST_TMPDIR/errors" status=0
+  printf '$ networkgrpc %s\n' "$*"
+  tool "$@" 2>"$errors" || status=$?
+  sed 's/^/standard error: /' "$errors"
+  [ "$status" -eq 0 ] || printf '(exit status %d)\n' "$status"
+}
+
+# record SUCCESS ARGUMENT...: a paragraph per command, run with the arguments added.
+# What the recording SUCCESS of golden/ contains as well is not repeated.
 record() {
-  local folder="$1" name words out err status
+  local success="$1" recorded='' command words text
   shift
-  mkdir -p "$folder"
-  cd "$BATS_TEST_DIRNAME" || return # where the documents are that commands name
-  err="$BATS_TEST_TMPDIR/err"
-  while read -r name words; do
-    # shellcheck disable=SC2086 # words of one line
-    out=$(tool $words "$@" 2>"$err"; printf 'exit status %d' $?)
-    status=${out##*exit status }
-    {
-      printf '$ networkgrpc %s\n' "$words${*:+ $*}"
-      printf '%s' "${out%exit status *}"
-      sed 's/^/standard error: /' "$err"
-      printf 'exit status: %s\n' "$status"
-    } | mask >"$folder/$name"
-  done < <(commands)
+  cd "$golden" || return # state.json is there
+  [ -z "$success" ] || recorded="$(<"$success")"$'\n\n$ '
+  for command in "${commands[@]}"; do
+    read -ra words <<<"$command"
+    text=$(paragraph "${words[@]}" "$@" | mask)
+    [[ $recorded != *$'\n\n'"$text"$'\n\n$ '* ]] || text="${text%%$'\n'*}  # as in $success"
+    printf '\n%s\n' "$text"
+  done
 }
 
-# compare SCENARIO START...: a device for the text, a fresh one for the JSON.
+# compare SCENARIO DESCRIPTION START...: starts a device for text, and one for JSON.
 compare() {
-  local scenario="$1" made="$BATS_TEST_TMPDIR/$1"
-  shift
-  "$@"
-  record "$made/text"
-  stop_devices
-  "$@"
-  record "$made/json" --json
-  stop_devices
-  if [ -n "${NETWORKGRPC_REGENERATE-}" ]; then
-    rm -rf "${golden:?}/$scenario"
-    mkdir -p "$golden"
-    cp -r "$made" "$golden/$scenario"
-  fi
-  diff -ru "$golden/$scenario" "$made"
-  # Nothing but one JSON object that the contract allows.
-  /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" "$made"/json/*
+  local scenario="$1" description="$2" form name success
+  shift 2
+  mapfile -t commands < <(sed -n 's/^\$ networkgrpc //p' "$golden/success.txt")
+  [ "${#commands[@]}" -gt 0 ]
+  for form in '' _json; do
+    name=$scenario$form.txt success=
+    [ "$scenario" = success ] || success=success$form.txt
+    "$@"
+    { echo "# $description"; record "$success" ${form:+--json}; } >"$BATS_TEST_TMPDIR/$name"
+    stop_devices
+    [ -z "${NETWORKGRPC_REGENERATE-}" ] || cp "$BATS_TEST_TMPDIR/$name" "$golden/$name"
+    # Each difference shows the command line, in its context or behind the @@.
+    diff --unified --show-function-line='^\$ ' "$golden/$name" "$BATS_TEST_TMPDIR/$name"
+  done
+  validate "$BATS_TEST_TMPDIR/$name"
 }
 
-odd_device() {
+start_device_with_unusual_names() {
   start_simulator --tx-channels 3 --rx-channels 7
   tool dante name 'Großer Saal – 大ホール'
   tool channel rename 1 '主 左'
@@ -66,10 +79,40 @@ odd_device() {
   tool routing set-raw 6 '239.69.0.1 and more' --sip 'ünï' --session-id 18446744073709551615
 } >/dev/null
 
-@test "EveryCommand_DeviceDoesIt_PrintsAsRecorded" { compare success start_simulator; }
-@test "EveryCommand_DeviceRefuses_PrintsAsRecorded" { compare refused start_simulator --fault '*:refuse'; }
-@test "EveryCommand_DeviceFails_PrintsAsRecorded" {
-  compare failing start_simulator --fault '*:status=UNIMPLEMENTED'
+# The first one: the other recordings refer to it.
+@test "EveryCommand_DeviceAcceptsIt_PrintsAsRecorded" {
+  compare success "The device accepts every request." start_simulator
 }
-@test "EveryCommand_DeviceAbsent_PrintsAsRecorded" { compare absent absent_device; }
-@test "EveryCommand_OddNames_PrintsAsRecorded" { compare odd odd_device; }
+@test "EveryCommand_DeviceRejectsChanges_PrintsAsRecorded" {
+  compare rejected "The device rejects every change." start_simulator --fault '*:refuse'
+}
+@test "EveryCommand_EveryRpcFails_PrintsAsRecorded" {
+  compare failing "Every RPC fails with UNIMPLEMENTED." start_simulator --fault '*:status=UNIMPLEMENTED'
+}
+@test "EveryCommand_DaemonsUnreachable_PrintsAsRecorded" {
+  compare unreachable "No daemon listens." absent_device
+}
+@test "EveryCommand_UnusualNames_PrintsAsRecorded" {
+  compare unusual_names "The device has long names, names in several scripts and names with control characters." \
+    start_device_with_unusual_names
+}
+
+@test "Validation_DocumentIsWrong_RejectsItAndNamesTheMember" {
+  validate - <<<'{"schema":1,"command":"dns","result":{"dns":"10.0.0.1"}}'
+  while IFS='|' read -r document message; do
+    run -1 --separate-stderr validate - <<<"$document"
+    [[ $stderr == "-: line 1: $message"* ]] || { echo "$document: $stderr"; return 1; }
+  done <<'DOCUMENTS'
+{"schema":2,"command":"dns","result":{"dns":""}}|$.schema: 1 was expected
+{"schema":1,"command":"dns"}|$: 'error' is a required property
+{"schema":1,"command":"dns","error":{"code":7,"name":"failed","daemon":"","message":""}}|$.error.code: 7 is not one of
+{"schema":1,"command":"colour","result":{"dns":""}}|$.command: 'colour' is unknown
+{"schema":1,"command":"dns","result":{}}|$.result: 'dns' is a required property
+{"schema":1,"command":"dns","result":{"dns":"","ttl":1}}|$.result: Additional properties are not allowed ('ttl'
+{"schema":1,"command":"dns","result":{"dns":null}}|$.result.dns: None is not of type 'string'
+{"schema":1,"command":"dante latency","result":{"latency":4294967296}}|$.result.latency: 4294967296 is greater
+{"schema":1,"command":"channel count","result":{"tx":1,"rx":-2147483649}}|$.result.rx: -2147483649 is less
+{"schema":1,"command":"routing set","result":{"rx_channel":1,"device":"","channel":"","raw":{"ip":""}}}|$.result.raw: 'value2' is a required
+{"schema":1,"command":"export","result":{"schema":1,"dante":{"colour":1}}}|$.result.dante: Additional properties
+DOCUMENTS
+}

@@ -1,29 +1,52 @@
 #!/usr/bin/env python3
-"""Validates recorded JSON output, and tests the validation itself.
+"""Validates what networkgrpc --json printed against its schema.
 
 usage: validate.py SCHEMA-FOLDER FILE...
 
-A FILE is one JSON object, or a recording: a line with the command, the object,
-lines of standard error, the exit status. "-" is standard input, one object a line.
+A FILE is a recording of golden.bats, or "-": standard input with one object per line.
+In a recording, the exit status must be the code of the error, or 0.
 """
 import json
 import pathlib
+import re
 import sys
 
 import jsonschema
 
+NOT_OUTPUT = re.compile(r"standard error: |\(exit status \d+\)$|$")
+
 
 def objects(name):
-    """The objects of a file, with the exit status where it is recorded."""
-    text = sys.stdin.read() if name == "-" else pathlib.Path(name).read_text()
-    status = None
+    """The JSON objects of a file: where each is, its text, its exit status if recorded."""
+    if name == "-":
+        return [(f"line {number}", line, None) for number, line in enumerate(sys.stdin, 1)]
     found = []
-    for line in text.replace(":TIME", ":0.5").splitlines():
-        if line.startswith("exit status: "):
-            status = int(line.split()[-1])
-        elif not line.startswith(("$ ", "standard error: ")):
-            found.append(json.loads(line))
-    return found, status
+    for paragraph in pathlib.Path(name).read_text(encoding="utf-8").split("\n$ ")[1:]:
+        command, *lines = paragraph.splitlines()
+        output = "\n".join(line for line in lines if not NOT_OUTPUT.match(line))
+        if not command.endswith("  # as in success_json.txt"):
+            status = re.search(r"^\(exit status (\d+)\)$", paragraph, re.M)
+            found.append((command, output.replace(":TIME", ":0.5"), int(status[1]) if status else 0))
+    return found
+
+
+def explain(error):
+    """The member and what is wrong with it, of the alternative that the object is meant to be."""
+    while error.context:
+        alternatives = {}
+        for inner in error.context:
+            alternatives.setdefault(inner.schema_path[0], []).append(inner)
+        meant = [errors for errors in alternatives.values() if not any(map(is_of_another_kind, errors))]
+        if len(meant) != 1:
+            break
+        error = meant[0][0]
+    if error.validator == "oneOf" and not error.absolute_path:
+        return f"$.command: {error.instance['command']!r} is unknown"
+    return f"{error.json_path}: {error.message}"
+
+
+def is_of_another_kind(error):
+    return error.validator in ("const", "enum", "type") and list(error.relative_path) in ([], ["command"])
 
 
 def main(folder, names):
@@ -34,15 +57,16 @@ def main(folder, names):
     resolver = jsonschema.RefResolver("output.schema.json", schema, store=store)
     validator = jsonschema.Draft202012Validator(schema, resolver=resolver)
     for name in names:
-        found, status = objects(name)
-        if not found or (status is not None and len(found) != 1):
-            sys.exit(f"{name}: {len(found)} objects")
-        for one in found:
+        found = objects(name)
+        if not found:
+            sys.exit(f"{name}: no object")
+        for place, text, status in found:
+            one = json.loads(text)
             for error in validator.iter_errors(one):
-                sys.exit(f"{name}: {error.json_path}: {error.message}")
+                sys.exit(f"{name}: {place}: {explain(error)}")
             code = one.get("error", {"code": 0})["code"]
             if status is not None and code != status:
-                sys.exit(f"{name}: error code {code}, exit status {status}")
+                sys.exit(f"{name}: {place}: error code {code}, exit status {status}")
 
 
 main(sys.argv[1], sys.argv[2:])
