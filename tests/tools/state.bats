@@ -1,5 +1,5 @@
 #!/usr/bin/env bats
-# export, diff and import.
+# export, diff and import of a state document.
 
 # shellcheck disable=SC2154 # set by device.bash and by run
 
@@ -11,15 +11,15 @@ setup() {
   state="$BATS_TEST_TMPDIR/state.json"
 }
 
-# A document made of the device's own by a jq filter.
+# document FILTER: the device's document, changed by a jq filter.
 document() { tool export | jq "$1" >"$state"; }
 
-@test "Export_Always_IsADocumentThatTheSchemaAllows" {
+@test "Export_Json_IsValidAgainstTheSchema" {
   tool export --json >"$state"
   /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <"$state"
 }
 
-@test "Diff_DocumentOfTheDevice_IsEqual" {
+@test "Diff_DocumentOfTheDevice_FindsNoDifference" {
   tool export >"$state"
   run -0 tool diff "$state" --exit-code
   [ "$output" = "no difference" ]
@@ -33,7 +33,7 @@ document() { tool export | jq "$1" >"$state"; }
   run -1 tool diff "$state" --exit-code
 }
 
-@test "Diff_TwoDocuments_AsksNoDaemon" {
+@test "Diff_TwoDocuments_CallsNoDaemon" {
   document '.dante.latency = 5000'
   tool export >"$state.other"
   absent_device
@@ -41,7 +41,7 @@ document() { tool export | jq "$1" >"$state"; }
   [ "$output" = "dante.latency: 5000 -> 1000" ]
 }
 
-@test "Import_EverySettingDiffers_MakesTheDeviceSo" {
+@test "Import_EverySettingDiffers_AppliesAll" {
   document '.network.hostname = "hall" | .network.ntp = ["time.example"] | .network.switch_mode = 2
     | .network.interfaces[0] += {mode: "static", ip: "10.0.0.2", netmask: "255.0.0.0", gateway: "10.0.0.1", dns: ["10.0.0.3"]}
     | .dante.name = "Hall" | .dante.sample_rate = 96000 | .dante.latency = 2000 | .dante.aes67 = true
@@ -55,7 +55,7 @@ document() { tool export | jq "$1" >"$state"; }
   [[ $output == *"the device is as the document says" ]]
 }
 
-@test "Import_MembersAreMissing_LeavesThemAlone" {
+@test "Import_MembersAreMissing_LeavesTheirSettingsUnchanged" {
   printf '{"schema": 1, "dante": {"latency": 3000}} // the rest stays' >"$state"
   before=$(tool export | jq 'del(.dante.latency)')
   run -0 tool import "$state" --yes
@@ -63,14 +63,14 @@ document() { tool export | jq "$1" >"$state"; }
   [ "$(tool export | jq 'del(.dante.latency)')" = "$before" ]
 }
 
-@test "Import_SeveralSettingsDiffer_TakesWhatCanCutTheConnectionLast" {
+@test "Import_SeveralSettingsDiffer_AppliesWhatCanCutTheConnectionLast" {
   document '.network.hostname = "hall" | .network.switch_mode = 2 | .dante.name = "Hall"
     | .network.interfaces[1] += {mode: "static", ip: "192.168.10.99", netmask: "255.255.255.0"}'
   [ "$(tool import "$state" --yes --json 2>/dev/null | jq -c .result.applied)" = \
     '["dante.name","network.hostname","network.switch_mode","network.interfaces[lan1]"]' ]
 }
 
-@test "Import_WithReload_AppliesWhatIsStored" {
+@test "Import_WithReload_PutsStoredSettingsIntoEffect" {
   document '.network.switch_mode = 2'
   run -0 tool import "$state" --yes
   [ "$(tool switch current --json | jq .result.id)" = 0 ]
@@ -78,16 +78,16 @@ document() { tool export | jq "$1" >"$state"; }
   [ "$(tool switch current --json | jq .result.id)" = 2 ]
 }
 
-# A device whose stored modes are none that have a name.
-start_device_of_the_future() {
+# A device whose stored modes have no name.
+start_device_with_unknown_modes() {
   stop_devices
   printf '{"schema": 1, "network": {"switch_mode": 77, "interfaces": [{"name": "lan1", "mode": 7}]}}' \
-    >"$BATS_TEST_TMPDIR/future.json"
-  start_simulator --state "$BATS_TEST_TMPDIR/future.json"
+    >"$BATS_TEST_TMPDIR/unknown_modes.json"
+  start_simulator --state "$BATS_TEST_TMPDIR/unknown_modes.json"
 }
 
-@test "Export_ModesWithoutAName_AreTheirNumbersAndComeBackSo" {
-  start_device_of_the_future
+@test "Export_UnknownModes_WritesNumbersThatImportAndSimulatorRead" {
+  start_device_with_unknown_modes
   tool export --json >"$state.json"
   [ "$(jq -c '[.result.network.switch_mode, .result.network.interfaces[0].mode]' "$state.json")" = '[77,7]' ]
   tool interface stored lan1 --json >>"$state.json"
@@ -96,14 +96,14 @@ start_device_of_the_future() {
   tool export >"$state"
   run -0 tool import "$state" --yes
   [ "$output" = "the device is as the document says" ]
-  # A simulator that begins as its copy is one.
+  # A simulator that starts with the document exports the same.
   stop_devices
   start_simulator --state "$state"
   diff "$state" <(tool export)
 }
 
-@test "Import_ModesWithoutAName_AreToldAndNotTakenForOthers" {
-  start_device_of_the_future
+@test "Import_UnknownModes_ReportsAndAppliesNone" {
+  start_device_with_unknown_modes
   tool export >"$state"
   stop_devices
   start_simulator
@@ -113,13 +113,13 @@ start_device_of_the_future() {
   [ "$(tool switch configured --json | jq .result.id)" = 0 ]
 }
 
-@test "Diff_ModeIsTheNumberOfOneWithAName_IsTheSame" {
+@test "Diff_ModeAsItsNumber_FindsNoDifference" {
   document '.network.interfaces[0].mode = 0'
   run -0 tool diff "$state"
   [ "$output" = "no difference" ]
 }
 
-@test "Import_DeviceRefusesOneSetting_TellsWhatWasAppliedAndWhatNot" {
+@test "Import_DeviceRejectsOneSetting_ReportsAppliedAndNotApplied" {
   document '.dante.name = "Hall" | .dante.sample_rate = 12345 | .network.hostname = "hall"'
   run -4 --separate-stderr tool import "$state" --yes --json
   [ "$(jq -c '[.result.applied, [.result.not_applied[].path]]' <<<"$output")" = \
@@ -128,14 +128,14 @@ start_device_of_the_future() {
   /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <<<"$output"
 }
 
-@test "Import_SeveralNtpServers_IsRefusedAndChangesNothing" {
+@test "Import_SeveralNtpServers_FailsAndChangesNothing" {
   document '.dante.name = "Hall" | .network.ntp = ["a", "b"]'
   run -1 --separate-stderr tool import "$state" --yes
   [[ $stderr == *"network.ntp: the library sets exactly one NTP server; nothing was changed" ]]
   [ "$(tool dante name)" != Hall ]
 }
 
-@test "Import_ModeThatTheLibraryCannotSet_SaysSoBeforeAndFails" {
+@test "Import_ModeThatCannotBeSet_ReportsItAndFails" {
   document '.network.interfaces[1].mode = "dhcp-only"'
   run -1 --separate-stderr tool import "$state" --yes
   [[ $stderr == *"Cannot be made:"*"network.interfaces[lan1]"* ]]
@@ -149,7 +149,7 @@ start_device_of_the_future() {
   [ "$(tool dante name)" != Hall ]
 }
 
-@test "Import_DocumentIsWrong_NamesThePath" {
+@test "Import_DocumentIsInvalid_NamesThePath" {
   while IFS='|' read -r document message; do
     printf '%s' "$document" >"$state"
     run -1 --separate-stderr tool import "$state" --yes

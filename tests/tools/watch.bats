@@ -1,5 +1,5 @@
 #!/usr/bin/env bats
-# watch: a line for each change.
+# watch prints a line per change.
 
 # shellcheck disable=SC2154 # set by device.bash and by run
 
@@ -11,7 +11,7 @@ setup() {
   seen="$BATS_TEST_TMPDIR/lines"
 }
 
-# watch ARGUMENT...: in the background, as $watcher, until it has looked once.
+# watch ARGUMENT...: starts it in the background as $watcher and waits for its first poll.
 watch() {
   "$TOOL" watch --interval 0.1 "$@" >"$seen" 2>/dev/null 3>&- &
   watcher=$!
@@ -29,21 +29,21 @@ teardown() {
   wait_until grep -qx 'network.hostname: "amplifier" -> "other"' "$seen"
 }
 
-@test "Watch_Json_PrintsOneObjectALine" {
+@test "Watch_Json_PrintsOneObjectPerLine" {
   watch --json
   tool channel rename 1 Left
   wait_until grep -q 'tx_channels\[1\].name' "$seen"
   /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <"$seen"
 }
 
-@test "Watch_DaemonGoesAway_SaysSoOnce" {
+@test "Watch_DaemonStops_ReportsItOnce" {
   watch
   stop_devices
   wait_until grep -q 'cannot be reached' "$seen"
   [ "$(grep -c 'cannot be reached' "$seen")" -eq 1 ]
 }
 
-@test "Watch_DaemonComesBack_SaysSoAndGoesOn" {
+@test "Watch_DaemonRestarts_ReportsItAndContinues" {
   stop_devices
   start_controlled_simulator
   watch
@@ -55,14 +55,14 @@ teardown() {
   wait_until grep -qx 'dante.latency: 1000 -> 2000' "$seen"
 }
 
-@test "Watch_DaemonNeverAnswers_EndsAtTheTimeLimit" {
+@test "Watch_DaemonNeverAnswers_ExitsAtTheTimeLimit" {
   stop_devices
   start_mute_device
   run -3 --separate-stderr tool --timeout 0.3 watch
   [[ $stderr == *"no answer from the network-manager daemon"* ]]
 }
 
-@test "Watch_Interrupted_EndsWithZero" {
+@test "Watch_Interrupted_ExitsWithZero" {
   for signal in INT TERM; do
     watch
     kill -"$signal" "$watcher"

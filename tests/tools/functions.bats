@@ -1,13 +1,13 @@
 #!/usr/bin/env bats
-# Every function that the library exports has its command.
+# Every exported function of the library has a command that calls it: functions.txt.
 
 # shellcheck disable=SC2154 # set by device.bash and by run
 
 load device.bash
 
-table() { grep -Ev '^(#|$)' "$BATS_TEST_DIRNAME/coverage.txt"; }
+table() { grep -Ev '^(#|$)' "$BATS_TEST_DIRNAME/functions.txt"; }
 
-@test "Coverage_EveryExportedFunction_IsInTheTable" {
+@test "ExportedFunction_Always_IsInTheTable" {
   "$NM" -DC --defined-only "$LIBRARY" | sed -nE 's/^[0-9a-f]+ T //p' |
     sed -nE 's/^((NetworkgRPC|DantegRPC)::[A-Za-z0-9]+)\(.*/\1/p; /^(c[A-Z]|setampname)[A-Za-z]*$/p' |
     sort >"$BATS_TEST_TMPDIR/exported"
@@ -16,17 +16,17 @@ table() { grep -Ev '^(#|$)' "$BATS_TEST_DIRNAME/coverage.txt"; }
   diff -u "$BATS_TEST_TMPDIR/exported" "$BATS_TEST_TMPDIR/table"
 }
 
-@test "Coverage_EveryFunctionOfTheTable_IsCalledByTheTool" {
+@test "FunctionOfTheTable_Always_IsCalledByTheTool" {
   "$NM" -DC --undefined-only "$TOOL" >"$BATS_TEST_TMPDIR/used"
   while read -r function command; do
     grep -Eq " U $function(\(|$)" "$BATS_TEST_TMPDIR/used" || { echo "not called: $function"; return 1; }
   done < <(table)
 }
 
-@test "Coverage_EveryCommandOfTheTable_Exists" {
+@test "CommandOfTheTable_Always_Exists" {
   absent_device
   while read -r function command; do
-    # shellcheck disable=SC2086 # words of one line
+    # shellcheck disable=SC2086 # split into words
     run -0 tool ${command%% --*} --help
     [ "${command#* --}" = "$command" ] || [[ $output == *" --${command#* --}"* ]]
   done < <(table)

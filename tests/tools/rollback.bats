@@ -1,6 +1,6 @@
 #!/usr/bin/env bats
-# interface set --confirm-within: the previous configuration comes back unless it
-# is confirmed in time.
+# interface set --confirm-within: rolls back to the previous configuration unless the
+# new one is confirmed in time.
 
 # shellcheck disable=SC2154 # set by device.bash and by run
 
@@ -15,32 +15,32 @@ setup() {
 stored() { tool interface stored lan1 --json | jq -c .result; }
 is_back() { [ "$(stored)" = "$before" ]; }
 is_set() { [ "$(stored | jq -r .ip)" = 192.168.10.60 ]; }
-# The change, and what takes it back.
+# The change, and its rollback.
 stored_twice() { [ "$(control calls | grep -c SetNetworkConfig)" -eq 2 ]; }
 in_use() { tool interface control --json | jq -r '.result.interfaces[0].ip'; }
 
 change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --reload)
 
-@test "ConfirmWithin_Confirmed_KeepsTheNewConfiguration" {
+@test "ConfirmWithin_Confirmed_KeepsTheChange" {
   run -0 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<y
   is_set
   [ "$(in_use)" = 192.168.10.60 ]
 }
 
-@test "ConfirmWithin_Declined_PutsThePreviousOneBack" {
+@test "ConfirmWithin_Declined_RollsBack" {
   run -1 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<n
   [[ $stderr == *"not confirmed: the previous configuration is back" ]]
   is_back
   [ "$(in_use)" = 192.168.10.57 ]
 }
 
-@test "ConfirmWithin_NoAnswerInTime_PutsThePreviousOneBack" {
+@test "ConfirmWithin_NoAnswerInTime_RollsBack" {
   run -1 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 0.5 <&"$device_input"
   [[ $stderr == *"the previous configuration is back" ]]
   is_back
 }
 
-@test "ConfirmWithin_ToolIsKilled_PutsThePreviousOneBack" {
+@test "ConfirmWithin_ToolIsKilled_RollsBack" {
   "$TOOL" "${change[@]}" --confirm-within 60 <&"$device_input" 2>/dev/null 3>&- &
   wait_until is_set
   kill -KILL $!
@@ -48,14 +48,14 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
   [ "$(in_use)" = 192.168.10.57 ]
 }
 
-@test "ConfirmWithin_ItsProcessGroupIsKilled_PutsThePreviousOneBack" {
+@test "ConfirmWithin_ProcessGroupIsKilled_RollsBack" {
   setsid "$TOOL" "${change[@]}" --confirm-within 60 <&"$device_input" 2>/dev/null 3>&- &
   wait_until is_set
   kill -KILL -- -$!
   wait_until is_back
 }
 
-@test "ConfirmWithin_ToolIsStopped_PutsThePreviousOneBackInTime" {
+@test "ConfirmWithin_ToolIsStopped_RollsBackInTime" {
   "$TOOL" "${change[@]}" --confirm-within 1 <&"$device_input" 2>"$BATS_TEST_TMPDIR/asks" 3>&- &
   wait_until grep -q 'Keep the new' "$BATS_TEST_TMPDIR/asks"
   kill -STOP $!
@@ -63,8 +63,8 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
   kill -KILL $!
 }
 
-@test "ConfirmWithin_TerminalIsLost_PutsThePreviousOneBack" {
-  # script's end closes the terminal and hangs up whoever is on it.
+@test "ConfirmWithin_TerminalIsLost_RollsBack" {
+  # The end of script closes the terminal; its processes receive a hangup.
   script --quiet --command "$TOOL ${change[*]} --confirm-within 60" /dev/null \
     <&"$device_input" >/dev/null 2>&1 3>&- &
   wait_until is_set
@@ -79,14 +79,14 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
   is_set
 }
 
-@test "ConfirmWithin_TimeLimitPassesDuringTheChange_PutsThePreviousOneBack" {
+@test "ConfirmWithin_TimeLimitExpiresDuringTheChange_RollsBack" {
   stop_devices
   start_controlled_simulator --fault SetNetworkConfig:freeze,times=1
   run -3 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 60 --timeout 0.5 <<<y
   wait_until stored_twice
 }
 
-@test "ConfirmWithin_DaemonFailsMeanwhile_TriesAgain" {
+@test "ConfirmWithin_RollbackFailsOnce_Retries" {
   stop_devices
   start_simulator --fault SetNetworkConfig:delay=1,times=1 \
     --fault SetNetworkConfig:status=UNAVAILABLE,times=1
@@ -94,13 +94,13 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
   is_back
 }
 
-@test "ConfirmWithin_DaemonRefusesTheChange_LeavesEverythingAsItWas" {
+@test "ConfirmWithin_DaemonRejectsTheChange_ChangesNothing" {
   run -4 --separate-stderr "$TOOL" interface set --control --ip 300.0.0.1 --netmask 255.0.0.0 \
     --reload --confirm-within 10 <<<y
   is_back
 }
 
-@test "ConfirmWithin_WithoutReload_IsAUsageError" {
+@test "ConfirmWithin_WithoutReload_FailsWithAUsageError" {
   run -2 --separate-stderr tool interface set --control --dynamic --confirm-within 5
   is_back
 }

@@ -1,17 +1,17 @@
 #!/usr/bin/env bats
-# Every example that a manual page or a document shows is run, against a fresh
-# device; the pages are clean; the README's tour is what the tour prints.
+# Runs every example of the manual pages and of docs/tool.md, each against a new device;
+# checks the manual pages; compares the README's tour with the output of scripts/demo.
 
 # shellcheck disable=SC2154 # set by device.bash and by run
 
 load device.bash
 
-# examples_of COMMAND...: those of a command's help.
+# examples_of ARGUMENT...: the examples that a help text shows.
 examples_of() { tool "$@" | sed -n '/^Examples:$/,$ s/^  //p'; }
 
 with_tool() { PATH="$(dirname "$TOOL"):$PATH" "$@"; }
 
-# run_examples: those on standard input, one a line; each must end with zero.
+# run_examples: runs the lines of standard input; each must exit with 0.
 run_examples() {
   local example count=0
   cd "$BATS_TEST_TMPDIR" || return
@@ -24,21 +24,21 @@ run_examples() {
   [ "$count" -gt 0 ]
 }
 
-@test "Examples_OfEveryNoun_Work" {
+@test "Examples_OfEveryNoun_ExitWithZero" {
   for noun in $(tool __complete '' | cut -f1); do
     run_examples < <(examples_of "$noun" --help-all)
   done
 }
 
-@test "Examples_OfTheToolItself_Work" { run_examples < <(examples_of --help); }
+@test "Examples_OfTheTool_ExitWithZero" { run_examples < <(examples_of --help); }
 
-@test "Examples_OfTheGuide_Work" {
+@test "Examples_OfTheGuide_ExitWithZero" {
   # shellcheck disable=SC2016 # backticks of Markdown
   run_examples < <(sed -n '/^```sh$/,/^```$/p' "$SOURCE_TREE/docs/tool.md" | grep -v '^```' |
     sed -E 's/ +# .*//')
 }
 
-@test "Pages_EveryCommand_HasOneThatIsClean" {
+@test "ManualPages_EveryNoun_ExistAndPassLint" {
   [ -e "$MAN_PAGES/networkgrpc.1" ] || skip "help2man was not installed"
   for noun in $(tool __complete '' | cut -f1); do [ -e "$MAN_PAGES/networkgrpc-$noun.1" ]; done
   [ -e "$MAN_PAGES/networkgrpc-simulator.1" ]
@@ -46,7 +46,7 @@ run_examples() {
   [ -z "$output" ]
 }
 
-@test "Pages_OfPrograms_HaveTheSectionsThatPeopleLookFor" {
+@test "ManualPages_OfPrograms_HaveTheUsualSections" {
   for page in networkgrpc networkgrpc-simulator; do
     for section in NAME '"EXIT STATUS"' ENVIRONMENT EXAMPLES; do
       grep -qxF ".SH $section" "$MAN_PAGES/$page.1"
@@ -55,7 +55,7 @@ run_examples() {
   grep -qxF '.SH FILES' "$MAN_PAGES/networkgrpc-simulator.1"
 }
 
-@test "Tour_OfTheReadme_IsWhatTheTourPrints" {
+@test "Tour_OfTheReadme_IsTheOutputOfTheDemo" {
   cd "$SOURCE_TREE" || return
   NETWORKGRPC_BUILD=$(dirname "$(dirname "$TOOL")") scripts/demo --transcript >"$BATS_TEST_TMPDIR/tour"
   sed -n '/<!-- tour -->/,/<!-- end of the tour -->/p' README.md | grep -Ev '^(<!--|```)' |

@@ -1,14 +1,15 @@
 #!/usr/bin/env bats
-# What the recorded outputs cannot show: limits, terminals, streams.
+# What the recordings in golden/ do not cover: time limits, endpoints, usage errors,
+# doctor, colour, prompts on a terminal.
 
 # shellcheck disable=SC2154 # set by device.bash and by run
 
 load device.bash
 
-# on_terminal WORDS: runs a command line with a terminal around it.
+# on_terminal COMMAND: runs a shell command on a terminal.
 on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
 
-@test "Timeout_DaemonNeverAnswers_EndsWithThreeAndSaysWho" {
+@test "Timeout_DaemonNeverAnswers_ExitsWithThreeAndNamesTheDaemon" {
   start_mute_device
   run --separate-stderr tool --timeout 0.3 dante name
   [ "$status" -eq 3 ]
@@ -25,13 +26,13 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <<<"$output"
 }
 
-@test "Timeout_NotANumberOfSeconds_IsAUsageError" {
+@test "Timeout_NotANumberOfSeconds_FailsWithAUsageError" {
   for value in 0 -1 abc 1e9 nan ''; do
     run -2 tool --timeout "$value" dns
   done
 }
 
-@test "Endpoints_GivenAsOptions_GoBeforeTheEnvironment" {
+@test "Endpoints_GivenAsOptions_OverrideTheEnvironment" {
   start_simulator
   network="$network_manager_url" dante="$grpc_dapi_url"
   absent_device
@@ -44,7 +45,7 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
 
 @test "Endpoints_Empty_AreUnreachable" {
   for words in "dante name" "dante latency 2000"; do
-    # shellcheck disable=SC2086 # words of one line
+    # shellcheck disable=SC2086 # split into words
     grpc_dapi_url='' run -8 --separate-stderr tool $words
     [[ $stderr == *"the dante-api daemon at  cannot be reached" ]]
   done
@@ -52,20 +53,20 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
 
 @test "Json_CommandLineIsWrong_PrintsOneErrorObject" {
   for words in "--frobnicate" "interface frobnicate" "switch set" "dante aes67 maybe" ""; do
-    # shellcheck disable=SC2086 # words of one line
+    # shellcheck disable=SC2086 # split into words
     run -2 --separate-stderr tool --json $words
     [ -z "$stderr" ]
     [ "$(jq -r .error.name <<<"$output")" = usage ]
   done
 }
 
-@test "Arguments_NotUtf8_AreAUsageError" {
+@test "Arguments_NotUtf8_FailWithAUsageError" {
   start_simulator
   run -2 --separate-stderr tool hostname set $'\xff'
   [ "$(tool hostname get)" = amplifier ]
 }
 
-@test "Status_OneDaemonAbsent_ShowsTheOther" {
+@test "Status_OneDaemonUnreachable_ShowsTheOther" {
   start_simulator
   export grpc_dapi_url=127.0.0.1:1
   run -8 --separate-stderr tool --json status
@@ -73,14 +74,14 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   [ "$(jq .result.dante <<<"$output")" = null ]
 }
 
-@test "Doctor_DaemonNeverAnswers_StillReportsEverythingElse" {
+@test "Doctor_DaemonNeverAnswers_ReportsEverythingElse" {
   start_mute_device
   run -8 --separate-stderr tool --timeout 2 doctor
   [[ $output == *"takes calls, but does not answer them"* ]]
   [[ $output == *"VARIABLE"* ]]
 }
 
-@test "Doctor_ProxyIsSet_SaysWhatToDo" {
+@test "Doctor_ProxyIsSet_SuggestsNoGrpcProxy" {
   start_simulator
   unset no_grpc_proxy
   http_proxy=http://127.0.0.1:1 run --separate-stderr tool doctor
@@ -88,13 +89,13 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   [[ $output == *"http_proxy is set"*"no_grpc_proxy=localhost"* ]]
 }
 
-@test "Doctor_ProxyIsNotUsedForThisMachine_SaysNothing" {
+@test "Doctor_ProxyIsNotUsedForLoopback_ReportsNoProblem" {
   start_simulator
   unset no_grpc_proxy
   http_proxy=http://127.0.0.1:1 no_proxy=127.0.0.1,localhost run -0 --separate-stderr tool doctor
 }
 
-@test "Doctor_EndpointCannotBeOne_SaysWhatToDo" {
+@test "Doctor_EndpointIsInvalid_SuggestsAValidForm" {
   start_simulator
   while IFS='|' read -r endpoint problem; do
     grpc_dapi_url="$endpoint" run -8 --separate-stderr tool doctor
@@ -106,13 +107,13 @@ http://127.0.0.1:1|is a web address
 ENDPOINTS
 }
 
-@test "Doctor_RoleHasNoInterface_SaysWhatToDo" {
+@test "Doctor_RoleHasNoInterface_SuggestsItsVariable" {
   start_simulator
   control_interface_env=lan9 run -1 --separate-stderr tool doctor
   [[ $output == *"no interface is called 'lan9', so the role control has none"*"set control_interface_env"* ]]
 }
 
-@test "Doctor_NothingIsWrong_EndsWithZero" {
+@test "Doctor_NoProblem_ExitsWithZero" {
   start_simulator
   run -0 --separate-stderr tool doctor
   [[ $output == *"Nothing is wrong." ]]
@@ -132,7 +133,7 @@ ENDPOINTS
   [[ $output != *$'\033'* ]]
 }
 
-@test "DangerousCommand_PersonSaysNo_ChangesNothing" {
+@test "Confirmation_AnsweredWithNo_ChangesNothing" {
   start_simulator
   tool hostname set kept >/dev/null
   run -1 on_terminal "$TOOL factory-reset" <<<n
@@ -140,20 +141,20 @@ ENDPOINTS
   [ "$(tool hostname get)" = kept ]
 }
 
-@test "DangerousCommand_PersonSaysYes_IsDone" {
+@test "Confirmation_AnsweredWithYes_RunsTheCommand" {
   start_simulator
   tool hostname set lost >/dev/null
   run -0 on_terminal "$TOOL factory-reset" <<<y
   [ "$(tool hostname get)" = amplifier ]
 }
 
-@test "DangerousCommand_PersonThinksLongerThanTheLimit_IsDone" {
+@test "Confirmation_AnsweredAfterTheTimeLimit_RunsTheCommand" {
   start_simulator
   answer() { read -r -t 2.5 -u "$device_input" || echo y; }
   run -0 on_terminal "$TOOL factory-reset --timeout 2" < <(answer)
 }
 
-@test "DangerousCommand_NoTerminalAndNoYes_ChangesNothing" {
+@test "Confirmation_NoTerminalAndNoYesOption_ChangesNothing" {
   start_simulator
   tool hostname set kept >/dev/null
   run -2 --separate-stderr tool factory-reset
@@ -161,7 +162,7 @@ ENDPOINTS
   [ "$(tool hostname get)" = kept ]
 }
 
-@test "SwitchSet_IdOfTheList_SelectsThatMode" {
+@test "SwitchSet_ListedId_SelectsThatMode" {
   start_simulator
   for id in $(tool switch list --json | jq '.result.modes[].id'); do
     tool switch set "$id" >/dev/null
@@ -169,19 +170,19 @@ ENDPOINTS
   done
 }
 
-@test "SwitchSet_IdThatNoModeHas_IsNotFound" {
+@test "SwitchSet_UnknownId_FailsWithNotFound" {
   start_simulator
   for id in -1 -2147483648 2147483647 99; do
     run -10 --separate-stderr tool switch set "$id"
   done
 }
 
-@test "Output_CannotBeWritten_EndsWithOne" {
+@test "Output_CannotBeWritten_ExitsWithOne" {
   start_simulator
   run -1 bash -c "'$TOOL' interface list >/dev/full"
 }
 
-@test "Help_EveryCommand_EndsWithZero" {
+@test "HelpAndVersion_NoDaemon_ExitWithZero" {
   absent_device
   run -0 tool --help
   run -0 tool interface set --help
