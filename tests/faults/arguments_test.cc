@@ -1,5 +1,5 @@
-// Arguments that no application should pass. They are sent as they are: the
-// daemon judges them.
+// Arguments that no application should pass. They are sent unchanged; only the daemon
+// validates them.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -13,7 +13,7 @@
 #include "NetworkgRPC.h"
 #include "ostrevan/grpcdapi.pb.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/faults/lines.h"
+#include "tests/faults/stderr_lines.h"
 #include "tests/support/captured_stderr.h"
 #include "tests/support/device.h"
 
@@ -32,148 +32,125 @@ constexpr std::size_t kMegabyte = 1024 * kKilobyte;
 
 const support::Answer kConfirmed = {std::string("\x08\x01", 2)};
 
-// --- Texts ------------------------------------------------------------------------
+// --- Strings ----------------------------------------------------------------------
 
-struct TextTaker {
-  std::string name;
+struct StringArgument {
+  std::string function;
   std::function<bool(const std::string&)> call;
   std::string path;
   std::function<std::string(const std::string&)> request;
-  int texts;  // how often the text is in the request
+  int strings;  // how often the string is in the request
 };
-std::ostream& operator<<(std::ostream& out, const TextTaker& taker) { return out << taker.name; }
+std::ostream& operator<<(std::ostream& out, const StringArgument& argument) {
+  return out << argument.function;
+}
 
-NetworkgRPC::InterfaceInfo Static(const std::string& text) {
+// The bytes of a request filled with a string.
+template <class Message>
+auto Filled(void (*fill)(Message&, const std::string&)) {
+  return [fill](const std::string& value) {
+    Message request;
+    fill(request, value);
+    return request.SerializeAsString();
+  };
+}
+
+NetworkgRPC::InterfaceInfo Static(const std::string& value) {
   NetworkgRPC::InterfaceInfo info;
   info.mode = 1;
-  info.ip = info.netmask = info.gateway = info.dns = text;
+  info.ip = info.netmask = info.gateway = info.dns = value;
   return info;
 }
 
-DantegRPC::ChannelLink Raw(const std::string& text) {
+DantegRPC::ChannelLink Raw(const std::string& value) {
   DantegRPC::ChannelLink link;
   link.isRaw = true;
-  link.channelName = link.deviceName = link.ip = link.sip = text;
+  link.channelName = link.deviceName = link.ip = link.sip = value;
   return link;
 }
 
-std::vector<TextTaker> NetworkTakers() {
+void FillConfig(nm::InterfaceConfig& request, const std::string& value) {
+  request.set_mode(nm::STATIC);
+  request.set_ip(value);
+  request.set_netmask(value);
+  request.set_gateway(value);
+  request.add_dns(value);
+}
+
+void FillLink(dapi::LinkInfo& request, const std::string& value) {
+  request.set_devicename(value);
+  request.set_channelname(value);
+  request.mutable_raw()->set_ip(value);
+  request.mutable_raw()->set_sip(value);
+}
+
+std::vector<StringArgument> StringArguments() {
+  using std::string;
   return {
       {"SetHostname", &NetworkgRPC::SetHostname, NetworkManagerPath("SetHostname"),
-       [](const std::string& text) {
-         nm::Hostname request;
-         request.set_hostname(text);
-         return request.SerializeAsString();
-       },
-       1},
-      {"SetNTPServer",
-       [](const std::string& text) { return NetworkgRPC::SetNTPServer(text, false); },
+       Filled<nm::Hostname>([](auto& request, auto& value) { request.set_hostname(value); }), 1},
+      {"SetNTPServer", [](const string& value) { return NetworkgRPC::SetNTPServer(value, false); },
        NetworkManagerPath("SetNTPServer"),
-       [](const std::string& text) {
-         nm::NTPServer request;
-         request.add_servers(text);
-         return request.SerializeAsString();
-       },
-       1},
+       Filled<nm::NTPServer>([](auto& request, auto& value) { request.add_servers(value); }), 1},
       {"SetGenericIP",
-       [](const std::string& text) { return NetworkgRPC::SetGenericIP(0, Static(text), false); },
-       NetworkManagerPath("SetNetworkConfig"),
-       [](const std::string& text) {
-         nm::InterfaceConfig request;
-         request.set_mode(nm::STATIC);
-         request.set_ip(text);
-         request.set_netmask(text);
-         request.set_gateway(text);
-         request.add_dns(text);
-         return request.SerializeAsString();
-       },
-       4},
-  };
-}
-
-std::vector<TextTaker> DanteTakers() {
-  return {
+       [](const string& value) { return NetworkgRPC::SetGenericIP(0, Static(value), false); },
+       NetworkManagerPath("SetNetworkConfig"), Filled(FillConfig), 4},
       {"SetName", &DantegRPC::SetName, DapiPath("SetName"),
-       [](const std::string& text) {
-         dapi::Name request;
-         request.set_name(text);
-         return request.SerializeAsString();
-       },
-       1},
+       Filled<dapi::Name>([](auto& request, auto& value) { request.set_name(value); }), 1},
       {"SetTxChannelName",
-       [](const std::string& text) {
-         return DantegRPC::SetTxChannelName({0, text});
+       [](const string& value) {
+         return DantegRPC::SetTxChannelName(DantegRPC::Channel{0, value});
        },
        DapiPath("SetTxChannelName"),
-       [](const std::string& text) {
-         dapi::Channel request;
-         request.set_name(text);
-         return request.SerializeAsString();
-       },
-       1},
-      {"SetTapping", [](const std::string& text) { return DantegRPC::SetTapping(Raw(text)); },
-       DapiPath("SetRxChannelLink"),
-       [](const std::string& text) {
-         dapi::LinkInfo request;
-         request.set_devicename(text);
-         request.set_channelname(text);
-         request.mutable_raw()->set_ip(text);
-         request.mutable_raw()->set_sip(text);
-         return request.SerializeAsString();
-       },
-       4},
+       Filled<dapi::Channel>([](auto& request, auto& value) { request.set_name(value); }), 1},
+      {"SetTapping", [](const string& value) { return DantegRPC::SetTapping(Raw(value)); },
+       DapiPath("SetRxChannelLink"), Filled(FillLink), 4},
   };
 }
 
-std::vector<TextTaker> TextTakers() {
-  std::vector<TextTaker> all = NetworkTakers();
-  for (TextTaker& taker : DanteTakers()) all.push_back(std::move(taker));
-  return all;
-}
-
-class EveryText : public testing::TestWithParam<TextTaker> {
+class EveryString : public testing::TestWithParam<StringArgument> {
  protected:
-  EveryText() {
+  EveryString() {
     device.BuildClients();
     device.network_manager->Script(GetParam().path, kConfirmed);
     device.dapi->Script(GetParam().path, kConfirmed);
   }
 
-  // The text arrives byte for byte; the library itself prints nothing.
-  void Sends(const std::string& text, int protobuf_lines) {
-    faults::Lines printed;
+  // The string arrives byte for byte; the library itself prints nothing.
+  void Sends(const std::string& value, int protobuf_lines) {
+    faults::StderrLines printed;
     bool done = false;
     {
       CapturedStderr captured;
-      done = GetParam().call(text);
-      printed = faults::Separate(captured.Take());
+      done = GetParam().call(value);
+      printed = faults::SplitStderr(captured.Take());
     }
     EXPECT_TRUE(done);
-    EXPECT_EQ(printed.own, "");
+    EXPECT_EQ(printed.library, "");
     EXPECT_EQ(printed.protobuf, protobuf_lines);
     const auto requests = device.TakeRequests();
     ASSERT_EQ(requests.size(), 1U);
     EXPECT_EQ(requests[0].path, GetParam().path);
-    EXPECT_TRUE(requests[0].bytes == GetParam().request(text)) << requests[0].bytes.size();
+    EXPECT_TRUE(requests[0].bytes == GetParam().request(value)) << requests[0].bytes.size();
   }
 
   Device device;
 };
 
-TEST_P(EveryText, LongOrStrange_IsSentAsItIs) {
+TEST_P(EveryString, LongOrStrange_IsSentUnchanged) {
   Sends(std::string(64 * kKilobyte, 'x'), 0);
   Sends(std::string(3 * kMegabyte, 'x'), 0);
   Sends(std::string("with\0a NUL\0", 11), 0);
   Sends("%s%n%d \n\t\x1b[2J", 0);
 }
 
-TEST_P(EveryText, InvalidUtf8_IsSentAllTheSameAndTheRuntimeTells) {
-  Sends("\xff\xfe", GetParam().texts);
-  Sends(std::string(64 * kKilobyte, '\x80'), GetParam().texts);
+TEST_P(EveryString, InvalidUtf8_IsSentUnchangedAndProtobufPrintsALine) {
+  Sends("\xff\xfe", GetParam().strings);
+  Sends(std::string(64 * kKilobyte, '\x80'), GetParam().strings);
 }
 
-INSTANTIATE_TEST_SUITE_P(Arguments, EveryText, testing::ValuesIn(TextTakers()),
-                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Arguments, EveryString, testing::ValuesIn(StringArguments()),
+                         [](const auto& test) { return test.param.function; });
 
 TEST(MacAddress, NameIsStrange_IsNotFound) {
   Device device;
@@ -210,7 +187,7 @@ class Numbers : public testing::TestWithParam<int> {
   Device device;
 };
 
-TEST_P(Numbers, IdsOfAnySize_AreSentAsTheyAre) {
+TEST_P(Numbers, IdsOfAnySize_AreSentUnchanged) {
   const int n = GetParam();
   EXPECT_EQ(Sent<nm::InterfaceConfig>(NetworkManagerPath("SetNetworkConfig"),
                                       [&] { return NetworkgRPC::SetGenericIP(n, {}, false); })

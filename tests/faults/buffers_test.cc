@@ -1,15 +1,16 @@
-// The buffers of the C functions, with pages on both sides that must not be
-// touched.
+// The buffers of the C functions, with an inaccessible page on both sides.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <stdexcept>
 #include <string>
 
 #include "NetworkgRPC_c.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/faults/guarded.h"
 #include "tests/support/captured_stderr.h"
 #include "tests/support/device.h"
 #include "tests/support/show.h"
@@ -17,14 +18,41 @@
 namespace {
 
 namespace nm = ostrevan::networkmanager;
-using faults::Guarded;
 using support::CapturedStderr;
 using support::Device;
 using support::NetworkManagerPath;
 
 const support::Answer kConfirmed = {std::string("\x08\x01", 2)};
 
-// A daemon whose every text is far too long.
+std::size_t PageSize() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
+
+// A page between two inaccessible ones: an access beyond it ends the process.
+class GuardedPage {
+ public:
+  /// For a buffer of `size` bytes at the start or at the end of the page.
+  explicit GuardedPage(std::size_t wanted_size) : size(wanted_size) {
+    void* const mapped =
+        mmap(nullptr, 3 * PageSize(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped == MAP_FAILED || size > PageSize()) throw std::runtime_error("cannot map pages");
+    pages = static_cast<char*>(mapped);
+    if (mprotect(First(), PageSize(), PROT_READ | PROT_WRITE) != 0)
+      throw std::runtime_error("cannot make a page writable");
+    std::memset(First(), '#', PageSize());
+  }
+  ~GuardedPage() { munmap(pages, 3 * PageSize()); }
+
+  GuardedPage(const GuardedPage&) = delete;
+  GuardedPage& operator=(const GuardedPage&) = delete;
+
+  char* First() const { return pages + PageSize(); }
+  char* Last() const { return pages + 2 * PageSize() - size; }
+
+ private:
+  std::size_t size;
+  char* pages;
+};
+
+// A daemon whose strings are all far too long.
 void ScriptHostileControl(Device& device) {
   const std::string endless(100000, 'x');
   nm::Interfaces interfaces;
@@ -48,14 +76,14 @@ void ScriptHostileControl(Device& device) {
   script("GetNetworkStatus", status);
 }
 
-TEST(ControlInterface, EndlessTexts_StayInsideTheEntry) {
+TEST(ControlInterface, EndlessStrings_StayInsideTheEntry) {
   Device device;
   ScriptHostileControl(device);
-  const Guarded guarded(sizeof(cInterfaceInfo));
+  const GuardedPage page(sizeof(cInterfaceInfo));
   const std::string cut =
       "<" + std::string(15, 'x') + "." + std::string(15, 'x') + "." + std::string(17, 'x') + ".>";
 
-  for (char* place : {guarded.Begin(), guarded.End()}) {
+  for (char* place : {page.First(), page.Last()}) {
     auto* const entry = reinterpret_cast<cInterfaceInfo*>(place);
     EXPECT_EQ(cGetControlInterface(entry, INT_MAX), 1);
     EXPECT_EQ(support::Show(*entry), cut);
@@ -74,11 +102,11 @@ TEST(CurrentSwitchMode, AtTheEndOfMemory_WritesNoByteMore) {
   nm::SwitchMode mode;
   mode.set_id(INT_MIN);
   device.network_manager->Script(NetworkManagerPath("GetSwitchModeStatus"), support::Reply(mode));
-  const Guarded guarded(sizeof(int));
+  const GuardedPage page(sizeof(int));
   int stored = 0;
 
-  EXPECT_EQ(cGetCurrentSwitchMode(reinterpret_cast<int*>(guarded.End())), 0);
-  std::memcpy(&stored, guarded.End(), sizeof stored);
+  EXPECT_EQ(cGetCurrentSwitchMode(reinterpret_cast<int*>(page.Last())), 0);
+  std::memcpy(&stored, page.Last(), sizeof stored);
   EXPECT_EQ(stored, INT_MIN);
 }
 
@@ -89,12 +117,12 @@ class GuardedAmpname : public testing::Test {
     device.network_manager->Script(NetworkManagerPath("SetHostname"), kConfirmed);
   }
 
-  // What is sent for a name of which not a byte more may be read.
+  // The host name sent for a name whose last byte is the last of its page.
   std::string Sent(const std::string& name) {
-    const Guarded guarded(name.size());
-    std::memcpy(guarded.End(), name.data(), name.size());
+    const GuardedPage page(name.size());
+    std::memcpy(page.Last(), name.data(), name.size());
     const CapturedStderr captured;
-    EXPECT_EQ(setampname(guarded.End(), name.size()), 0);
+    EXPECT_EQ(setampname(page.Last(), name.size()), 0);
     const auto requests = device.TakeRequests();
     nm::Hostname sent;
     EXPECT_TRUE(requests.size() == 1 && sent.ParseFromString(requests[0].bytes));

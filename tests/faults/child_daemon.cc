@@ -35,17 +35,17 @@ ChildDaemon::ChildDaemon(int port, const std::string& host)
   std::array<int, 2> down{};
   std::array<int, 2> up{};
   if (pipe2(down.data(), O_CLOEXEC) != 0 || pipe2(up.data(), O_CLOEXEC) != 0)
-    throw std::runtime_error("no pipes");
+    throw std::runtime_error("cannot create pipes");
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, down[0], STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, up[1], STDOUT_FILENO);
-  // What a daemon prints is nothing that the library printed.
+  // Standard error must contain only what the library prints.
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-  std::string program = FAULT_DAEMON;
+  std::string program = CHILD_DAEMON_PROGRAM;
   const std::array<char*, 3> command = {program.data(), address.data(), nullptr};
   const int failure =
-      posix_spawn(&process, FAULT_DAEMON, &actions, nullptr, command.data(), environ);
+      posix_spawn(&process, CHILD_DAEMON_PROGRAM, &actions, nullptr, command.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   close(down[0]);
   close(up[1]);
@@ -61,7 +61,7 @@ ChildDaemon::~ChildDaemon() {
 }
 
 void ChildDaemon::Serve() {
-  if (Ask("serve") != "ready\n") throw std::runtime_error("no daemon on " + address);
+  if (Ask("serve") != "ready\n") throw std::runtime_error("cannot start a daemon on " + address);
 }
 
 void ChildDaemon::Answer(const support::Request& request, const std::string& reply) {

@@ -1,4 +1,4 @@
-// A daemon in a process of its own, to be killed, stopped and started again.
+// A daemon in its own process, so that a test can kill, freeze and restart it.
 #pragma once
 
 #include <sys/types.h>
@@ -10,8 +10,8 @@
 
 namespace faults {
 
-/// A loopback port that stays this test's while nobody listens on it, too: it is
-/// bound all the time, so that the system gives it to nobody else.
+/// A loopback port reserved for this test. It stays bound, so that the system does not
+/// give it to another process while no daemon listens on it.
 class ReservedPort {
  public:
   ReservedPort();
@@ -30,21 +30,22 @@ class ReservedPort {
 /// A scripted daemon that serves both services on one port.
 class ChildDaemon {
  public:
-  /// Starts its process, which serves nothing yet.
+  /// Starts the process, which does not listen yet.
   explicit ChildDaemon(int port, const std::string& host = "127.0.0.1");
-  /// Kills it.
+  /// Kills the process.
   ~ChildDaemon();
 
   ChildDaemon(const ChildDaemon&) = delete;
   ChildDaemon& operator=(const ChildDaemon&) = delete;
 
-  /// Serves `host`:`port` when this returns.
+  /// Listens on `host`:`port`. Returns when it does.
   void Serve();
 
-  /// Answers this very request with these bytes from now on, or never.
+  /// Answers exactly this request with these bytes from now on.
   void Answer(const support::Request& request, const std::string& reply);
+  /// Never answers exactly this request from now on.
   void Hang(const support::Request& request);
-  /// Waits until so many requests have arrived since the last ForgetRequests();
+  /// Waits until this many requests have arrived since the last ForgetRequests();
   /// false after 20 seconds.
   bool WaitForRequests(std::size_t count);
   void ForgetRequests();

@@ -1,4 +1,4 @@
-// Bytes as one word: "x0801", "x" for none.
+// Bytes as one word: "x0801"; "x" for no bytes.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// The limits that docs/limits.md tells of, as far as they are cheap to show: a
-// change of gRPC that moves one of them is noticed here.
+// Those limits of docs/limits.md that a short test can show. Fails if another version of
+// gRPC changes one of them.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -11,9 +11,9 @@
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/faults/apart.h"
 #include "tests/faults/child_daemon.h"
-#include "tests/faults/rogue.h"
+#include "tests/faults/faulty_peer.h"
+#include "tests/faults/parallel_processes.h"
 #include "tests/support/captured_stderr.h"
 #include "tests/support/device.h"
 
@@ -32,7 +32,7 @@ support::Answer Named(const std::string& name) {
   return support::Reply(reply);
 }
 
-// A device whose endpoint names the host as the default does.
+// A device whose endpoint is given by host name, as in the default.
 class Limits : public testing::Test {
  protected:
   Limits() {
@@ -42,8 +42,8 @@ class Limits : public testing::Test {
     setenv("network_manager_url", ("localhost:" + port).c_str(), 1);
   }
 
-  // Tells by whom the call was answered; "" when it failed.
-  std::string Ask() {
+  // The name of the daemon that answered; "" if the call failed.
+  std::string AnsweredBy() {
     std::string name;
     return NetworkgRPC::GetHostname(name) ? name : "";
   }
@@ -53,7 +53,7 @@ class Limits : public testing::Test {
   support::CapturedStderr captured;
 };
 
-TEST_F(Limits, NothingSpecial_Works) { EXPECT_EQ(Ask(), "the daemon's"); }
+TEST_F(Limits, NothingSpecial_Works) { EXPECT_EQ(AnsweredBy(), "the daemon's"); }
 
 class Proxy : public Limits, public testing::WithParamInterface<const char*> {};
 
@@ -61,7 +61,7 @@ TEST_P(Proxy, IsSet_CallsToLocalhostFail) {
   const RefusedPort nobody;
   setenv(GetParam(), ("http://127.0.0.1:" + PortOf(nobody.Url())).c_str(), 1);
 
-  EXPECT_EQ(Ask(), "");
+  EXPECT_EQ(AnsweredBy(), "");
 }
 
 TEST_P(Proxy, IsSetButNotForLocalhost_Works) {
@@ -69,7 +69,7 @@ TEST_P(Proxy, IsSetButNotForLocalhost_Works) {
   setenv(GetParam(), ("http://127.0.0.1:" + PortOf(nobody.Url())).c_str(), 1);
   setenv("no_grpc_proxy", "localhost,127.0.0.1,::1", 1);
 
-  EXPECT_EQ(Ask(), "the daemon's");
+  EXPECT_EQ(AnsweredBy(), "the daemon's");
 }
 
 INSTANTIATE_TEST_SUITE_P(Limits, Proxy, testing::Values("http_proxy", "https_proxy", "grpc_proxy"));
@@ -78,14 +78,14 @@ TEST_F(Limits, ProxyIsSetInUpperCase_Works) {
   const RefusedPort nobody;
   setenv("HTTP_PROXY", ("http://127.0.0.1:" + PortOf(nobody.Url())).c_str(), 1);
 
-  EXPECT_EQ(Ask(), "the daemon's");
+  EXPECT_EQ(AnsweredBy(), "the daemon's");
 }
 
 TEST_F(Limits, ForeignProcessOnIpv6Loopback_GetsTheCallsToLocalhost) {
   ScriptedDaemon foreign("[::1]:" + port);
   foreign.Script(NetworkManagerPath("GetHostname"), Named("foreign"));
 
-  EXPECT_EQ(Ask(), "foreign");
+  EXPECT_EQ(AnsweredBy(), "foreign");
 }
 
 TEST_F(Limits, ForeignProcessOnIpv6Loopback_GetsNothingWhenTheEndpointIsAnAddress) {
@@ -93,7 +93,7 @@ TEST_F(Limits, ForeignProcessOnIpv6Loopback_GetsNothingWhenTheEndpointIsAnAddres
   foreign.Script(NetworkManagerPath("GetHostname"), Named("foreign"));
   setenv("network_manager_url", ("127.0.0.1:" + port).c_str(), 1);
 
-  EXPECT_EQ(Ask(), "the daemon's");
+  EXPECT_EQ(AnsweredBy(), "the daemon's");
   EXPECT_TRUE(foreign.TakeRequests().empty());
 }
 
@@ -106,77 +106,83 @@ TEST_F(Limits, UnixSocketDespiteAProxy_Works) {
   ScriptedDaemon daemon("unix:" + path);
   daemon.Script(NetworkManagerPath("GetHostname"), Named("on the socket"));
 
-  EXPECT_EQ(Ask(), "on the socket");
+  EXPECT_EQ(AnsweredBy(), "on the socket");
 }
 
-// A server of HTTP/2 that knows nothing of gRPC ends a call without the status
-// that every gRPC server sends. gRPC 1.51 ends the process then.
+// An HTTP/2 server that does not support gRPC ends a call without a gRPC status. gRPC
+// 1.51 then aborts the process.
 TEST(OtherHttp2Server, AnswersACall_EndsTheProcess) {
   using namespace std::string_literals;
   const faults::ReservedPort port;
   setenv("grpc_dapi_url", ("127.0.0.1:" + std::to_string(port.Number())).c_str(), 1);
-  faults::Manners manners;
-  manners.says = "\0\0\0\x04\0\0\0\0\0"s;               // no settings of its own
-  manners.answers = "\0\0\x01\x01\x05\0\0\0\x01\x88"s;  // stream 1: status 200, the end
-  const faults::Rogue server(port.Number(), manners);
+  faults::PeerBehaviour behaviour;
+  behaviour.greeting = "\0\0\0\x04\0\0\0\0\0"s;         // no settings of its own
+  behaviour.reply = "\0\0\x01\x01\x05\0\0\0\x01\x88"s;  // stream 1: status 200, the end
+  const faults::FaultyPeer server(port.Number(), behaviour);
 
-  const faults::Tally tally = faults::RunApart({{"call", [](faults::Tally& counted) {
-                                                   std::string name;
-                                                   DantegRPC::GetName(name);
-                                                   counted.Count("call", true, "");
-                                                 }}});
+  const faults::ResultCounts counts =
+      faults::RunInParallelProcesses({{"call", [](faults::ResultCounts& counted) {
+                                         std::string name;
+                                         DantegRPC::GetName(name);
+                                         counted.Count("call", true, "");
+                                       }}});
 
-  EXPECT_EQ(tally.as_expected, 0);
-  EXPECT_NE(tally.failures.find("crashed"), std::string::npos) << tally.failures;
+  EXPECT_EQ(counts.as_expected, 0);
+  EXPECT_NE(counts.failures.find("crashed"), std::string::npos) << counts.failures;
 }
 
-// There is no deadline, and a daemon that is alive answers the keepalive for its
-// stuck handler. Only the end of the daemon ends the call.
+// A call that a running daemon never answers.
+class HangingCall {
+ public:
+  HangingCall() {
+    setenv("network_manager_url", ("127.0.0.1:" + std::to_string(port.Number())).c_str(), 1);
+    daemon.Serve();
+    daemon.Hang({NetworkManagerPath("GetHostname"), ""});
+    done = std::async(std::launch::async, [] {
+      std::string name;
+      return NetworkgRPC::GetHostname(name);
+    });
+    EXPECT_TRUE(daemon.WaitForRequests(2));
+  }
+
+  bool WaitsFor(int seconds) {
+    return done.wait_for(std::chrono::seconds(seconds)) == std::future_status::timeout;
+  }
+
+  void Freeze() { daemon.Freeze(); }
+
+  bool FailsWhenTheDaemonDies() {
+    daemon.Kill();
+    return done.wait_for(std::chrono::seconds(60)) == std::future_status::ready && !done.get();
+  }
+
+ private:
+  const support::CapturedStderr captured;
+  std::future<bool> done;  // its destructor waits for the call, which ends with the daemon
+  const faults::ReservedPort port;
+  faults::ChildDaemon daemon{port.Number()};
+};
+
+bool FullRun() { return std::getenv("NETWORKGRPC_FULL") != nullptr; }
+
+// There is no deadline, and a running daemon answers the keepalive pings of a call that
+// its handler never finishes. Only the end of the daemon ends the call.
 TEST(StuckHandler, CallWaitsUntilTheDaemonDies) {
-  const bool full = std::getenv("NETWORKGRPC_FULL") != nullptr;
-  const std::chrono::seconds long_enough(full ? 60 : 1);
-  const faults::ReservedPort port;
-  setenv("network_manager_url", ("127.0.0.1:" + std::to_string(port.Number())).c_str(), 1);
-  faults::ChildDaemon daemon(port.Number());
-  daemon.Serve();
-  daemon.Hang({NetworkManagerPath("GetHostname"), ""});
-  const support::CapturedStderr captured;
+  HangingCall call;
 
-  auto call = std::async(std::launch::async, [] {
-    std::string name;
-    return NetworkgRPC::GetHostname(name);
-  });
-  ASSERT_TRUE(daemon.WaitForRequests(2));
-  EXPECT_EQ(call.wait_for(long_enough), std::future_status::timeout);
-
-  daemon.Kill();
-  ASSERT_EQ(call.wait_for(std::chrono::seconds(60)), std::future_status::ready);
-  EXPECT_FALSE(call.get());
+  EXPECT_TRUE(call.WaitsFor(FullRun() ? 60 : 1));
+  EXPECT_TRUE(call.FailsWhenTheDaemonDies());
 }
 
-// gRPC stops to ping after two pings without data. A daemon that freezes later
-// than that is not noticed any more.
+// gRPC stops pinging after two pings without data, so a later freeze is not detected.
 TEST(Full, DaemonFreezesAfterTheSecondPing_IsNotNoticed) {
-  if (std::getenv("NETWORKGRPC_FULL") == nullptr) GTEST_SKIP() << "only with NETWORKGRPC_FULL=1";
-  const faults::ReservedPort port;
-  setenv("network_manager_url", ("127.0.0.1:" + std::to_string(port.Number())).c_str(), 1);
-  faults::ChildDaemon daemon(port.Number());
-  daemon.Serve();
-  daemon.Hang({NetworkManagerPath("GetHostname"), ""});
-  const support::CapturedStderr captured;
+  if (!FullRun()) GTEST_SKIP() << "only with NETWORKGRPC_FULL=1";
+  HangingCall call;
 
-  auto call = std::async(std::launch::async, [] {
-    std::string name;
-    return NetworkgRPC::GetHostname(name);
-  });
-  ASSERT_TRUE(daemon.WaitForRequests(2));
-  EXPECT_EQ(call.wait_for(std::chrono::seconds(35)), std::future_status::timeout);
-  daemon.Freeze();
-  EXPECT_EQ(call.wait_for(std::chrono::seconds(60)), std::future_status::timeout);
-
-  daemon.Kill();
-  ASSERT_EQ(call.wait_for(std::chrono::seconds(60)), std::future_status::ready);
-  EXPECT_FALSE(call.get());
+  EXPECT_TRUE(call.WaitsFor(35));
+  call.Freeze();
+  EXPECT_TRUE(call.WaitsFor(60));
+  EXPECT_TRUE(call.FailsWhenTheDaemonDies());
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Whom the library trusts, and what somebody else on the device can do: the
-// facts behind docs/security.md.
+// What another user of the device, or a hostile daemon, can do: the facts behind
+// docs/security.md.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,7 +18,7 @@
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/faults/apart.h"
+#include "tests/faults/parallel_processes.h"
 #include "tests/support/captured_stderr.h"
 #include "tests/support/device.h"
 
@@ -27,32 +27,32 @@ namespace {
 using support::Device;
 using support::NetworkManagerPath;
 
-// Lets one process wait for another.
-class Signal {
+// One process waits until another one sends.
+class Event {
  public:
-  Signal() { EXPECT_EQ(pipe(ends.data()), 0); }
-  ~Signal() {
+  Event() { EXPECT_EQ(pipe(ends.data()), 0); }
+  ~Event() {
     close(ends[0]);
     close(ends[1]);
   }
-  Signal(const Signal&) = delete;
-  Signal& operator=(const Signal&) = delete;
+  Event(const Event&) = delete;
+  Event& operator=(const Event&) = delete;
 
-  void Give() { EXPECT_EQ(write(ends[1], "!", 1), 1); }
+  void Send() { EXPECT_EQ(write(ends[1], "!", 1), 1); }
   void Wait() {
-    char sign = 0;
-    EXPECT_EQ(read(ends[0], &sign, 1), 1);
+    char received = 0;
+    EXPECT_EQ(read(ends[0], &received, 1), 1);
   }
 
  private:
   std::array<int, 2> ends{};
 };
 
-// A socket of a daemon in a folder of its own, which only its user can enter.
+// A daemon listens on a Unix socket in a folder of its own.
 class UnixSocket : public testing::Test {
  protected:
   void SetUp() override {
-    std::string made = testing::TempDir() + "boundary-XXXXXX";
+    std::string made = testing::TempDir() + "security-XXXXXX";
     EXPECT_NE(mkdtemp(made.data()), nullptr);
     folder = made;
     setenv("network_manager_url", ("unix:" + Socket().string()).c_str(), 1);
@@ -64,26 +64,26 @@ class UnixSocket : public testing::Test {
 
   std::filesystem::path Socket() const { return folder / "daemon.sock"; }
 
-  // Whether another user's call is answered, with these permissions of the folder.
-  // The superuser, whom no permission stops, becomes somebody else for it; any
-  // other user stands for somebody else, as the permissions are those of nobody.
-  bool AnswersSomebodyElse(mode_t permissions) {
-    Signal serving;
-    Signal asked;
-    const faults::Tally tally =
-        faults::RunApart({{"the daemon",
-                           [&](faults::Tally&) {
-                             Serve(permissions);
-                             serving.Give();
-                             asked.Wait();
-                           }},
-                          {"somebody else", [&](faults::Tally& counted) {
-                             serving.Wait();
-                             counted.Count("call", AsksAsSomebodyElse(), "");
-                             asked.Give();
-                           }}});
-    EXPECT_EQ(tally.cases, 1) << tally.failures;
-    return tally.as_expected == 1;
+  // Whether another user's call is answered, given these permissions of the folder.
+  // Run by root, the calling process becomes the user nobody. Run by any other user, it
+  // keeps its user: the permissions are tested for all users alike.
+  bool AnswersAnotherUser(mode_t permissions) {
+    Event serving;
+    Event called;
+    const faults::ResultCounts counts =
+        faults::RunInParallelProcesses({{"the daemon",
+                                         [&](faults::ResultCounts&) {
+                                           Serve(permissions);
+                                           serving.Send();
+                                           called.Wait();
+                                         }},
+                                        {"another user", [&](faults::ResultCounts& counted) {
+                                           serving.Wait();
+                                           counted.Count("call", CallAsAnotherUser(), "");
+                                           called.Send();
+                                         }}});
+    EXPECT_EQ(counts.cases, 1) << counts.failures;
+    return counts.as_expected == 1;
   }
 
  private:
@@ -95,7 +95,7 @@ class UnixSocket : public testing::Test {
     EXPECT_EQ(chmod(folder.c_str(), permissions), 0);
   }
 
-  static bool AsksAsSomebodyElse() {
+  static bool CallAsAnotherUser() {
     constexpr uid_t kNobody = 65534;
     if (geteuid() == 0 && setuid(kNobody) != 0) throw std::runtime_error("cannot become nobody");
     const support::CapturedStderr captured;
@@ -107,13 +107,11 @@ class UnixSocket : public testing::Test {
   std::unique_ptr<support::ScriptedDaemon> daemon;
 };
 
-TEST_F(UnixSocket, FolderIsOpen_AnswersSomebodyElse) { EXPECT_TRUE(AnswersSomebodyElse(0777)); }
+TEST_F(UnixSocket, FolderIsOpen_AnswersAnotherUser) { EXPECT_TRUE(AnswersAnotherUser(0777)); }
 
-TEST_F(UnixSocket, FolderIsClosed_DoesNotAnswerSomebodyElse) {
-  EXPECT_FALSE(AnswersSomebodyElse(0));
-}
+TEST_F(UnixSocket, FolderIsClosed_DoesNotAnswerAnotherUser) { EXPECT_FALSE(AnswersAnotherUser(0)); }
 
-// The most memory that this process has had so far.
+// The largest resident memory of this process so far, in KiB.
 long PeakKib() {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);)
@@ -121,7 +119,7 @@ long PeakKib() {
   return 0;
 }
 
-// The most entries that fit into the largest reply: two bytes each.
+// The most entries that fit into a reply of the largest size: two bytes each.
 TEST(LargestList, OfEmptyEntries_IsReadWhole) {
   using namespace std::string_literals;
   constexpr std::size_t kEntries = 4194304 / 2;

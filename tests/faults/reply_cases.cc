@@ -1,27 +1,37 @@
-// What each function makes of replies that are well formed but unusual.
+#include "tests/faults/reply_cases.h"
+
 #include <map>
-#include <stdexcept>
+#include <set>
 
 #include "ostrevan/grpcdapi.pb.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/faults/case.h"
 #include "tests/support/show.h"
 
 namespace faults {
 namespace {
 
+using support::Answer;
 using support::Function;
 using support::NetworkManagerPath;
 using support::Show;
-using Texts = std::vector<std::string>;
+using Strings = std::vector<std::string>;
 
-constexpr int kMany = 10000;
-constexpr int kFirstOfMany = 1000;
+constexpr int kAdded = 10000;
+constexpr int kFirstAdded = 1000;
+
+ReplyCase WithAnswer(const Function& function, std::size_t k, Answer answer,
+                     const std::set<std::size_t>& failing) {
+  ReplyCase made{"call " + std::to_string(k), {}, support::Expected(function, failing), 0};
+  for (const support::Step& step : function.steps)
+    made.answers.push_back({{step.path, step.request}, {step.reply}});
+  made.answers[k].second = std::move(answer);
+  return made;
+}
 
 // --- Lists as the table shows them: "[{first}{second}]" ------------------------------
 
-Texts Elements(const std::string& list) {
-  Texts elements;
+Strings Elements(const std::string& list) {
+  Strings elements;
   std::size_t start = 1;
   while (start + 1 < list.size()) {
     const std::size_t end = list.find_first_of("})", start);
@@ -31,7 +41,7 @@ Texts Elements(const std::string& list) {
   return elements;
 }
 
-std::string List(const Texts& elements) {
+std::string List(const Strings& elements) {
   std::string text = "[";
   for (const std::string& element : elements) text += element;
   return text + "]";
@@ -57,8 +67,8 @@ std::string MakeIds(const std::vector<int>& numbers) {
   return ids.SerializeAsString();
 }
 
-// From call `first` on the two calls about the interfaces ask for these instead.
-void AskFor(Case& made, std::size_t first, const std::vector<int>& numbers) {
+// Calls `first` and `first` + 1 request these interfaces instead.
+void ExpectIds(ReplyCase& made, std::size_t first, const std::vector<int>& numbers) {
   for (std::size_t i = first; i < first + 2; ++i) {
     made.answers[i].first.bytes = MakeIds(numbers);
     made.expected.requests[i].bytes = MakeIds(numbers);
@@ -68,41 +78,41 @@ void AskFor(Case& made, std::size_t first, const std::vector<int>& numbers) {
 // --- Empty ------------------------------------------------------------------------
 
 enum class Empty {
-  kNothing,   // a list of nothing: done, and nothing is appended
-  kZero,      // the zero value is an answer like any other
-  kNoEntry,   // there is no first entry: not done, silently
-  kLikeNone,  // as if the call had failed
+  kNoElements,  // true: the list is empty
+  kZeroValue,   // true: the value is zero
+  kNoFirst,     // false without a line: the list has no first element
+  kFails,       // as if the call had failed
 };
 
-const std::map<std::string, Empty>& EmptyReadings() {
-  static const std::map<std::string, Empty> readings = {
-      {"GetControlInterfacesInfo", Empty::kLikeNone},
-      {"cGetControlInterface", Empty::kLikeNone},
-      {"GetDanteInterfacesInfo", Empty::kLikeNone},
-      {"GetSwitchModes", Empty::kNothing},
-      {"GetConfiguredSwitchMode", Empty::kZero},
-      {"GetCurrentSwitchMode", Empty::kZero},
-      {"cGetCurrentSwitchMode", Empty::kZero},
-      {"GetHostname", Empty::kZero},
-      {"GetNTPServer", Empty::kNoEntry},
-      {"GetCurrentDNS", Empty::kNoEntry},
-      {"GetDefaultGateway", Empty::kZero},
-      {"GetName", Empty::kZero},
-      {"GetFirmwareVersion", Empty::kZero},
-      {"GetSoftwareVersion", Empty::kZero},
-      {"GetModelName", Empty::kZero},
-      {"GetModelVersion", Empty::kZero},
-      {"GetAvailableSampleRates", Empty::kNothing},
-      {"GetSampleRate", Empty::kZero},
-      {"GetLatency", Empty::kZero},
-      {"GetAES67Available", Empty::kZero},
-      {"GetAES67Status", Empty::kZero},
-      {"GetDisableTx", Empty::kZero},
-      {"GetPtpSlaveOnly", Empty::kZero},
-      {"GetTxChannels", Empty::kNothing},
-      {"GetRxChannels", Empty::kNothing},
+const std::map<std::string, Empty>& EmptyResults() {
+  static const std::map<std::string, Empty> results = {
+      {"GetControlInterfacesInfo", Empty::kFails},
+      {"cGetControlInterface", Empty::kFails},
+      {"GetDanteInterfacesInfo", Empty::kFails},
+      {"GetSwitchModes", Empty::kNoElements},
+      {"GetConfiguredSwitchMode", Empty::kZeroValue},
+      {"GetCurrentSwitchMode", Empty::kZeroValue},
+      {"cGetCurrentSwitchMode", Empty::kZeroValue},
+      {"GetHostname", Empty::kZeroValue},
+      {"GetNTPServer", Empty::kNoFirst},
+      {"GetCurrentDNS", Empty::kNoFirst},
+      {"GetDefaultGateway", Empty::kZeroValue},
+      {"GetName", Empty::kZeroValue},
+      {"GetFirmwareVersion", Empty::kZeroValue},
+      {"GetSoftwareVersion", Empty::kZeroValue},
+      {"GetModelName", Empty::kZeroValue},
+      {"GetModelVersion", Empty::kZeroValue},
+      {"GetAvailableSampleRates", Empty::kNoElements},
+      {"GetSampleRate", Empty::kZeroValue},
+      {"GetLatency", Empty::kZeroValue},
+      {"GetAES67Available", Empty::kZeroValue},
+      {"GetAES67Status", Empty::kZeroValue},
+      {"GetDisableTx", Empty::kZeroValue},
+      {"GetPtpSlaveOnly", Empty::kZeroValue},
+      {"GetTxChannels", Empty::kNoElements},
+      {"GetRxChannels", Empty::kNoElements},
   };
-  return readings;
+  return results;
 }
 
 std::string ZeroLike(const std::string& shown) {
@@ -112,20 +122,20 @@ std::string ZeroLike(const std::string& shown) {
   return "false";
 }
 
-// The mode in effect is then not the one in which both interfaces are in use.
-void EmptySwitchMode(const Function& function, Case& made) {
-  const Texts usual = Elements(function.outputs);
+// The switch mode in effect is then one that does not use both interfaces.
+void EmptySwitchMode(const Function& function, ReplyCase& made) {
+  const Strings usual = Elements(function.outputs);
   made.expected.outputs = List({usual[0], usual[1]});
-  AskFor(made, 1, {support::kLan0});
+  ExpectIds(made, 1, {support::kLan0});
   made.answers[1].second.bytes = function.steps[1].reply;
 }
 
-void EmptyAllIPv4(const Function& function, std::size_t k, Case& made) {
+void EmptyAllIPv4(const Function& function, std::size_t k, ReplyCase& made) {
   const std::string before = Elements(function.outputs)[0];
   NetworkgRPC::InterfaceInfo lan2 = Interface("lan2", support::kLan2Mac, support::kLan2);
   NetworkgRPC::InterfaceInfo lan0 = Interface("lan0", support::kLan0Mac, support::kLan0);
   if (k == 0) {
-    AskFor(made, 1, {});
+    ExpectIds(made, 1, {});
     made.expected.outputs = function.failed_outputs;
     return;
   }
@@ -137,8 +147,8 @@ void EmptyAllIPv4(const Function& function, std::size_t k, Case& made) {
   made.expected.outputs = List({before, Show(lan2), Show(lan0)});
 }
 
-void EmptyTapping(const Function& function, std::size_t k, Case& made) {
-  Texts usual = Elements(function.outputs);
+void EmptyTapping(const Function& function, std::size_t k, ReplyCase& made) {
+  Strings usual = Elements(function.outputs);
   if (k == 0) {
     usual.resize(1);
     made.expected.requests.resize(1);
@@ -150,8 +160,8 @@ void EmptyTapping(const Function& function, std::size_t k, Case& made) {
   made.expected.outputs = List(usual);
 }
 
-// The functions whose calls differ from one another.
-bool ReadEmptySpecially(const Function& function, std::size_t k, Case& made) {
+// Functions whose calls have different results; false for all others.
+bool ExpectEmptyPerCall(const Function& function, std::size_t k, ReplyCase& made) {
   if (function.name == "GetDanteInterfacesInfo" && k == 0) {
     EmptySwitchMode(function, made);
   } else if (function.name == "GetAllIPv4") {
@@ -172,22 +182,22 @@ bool ReadEmptySpecially(const Function& function, std::size_t k, Case& made) {
   return true;
 }
 
-Case EmptyReply(const Function& function, std::size_t k, const std::string& reply) {
-  // No success flag is a refusal.
+ReplyCase EmptyReply(const Function& function, std::size_t k, const std::string& reply) {
+  // A missing success flag means a rejected request.
   if (function.steps[k].confirms) return CallFails(function, k, {reply});
-  Case made = CallSucceeds(function, k, reply);
-  if (ReadEmptySpecially(function, k, made)) return made;
-  switch (EmptyReadings().at(function.name)) {
-    case Empty::kLikeNone:
+  ReplyCase made = CallSucceeds(function, k, reply);
+  if (ExpectEmptyPerCall(function, k, made)) return made;
+  switch (EmptyResults().at(function.name)) {
+    case Empty::kFails:
       return CallFails(function, k, {reply});
-    case Empty::kNoEntry:
+    case Empty::kNoFirst:
       made.expected.done = false;
       made.expected.outputs = function.failed_outputs;
       break;
-    case Empty::kNothing:
+    case Empty::kNoElements:
       made.expected.outputs = function.failed_outputs;
       break;
-    case Empty::kZero:
+    case Empty::kZeroValue:
       made.expected.outputs = ZeroLike(function.outputs);
       break;
   }
@@ -196,14 +206,14 @@ Case EmptyReply(const Function& function, std::size_t k, const std::string& repl
 
 // --- Unlisted numbers -----------------------------------------------------------------
 
-// Every mode but the static one counts as dynamic.
-Case UnlistedMode(const Function& function, std::size_t k, int number) {
+// Every mode except static is reported as dynamic.
+ReplyCase UnlistedMode(const Function& function, std::size_t k, int number) {
   ostrevan::networkmanager::InterfacesConfig config;
   config.ParseFromString(function.steps[k].reply);
   for (auto& stored : *config.mutable_configs())
     stored.set_mode(static_cast<ostrevan::networkmanager::EnInterfaceMode>(number));
-  Case made = CallSucceeds(function, k, config.SerializeAsString());
-  // The control interface is not live, and a dynamic one then has no address.
+  ReplyCase made = CallSucceeds(function, k, config.SerializeAsString());
+  // The control interface is down, and a dynamic interface that is down has no address.
   if (function.name == "GetControlInterfacesInfo") {
     NetworkgRPC::InterfaceInfo none;
     none.mac = support::kLan1Mac;
@@ -218,8 +228,8 @@ Case UnlistedMode(const Function& function, std::size_t k, int number) {
   return made;
 }
 
-// The speed is not handed out.
-Case UnlistedSpeed(const Function& function, std::size_t k, int number) {
+// The speed is not reported.
+ReplyCase UnlistedSpeed(const Function& function, std::size_t k, int number) {
   ostrevan::networkmanager::InterfacesStatus status;
   status.ParseFromString(function.steps[k].reply);
   for (auto& live : *status.mutable_status())
@@ -227,55 +237,58 @@ Case UnlistedSpeed(const Function& function, std::size_t k, int number) {
   return CallSucceeds(function, k, status.SerializeAsString());
 }
 
-// The encoding is handed out as it is.
-Case UnlistedEncoding(const Function& function, std::size_t k, int number) {
+// The encoding is reported unchanged.
+ReplyCase UnlistedEncoding(const Function& function, std::size_t k, int number) {
   ostrevan::grpcdapi::LinkInfo link;
   link.ParseFromString(function.steps[k].reply);
   link.mutable_raw()->set_encoding(static_cast<ostrevan::grpcdapi::Encoding>(number));
-  Case made = CallSucceeds(function, k, link.SerializeAsString());
-  Texts elements = Elements(function.outputs);
+  ReplyCase made = CallSucceeds(function, k, link.SerializeAsString());
+  Strings elements = Elements(function.outputs);
   elements[k] = Replace(Replace(elements[k], "encoding=0", "encoding=1"), "encoding=1",
                         "encoding=" + std::to_string(number));
   made.expected.outputs = List(elements);
   return made;
 }
 
-// --- Crowds -------------------------------------------------------------------------
+// --- Long lists -------------------------------------------------------------------------
 
 template <class Message, class Add>
-std::string Many(const std::string& usual, const Add& add) {
+std::string WithAdded(const std::string& usual, const Add& add) {
   Message message;
   message.ParseFromString(usual);
-  for (int i = 0; i < kMany; ++i) add(message, kFirstOfMany + i);
+  for (int i = 0; i < kAdded; ++i) add(message, kFirstAdded + i);
   return message.SerializeAsString();
 }
 
-// The reply of this call with many more entries; "" when it holds no list.
-std::string CrowdedReply(const std::string& method, const std::string& usual) {
+// The reply with many more entries; "" if it contains no list.
+std::string LongReply(const std::string& method, const std::string& usual) {
   namespace nm = ostrevan::networkmanager;
   namespace dapi = ostrevan::grpcdapi;
   if (method == "GetAvailableInterfaces")
-    return Many<nm::Interfaces>(usual, [](auto& m, int i) { m.add_interfaces()->set_id(i); });
+    return WithAdded<nm::Interfaces>(usual, [](auto& m, int i) { m.add_interfaces()->set_id(i); });
   if (method == "GetNetworkConfig")
-    return Many<nm::InterfacesConfig>(usual, [](auto& m, int i) { m.add_configs()->set_id(i); });
+    return WithAdded<nm::InterfacesConfig>(usual,
+                                           [](auto& m, int i) { m.add_configs()->set_id(i); });
   if (method == "GetNetworkStatus")
-    return Many<nm::InterfacesStatus>(usual, [](auto& m, int i) { m.add_status()->set_id(i); });
+    return WithAdded<nm::InterfacesStatus>(usual,
+                                           [](auto& m, int i) { m.add_status()->set_id(i); });
   if (method == "GetAvailableSwitchModes")
-    return Many<nm::SwitchModes>(usual, [](auto& m, int i) { m.add_modes()->set_id(i); });
+    return WithAdded<nm::SwitchModes>(usual, [](auto& m, int i) { m.add_modes()->set_id(i); });
   if (method == "GetNTPServer")
-    return Many<nm::NTPServer>(usual, [](auto& m, int i) { m.add_servers(std::to_string(i)); });
+    return WithAdded<nm::NTPServer>(usual,
+                                    [](auto& m, int i) { m.add_servers(std::to_string(i)); });
   if (method == "GetDNSList")
-    return Many<nm::DNS>(usual, [](auto& m, int i) { m.add_dns(std::to_string(i)); });
+    return WithAdded<nm::DNS>(usual, [](auto& m, int i) { m.add_dns(std::to_string(i)); });
   if (method == "GetTxChannels" || method == "GetRxChannels")
-    return Many<dapi::Channels>(usual, [](auto& m, int i) { m.add_channels()->set_id(i); });
+    return WithAdded<dapi::Channels>(usual, [](auto& m, int i) { m.add_channels()->set_id(i); });
   if (method == "GetAvailableSampleRates")
-    return Many<dapi::AvailableSampleRates>(
+    return WithAdded<dapi::AvailableSampleRates>(
         usual, [](auto& m, int i) { m.add_samplerates(static_cast<std::uint32_t>(i)); });
   return "";
 }
 
-// How one of the many shows in the outputs of the functions that list them all.
-std::string ShownOfMany(const std::string& function, int i) {
+// One of the added entries in the outputs of the functions that return all entries.
+std::string ShowAdded(const std::string& function, int i) {
   if (function == "GetSwitchModes") return Show(NetworkgRPC::SwitchMode{i, ""});
   if (function == "GetTxChannels" || function == "GetRxChannels")
     return Show(DantegRPC::Channel{i, ""});
@@ -289,11 +302,11 @@ std::string ShownOfMany(const std::string& function, int i) {
   return "";
 }
 
-void ExpectTheMany(const Function& function, Case& made) {
-  Texts elements = Elements(function.outputs);
+void ExpectAdded(const Function& function, ReplyCase& made) {
+  Strings elements = Elements(function.outputs);
   std::vector<int> asked = {support::kLan2, support::kLan0};
-  for (int i = kFirstOfMany; i < kFirstOfMany + kMany; ++i) {
-    elements.push_back(ShownOfMany(function.name, i));
+  for (int i = kFirstAdded; i < kFirstAdded + kAdded; ++i) {
+    elements.push_back(ShowAdded(function.name, i));
     asked.push_back(i);
     if (function.name != "GetTapping") continue;
     ostrevan::grpcdapi::Channel channel;
@@ -302,21 +315,29 @@ void ExpectTheMany(const Function& function, Case& made) {
     made.answers.push_back({request, {""}});
     made.expected.requests.push_back(request);
   }
-  if (function.name == "GetAllIPv4") AskFor(made, 1, asked);
+  if (function.name == "GetAllIPv4") ExpectIds(made, 1, asked);
   made.expected.outputs = List(elements);
 }
 
 }  // namespace
 
-std::vector<Case> EmptyReplies(const Function& function, const std::string& reply) {
-  std::vector<Case> cases;
+ReplyCase CallFails(const Function& function, std::size_t k, Answer answer) {
+  return WithAnswer(function, k, std::move(answer), {k});
+}
+
+ReplyCase CallSucceeds(const Function& function, std::size_t k, std::string reply) {
+  return WithAnswer(function, k, {std::move(reply)}, {});
+}
+
+std::vector<ReplyCase> EmptyReplies(const Function& function, const std::string& reply) {
+  std::vector<ReplyCase> cases;
   for (std::size_t k = 0; k < function.steps.size(); ++k)
     cases.push_back(EmptyReply(function, k, reply));
   return cases;
 }
 
-std::vector<Case> UnlistedNumbers(const Function& function) {
-  std::vector<Case> cases;
+std::vector<ReplyCase> UnlistedEnumNumbers(const Function& function) {
+  std::vector<ReplyCase> cases;
   for (std::size_t k = 0; k < function.steps.size(); ++k) {
     const std::string& path = function.steps[k].path;
     for (const int number : {9, -1}) {
@@ -331,18 +352,17 @@ std::vector<Case> UnlistedNumbers(const Function& function) {
   return cases;
 }
 
-std::vector<Case> Crowds(const Function& function) {
-  std::vector<Case> cases;
+std::vector<ReplyCase> LongLists(const Function& function) {
+  std::vector<ReplyCase> cases;
   for (std::size_t k = 0; k < function.steps.size(); ++k) {
     const std::string& path = function.steps[k].path;
-    const std::string reply =
-        CrowdedReply(path.substr(path.rfind('/') + 1), function.steps[k].reply);
+    const std::string reply = LongReply(path.substr(path.rfind('/') + 1), function.steps[k].reply);
     if (reply.empty()) continue;
-    Case made = CallSucceeds(function, k, reply);
+    ReplyCase made = CallSucceeds(function, k, reply);
     if (function.name == "GetChannelsNum") {
       made.expected.outputs = k == 0 ? "(10002)(2)" : "(2)(10002)";
-    } else if (k == 0 && !ShownOfMany(function.name, 0).empty()) {
-      ExpectTheMany(function, made);
+    } else if (k == 0 && !ShowAdded(function.name, 0).empty()) {
+      ExpectAdded(function, made);
     }
     cases.push_back(std::move(made));
   }

@@ -1,4 +1,4 @@
-#include "tests/faults/bench.h"
+#include "tests/faults/function_under_test.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -35,15 +35,15 @@ std::string Interfaces() {
 
 }  // namespace
 
-Outcome Healthy(const Function& function) {
+Outcome GoodOutcome(const Function& function) {
   Outcome expected = support::Expected(function, {});
   expected.requests.clear();
   return expected;
 }
 
-void LetPass(milliseconds time) { std::this_thread::sleep_for(time); }
+void Pause(milliseconds time) { std::this_thread::sleep_for(time); }
 
-Bench::Bench(const Function& tested, Start start) : function(tested) {
+FunctionUnderTest::FunctionUnderTest(const Function& tested, Start start) : function(tested) {
   const std::string url = "ipv4:127.0.0.1:" + std::to_string(port.Number());
   setenv("network_manager_url", url.c_str(), 1);
   setenv("grpc_dapi_url", url.c_str(), 1);
@@ -52,29 +52,29 @@ Bench::Bench(const Function& tested, Start start) : function(tested) {
   if (start == Start::kConnected) Connect();
 }
 
-void Bench::Connect() {
+void FunctionUnderTest::Connect() {
   daemon->Serve();
   daemon->Answer({support::NetworkManagerPath("GetAvailableInterfaces"), ""}, Interfaces());
   NetworkManagerClient::GetInstance();
   DAPIClient::GetInstance();
   for (const Step& step : function.steps) daemon->Answer({step.path, step.request}, step.reply);
-  Tally first;
+  ResultCounts first;
   const Outcome seen = TimedCall(function, first);
-  if (!(seen == Healthy(function))) {
+  if (!(seen == GoodOutcome(function))) {
     std::ostringstream text;
-    text << function << " does not work at the beginning: " << seen;
+    text << function << " does not work before the fault: " << seen;
     throw std::runtime_error(text.str());
   }
   daemon->ForgetRequests();
 }
 
-void Bench::StartDaemon() {
+void FunctionUnderTest::StartDaemon() {
   daemon = std::move(next);
   daemon->Serve();
   for (const Step& step : function.steps) daemon->Answer({step.path, step.request}, step.reply);
 }
 
-bool Bench::Explains(const Outcome& seen) const {
+bool FunctionUnderTest::IsPossible(const Outcome& seen) const {
   for (std::size_t set = 0; set < (std::size_t{1} << function.steps.size()); ++set) {
     std::set<std::size_t> failing;
     for (std::size_t i = 0; i < function.steps.size(); ++i)
@@ -86,21 +86,21 @@ bool Bench::Explains(const Outcome& seen) const {
   return false;
 }
 
-void Bench::WaitUntilHealthy(Tally& tally) {
+void FunctionUnderTest::WaitUntilItWorks(ResultCounts& counts) {
   const auto start = std::chrono::steady_clock::now();
   const auto end = start + std::chrono::seconds(90);
-  const Outcome healthy = Healthy(function);
+  const Outcome healthy = GoodOutcome(function);
   Outcome seen;
   do {
-    seen = TimedCall(function, tally);
-    if (!Explains(seen)) break;
+    seen = TimedCall(function, counts);
+    if (!IsPossible(seen)) break;
     if (seen == healthy) break;
-    LetPass(milliseconds(20));
+    Pause(milliseconds(20));
   } while (std::chrono::steady_clock::now() < end);
   const auto took = std::chrono::steady_clock::now() - start;
-  tally.recovery_ms = std::max<long long>(tally.recovery_ms,
-                                          std::chrono::duration_cast<milliseconds>(took).count());
-  tally.Count(function.name + " after the fault", seen, healthy);
+  counts.recovery_ms = std::max<long long>(counts.recovery_ms,
+                                           std::chrono::duration_cast<milliseconds>(took).count());
+  counts.Count(function.name + " after the fault", seen, healthy);
 }
 
 }  // namespace faults

@@ -1,4 +1,4 @@
-#include "tests/faults/rogue.h"
+#include "tests/faults/faulty_peer.h"
 
 #include <netinet/in.h>
 #include <poll.h>
@@ -13,10 +13,10 @@
 
 namespace faults {
 
-std::vector<Manners> AllManners() {
+std::vector<PeerBehaviour> AllPeerBehaviours() {
   using namespace std::string_literals;
   const std::string garbage = "\x00\xff\x13garbage\x80\x7f garbage\r\n\r\n\x01\x02"s;
-  // The head of a SETTINGS frame that announces more than follows.
+  // The header of a SETTINGS frame whose payload is cut off.
   const std::string half_a_frame = "\x00\x00\x0c\x04\x00\x00\x00\x00\x00\x00\x03"s;
   const std::string http1 = "HTTP/1.1 400 Bad Request\r\nContent-Length: 0\r\n\r\n";
   return {
@@ -35,19 +35,19 @@ std::vector<Manners> AllManners() {
 
 namespace {
 
-// What is said next, "" when that is nothing for ten seconds.
-std::string Hear(int connection) {
-  std::array<char, 4096> heard{};
+// The next data received, "" after ten seconds without any.
+std::string Receive(int connection) {
+  std::array<char, 4096> block{};
   pollfd waiting{connection, POLLIN, 0};
   poll(&waiting, 1, 10000);
-  const ssize_t size = recv(connection, heard.data(), heard.size(), MSG_DONTWAIT);
-  return {heard.data(), size > 0 ? static_cast<std::size_t>(size) : 0};
+  const ssize_t size = recv(connection, block.data(), block.size(), MSG_DONTWAIT);
+  return {block.data(), size > 0 ? static_cast<std::size_t>(size) : 0};
 }
 
 }  // namespace
 
-Rogue::Rogue(int port, Manners kind)
-    : manners(std::move(kind)),
+FaultyPeer::FaultyPeer(int port, PeerBehaviour wanted_behaviour)
+    : behaviour(std::move(wanted_behaviour)),
       listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)),
       stop(eventfd(0, EFD_CLOEXEC)) {
   const int on = 1;
@@ -62,7 +62,7 @@ Rogue::Rogue(int port, Manners kind)
   server = std::thread([this] { Serve(); });
 }
 
-Rogue::~Rogue() {
+FaultyPeer::~FaultyPeer() {
   const std::uint64_t one = 1;
   if (write(stop, &one, sizeof one) < 0) std::terminate();
   server.join();
@@ -71,7 +71,7 @@ Rogue::~Rogue() {
   close(stop);
 }
 
-void Rogue::Serve() {
+void FaultyPeer::Serve() {
   for (;;) {
     std::array<pollfd, 2> waiting = {pollfd{listener, POLLIN, 0}, pollfd{stop, POLLIN, 0}};
     poll(waiting.data(), waiting.size(), -1);
@@ -79,25 +79,25 @@ void Rogue::Serve() {
     const int connection = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
     if (connection < 0) continue;
     ++accepted;
-    Greet(connection);
+    ServeConnection(connection);
   }
 }
 
-void Rogue::Greet(int connection) {
-  if (manners.after_reading) Hear(connection);
-  send(connection, manners.says.data(), manners.says.size(), MSG_NOSIGNAL);
-  if (!manners.answers.empty()) {
-    // The path of a call holds its package.
+void FaultyPeer::ServeConnection(int connection) {
+  if (behaviour.reads_first) Receive(connection);
+  send(connection, behaviour.greeting.data(), behaviour.greeting.size(), MSG_NOSIGNAL);
+  if (!behaviour.reply.empty()) {
+    // The path of a call contains the name of its package.
     std::string all;
     for (std::string more; all.find("ostrevan") == std::string::npos; all += more)
-      if ((more = Hear(connection)).empty()) break;
-    send(connection, manners.answers.data(), manners.answers.size(), MSG_NOSIGNAL);
+      if ((more = Receive(connection)).empty()) break;
+    send(connection, behaviour.reply.data(), behaviour.reply.size(), MSG_NOSIGNAL);
   }
-  if (!manners.closes) {
+  if (!behaviour.closes) {
     connections.push_back(connection);
     return;
   }
-  if (manners.by_reset) {
+  if (behaviour.resets) {
     const linger at_once{1, 0};
     setsockopt(connection, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
   }

@@ -1,7 +1,7 @@
-// A scripted daemon as a program: serves the address that it is given when it is
-// told to, takes commands on standard input and answers each with one line. Ends
-// with the test that started it.
-//   serve, and then: answer PATH REQUEST REPLY | hang PATH REQUEST x | wait COUNT | forget
+// The program that ChildDaemon runs: a scripted daemon for the address given as its
+// argument. It reads commands from standard input, answers each with one line, and ends
+// with the test that started it. The first command is "serve"; then:
+//   answer PATH REQUEST REPLY | hang PATH REQUEST x | wait COUNT | forget
 #include <signal.h>
 #include <sys/prctl.h>
 
@@ -14,7 +14,7 @@
 
 namespace {
 
-std::string Obey(support::ScriptedDaemon& daemon, const std::string& line) {
+std::string Run(support::ScriptedDaemon& daemon, const std::string& line) {
   std::istringstream words(line);
   std::string verb;
   words >> verb;
@@ -41,12 +41,12 @@ std::string Obey(support::ScriptedDaemon& daemon, const std::string& line) {
 
 int main(int argc, char** argv) {
   if (argc != 2) return 2;
-  // A stopped process would not see the end of its input.
+  // A frozen process does not notice the end of its input.
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::string line;
   if (!std::getline(std::cin, line) || line != "serve") return 2;
   support::ScriptedDaemon daemon(argv[1]);
   std::cout << "ready" << std::endl;
-  while (std::getline(std::cin, line)) std::cout << Obey(daemon, line) << std::endl;
+  while (std::getline(std::cin, line)) std::cout << Run(daemon, line) << std::endl;
   return 0;
 }

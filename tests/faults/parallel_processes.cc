@@ -1,4 +1,4 @@
-#include "tests/faults/apart.h"
+#include "tests/faults/parallel_processes.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -16,7 +16,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A guard against a test that never ends, not something to pass or fail by.
+// Ends a test that would hang; far longer than any job takes.
 constexpr std::chrono::seconds kLimit{NETWORKGRPC_TEST_SECONDS - 10};
 
 struct Running {
@@ -27,13 +27,13 @@ struct Running {
 
 [[noreturn]] void WorkAndExit(const Job& job, int out) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
-  Tally tally;
+  ResultCounts counts;
   try {
-    job.work(tally);
+    job.work(counts);
   } catch (const std::exception& error) {
-    tally.Count(job.name, false, error.what());
+    counts.Count(job.name, false, error.what());
   }
-  const std::string text = tally.ToText();
+  const std::string text = counts.ToString();
   for (std::size_t sent = 0; sent < text.size();) {
     const ssize_t size = write(out, text.data() + sent, text.size() - sent);
     if (size <= 0) break;
@@ -71,11 +71,11 @@ std::string ReadUntil(int in, Clock::time_point end) {
 
 }  // namespace
 
-Tally RunApart(const std::vector<Job>& jobs) {
+ResultCounts RunInParallelProcesses(const std::vector<Job>& jobs) {
   const auto end = Clock::now() + kLimit;
   std::vector<Running> running;
   for (const Job& job : jobs) running.push_back(Start(job));
-  Tally all;
+  ResultCounts all;
   for (const Running& one : running) {
     const std::string text = ReadUntil(one.pipe, end);
     if (one.process > 0) {
@@ -84,9 +84,9 @@ Tally RunApart(const std::vector<Job>& jobs) {
     }
     close(one.pipe);
     if (text.empty()) {
-      all.Count(one.name, false, "crashed, or has not ended in time");
+      all.Count(one.name, false, "crashed, or did not end in time");
     } else {
-      all.Add(Tally::FromText(text));
+      all.Add(ResultCounts::FromString(text));
     }
   }
   return all;

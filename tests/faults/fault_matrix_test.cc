@@ -1,6 +1,5 @@
-// Every function of the library under every fault: its result, its outputs, the
-// lines that it prints, and that it works again when the fault is over. Each row
-// prints how many cases it had and what it counted.
+// Every function of the library under every fault: its result, its outputs, the lines
+// that it prints, and whether it works again after the fault. Each row prints its counts.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,20 +9,20 @@
 #include <string>
 #include <utility>
 
-#include "tests/faults/row.h"
+#include "tests/faults/fault_matrix.h"
 
 namespace {
 
-using faults::Row;
-using faults::Tally;
+using faults::MatrixRow;
+using faults::ResultCounts;
 
-std::vector<Row> Rows(bool full_only) {
-  std::vector<Row> rows = faults::ReplyRows();
-  std::vector<Row> more = faults::ConnectionRows();
+std::vector<MatrixRow> Rows(bool full_only) {
+  std::vector<MatrixRow> rows = faults::ReplyFaults();
+  std::vector<MatrixRow> more = faults::ConnectionFaults();
   rows.insert(rows.end(), std::make_move_iterator(more.begin()),
               std::make_move_iterator(more.end()));
   rows.erase(std::remove_if(rows.begin(), rows.end(),
-                            [&](const Row& row) { return row.full_only != full_only; }),
+                            [&](const MatrixRow& row) { return row.full_only != full_only; }),
              rows.end());
   return rows;
 }
@@ -33,20 +32,20 @@ bool Full() {
   return full != nullptr && std::string(full) == "1";
 }
 
-class FaultMatrix : public testing::TestWithParam<Row> {};
+class FaultMatrix : public testing::TestWithParam<MatrixRow> {};
 
 TEST_P(FaultMatrix, EveryFunctionCopes) {
   if (GetParam().full_only && !Full()) GTEST_SKIP() << "only with NETWORKGRPC_FULL=1";
 
-  const Tally tally = GetParam().run();
+  const ResultCounts counts = GetParam().run();
 
   std::printf(
       "fault matrix: %-28s %5d cases, %5d as expected; slowest call %6lld ms; "
       "works again after %5lld ms; %d gRPC and %d protobuf lines\n",
-      GetParam().name.c_str(), tally.cases, tally.as_expected, tally.slowest_ms, tally.recovery_ms,
-      tally.grpc_lines, tally.protobuf_lines);
-  EXPECT_GT(tally.cases, 0);
-  EXPECT_EQ(tally.as_expected, tally.cases) << tally.failures;
+      GetParam().name.c_str(), counts.cases, counts.as_expected, counts.slowest_ms,
+      counts.recovery_ms, counts.grpc_lines, counts.protobuf_lines);
+  EXPECT_GT(counts.cases, 0);
+  EXPECT_EQ(counts.as_expected, counts.cases) << counts.failures;
 }
 
 INSTANTIATE_TEST_SUITE_P(Library, FaultMatrix, testing::ValuesIn(Rows(false)),

@@ -1,0 +1,218 @@
+// Faults of the reply: all functions in one process, one after another. Each of their
+// calls in turn gets the faulty reply.
+#include <functional>
+#include <map>
+
+#include "tests/faults/fault_matrix.h"
+#include "tests/faults/parallel_processes.h"
+#include "tests/faults/reply_cases.h"
+
+namespace faults {
+namespace {
+
+using namespace std::string_literals;
+using support::Answer;
+using support::Device;
+using support::Function;
+using support::Outcome;
+using support::Step;
+
+// gRPC's default limit for a received message, in bytes.
+constexpr std::size_t kLargestReply = 4194304;
+
+using ReplyCases = std::function<std::vector<ReplyCase>(const Function&)>;
+
+void Script(Device& device, const support::Request& request, const Answer& answer) {
+  const bool network = request.path.rfind(support::NetworkManagerPath(""), 0) == 0;
+  (network ? device.network_manager : device.dapi)->ScriptFor(request, answer);
+}
+
+void RunCase(Device& device, const Function& function, const ReplyCase& one, ResultCounts& counts) {
+  for (const auto& [request, answer] : one.answers) Script(device, request, answer);
+  const int before = counts.protobuf_lines;
+  Outcome seen = TimedCall(function, counts);
+  seen.requests = device.TakeRequests();
+  counts.Count(function.name + " " + one.name, seen, one.expected);
+  if (counts.protobuf_lines - before != one.protobuf_lines)
+    counts.Count(function.name + " " + one.name, false,
+                 "protobuf printed a different number of lines");
+
+  for (const Step& step : function.steps) Script(device, {step.path, step.request}, {step.reply});
+  seen = TimedCall(function, counts);
+  seen.requests = device.TakeRequests();
+  counts.Count(function.name + " after " + one.name, seen, support::Expected(function, {}));
+}
+
+// Runs in its own process, because its clients are connected to this row's device.
+MatrixRow MakeRow(const std::string& name, const ReplyCases& cases) {
+  const auto work = [cases](ResultCounts& counts) {
+    Device device;
+    device.BuildClients();
+    for (const Function& function : support::AllFunctions())
+      for (const ReplyCase& one : cases(function)) RunCase(device, function, one, counts);
+  };
+  return {name, [=] { return RunInParallelProcesses({{name, work}}); }};
+}
+
+// Each call in turn gets each of these answers, which make it fail.
+ReplyCases EachCallFails(const std::vector<Answer>& answers) {
+  return [=](const Function& function) {
+    std::vector<ReplyCase> cases;
+    for (std::size_t k = 0; k < function.steps.size(); ++k)
+      for (const Answer& answer : answers) cases.push_back(CallFails(function, k, answer));
+    return cases;
+  };
+}
+
+// Each call in turn gets its usual reply as changed by `change`, which must make no difference.
+ReplyCases EachCallSucceeds(const std::function<std::string(const std::string&)>& change) {
+  return [=](const Function& function) {
+    std::vector<ReplyCase> cases;
+    for (std::size_t k = 0; k < function.steps.size(); ++k)
+      cases.push_back(CallSucceeds(function, k, change(function.steps[k].reply)));
+    return cases;
+  };
+}
+
+std::vector<Answer> EveryStatus() {
+  std::vector<Answer> answers;
+  for (int code = 1; code <= 16; ++code)
+    answers.push_back(support::Failure(static_cast<grpc::StatusCode>(code)));
+  return answers;
+}
+
+// Every subset of the calls fails.
+std::vector<ReplyCase> AnyCallsFail(const Function& function) {
+  std::vector<ReplyCase> cases;
+  for (std::size_t set = 0; set < (std::size_t{1} << function.steps.size()); ++set) {
+    ReplyCase made{"calls " + std::to_string(set), {}, {}, 0};
+    std::set<std::size_t> failing;
+    for (std::size_t i = 0; i < function.steps.size(); ++i) {
+      const bool fails = (set >> i & 1U) != 0;
+      if (fails) failing.insert(i);
+      made.answers.push_back(
+          {{function.steps[i].path, function.steps[i].request},
+           fails ? support::Failure(grpc::StatusCode::INTERNAL) : Answer{function.steps[i].reply}});
+    }
+    made.expected = support::Expected(function, failing);
+    cases.push_back(std::move(made));
+  }
+  return cases;
+}
+
+std::vector<ReplyCase> Refusals(const Function& function) {
+  std::vector<ReplyCase> cases;
+  for (std::size_t k = 0; k < function.steps.size(); ++k)
+    if (function.steps[k].confirms) cases.push_back(CallFails(function, k, {"\x08\x00"s}));
+  return cases;
+}
+
+std::string Truncated(const std::string& reply) {
+  return reply.empty() ? "\x0a"s : reply.substr(0, reply.size() - 1);
+}
+
+// The reply without its last byte, a string and a number cut off.
+std::vector<ReplyCase> Truncations(const Function& function) {
+  std::vector<ReplyCase> cases;
+  for (std::size_t k = 0; k < function.steps.size(); ++k) {
+    cases.push_back(CallFails(function, k, {Truncated(function.steps[k].reply)}));
+    cases.push_back(CallFails(function, k, {"\x0a\x05x"s}));
+    cases.push_back(CallFails(function, k, {"\x08"s}));
+  }
+  return cases;
+}
+
+// All fields of the schema with wire type 5 (four bytes), which none of them has. The
+// parser treats them as unknown fields, so the reply is empty to the library.
+std::string OtherWireTypes() {
+  std::string reply;
+  for (int field = 1; field <= 9; ++field)
+    reply += static_cast<char>(field << 3 | 5) + "\x01\x02\x03\x04"s;
+  return reply;
+}
+
+// One unknown field of each wire type.
+std::string UnknownFields(const std::string& reply) {
+  return reply + "\xc0\x3e\x05" + "\xc1\x3e" + "12345678" + "\xc2\x3e\x03" + "new" + "\xc5\x3e" +
+         "1234" + "\xc3\x3e\x08\x01\xc4\x3e";
+}
+
+// An unknown string field brings the reply to `size` bytes.
+std::string Padded(const std::string& reply, std::size_t size) {
+  std::size_t rest = size - reply.size() - 6;  // its tag has two bytes, its length four
+  std::string padded = reply + "\xc2\x3e";
+  const std::size_t text = rest;
+  for (int i = 0; i < 4; ++i, rest >>= 7U)
+    padded += static_cast<char>((rest & 0x7FU) | (i < 3 ? 0x80U : 0U));
+  return padded.append(text, 'x');
+}
+
+// A reply whose field, given by the field numbers that lead to it, is not UTF-8.
+std::string InvalidString(const std::vector<int>& field) {
+  std::string bytes = "\xff";
+  for (auto number = field.rbegin(); number != field.rend(); ++number)
+    bytes = static_cast<char>(*number << 3 | 2) + std::string(1, static_cast<char>(bytes.size())) +
+            bytes;
+  return bytes;
+}
+
+// Invalid UTF-8 in each string field in turn.
+std::vector<ReplyCase> InvalidStrings(const Function& function) {
+  static const std::map<std::string, std::vector<std::vector<int>>> fields = {
+      {"GetAvailableInterfaces", {{1, 2}, {1, 3}}},
+      {"GetNetworkConfig", {{1, 3}, {1, 4}, {1, 5}, {1, 6}, {1, 9, 2}}},
+      {"GetNetworkStatus", {{1, 2}, {1, 3}}},
+      {"GetAvailableSwitchModes", {{1, 2}}},
+      {"GetSwitchMode", {{2}}},
+      {"GetSwitchModeStatus", {{2}}},
+      {"GetHostname", {{1}}},
+      {"GetNTPServer", {{1}}},
+      {"GetDNSList", {{1}}},
+      {"GetRouting", {{1}}},
+      {"GetName", {{1}}},
+      {"GetModelName", {{1}}},
+      {"GetFirmwareVersion", {{1}}},
+      {"GetSoftwareVersion", {{1}}},
+      {"GetModelVersion", {{1}}},
+      {"GetTxChannels", {{1, 2}, {1, 3}}},
+      {"GetRxChannels", {{1, 2}, {1, 3}}},
+      {"GetRxChannelLink", {{2}, {3}, {4, 1}, {4, 9}}},
+  };
+  std::vector<ReplyCase> cases;
+  for (std::size_t k = 0; k < function.steps.size(); ++k) {
+    const std::string& path = function.steps[k].path;
+    const auto found = fields.find(path.substr(path.rfind('/') + 1));
+    if (found == fields.end()) continue;
+    for (const std::vector<int>& field : found->second) {
+      cases.push_back(CallFails(function, k, {InvalidString(field)}));
+      cases.back().protobuf_lines = 1;
+    }
+  }
+  return cases;
+}
+
+}  // namespace
+
+std::vector<MatrixRow> ReplyFaults() {
+  return {
+      MakeRow("AnswersWell", EachCallSucceeds([](const std::string& reply) { return reply; })),
+      MakeRow("EveryStatusCode", EachCallFails(EveryStatus())),
+      MakeRow("AnyCallsFail", AnyCallsFail),
+      MakeRow("SuccessFalse", Refusals),
+      MakeRow("EmptyReply", [](const Function& function) { return EmptyReplies(function); }),
+      MakeRow("TruncatedReply", Truncations),
+      MakeRow("OtherWireTypes",
+              [](const Function& function) { return EmptyReplies(function, OtherWireTypes()); }),
+      MakeRow("ImpossibleWireTypes", EachCallFails({{"\x0e"s}, {"\x0f"s}, {"\x0c"s}, {"\x00"s}})),
+      MakeRow("InvalidUtf8", InvalidStrings),
+      MakeRow("UnknownFields", EachCallSucceeds(UnknownFields)),
+      MakeRow("UnlistedEnumNumbers", UnlistedEnumNumbers),
+      MakeRow("TenThousandEntries", LongLists),
+      MakeRow("LargestReply", EachCallSucceeds([](const std::string& reply) {
+                return Padded(reply, kLargestReply);
+              })),
+      MakeRow("TooLargeReply", EachCallFails({{Padded("", kLargestReply + 1)}})),
+  };
+}
+
+}  // namespace faults
