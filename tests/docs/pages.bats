@@ -1,10 +1,14 @@
-# The documents against the tree that they speak of.
+#!/usr/bin/env bats
+# The documents compared with the source tree.
 #
-# ctest gives: SOURCE_TREE; CXX and GENERATED_DIR, the compiler and the generated headers.
+# Environment: SOURCE_TREE; CXX, the compiler; GENERATED_DIR, the generated headers.
 
 setup() {
   cd "$SOURCE_TREE" || exit
 }
+
+# The Markdown files of the tree.
+pages() { find . -path ./build -prune -o -name '*.md' -printf '%P\n'; }
 
 # code_block LANGUAGE FILE: the first fenced block of that language.
 code_block() {
@@ -96,13 +100,33 @@ functions() {
     "$BATS_TEST_TMPDIR/daemon.cc"
 }
 
-@test "every relative link of the documents leads somewhere" {
-  local document link missing=
-  for document in *.md docs/*.md; do
-    while read -r link; do
-      [ -e "$(dirname "$document")/${link%%#*}" ] || missing+="$document: $link"$'\n'
-    done < <(grep -oE '\]\([^)]+\)' "$document" | sed 's/^](//; s/)$//' | grep -vE '^(https?:|#)')
-  done
-  printf '%s' "$missing"
-  [ -z "$missing" ]
+# fail_if_any LINES: prints the lines; fails if there are any.
+fail_if_any() {
+  printf '%s' "$1"
+  [ -z "$1" ]
+}
+
+@test "every relative link of a page leads to a file" {
+  local page link missing=
+  while IFS=: read -r page link; do
+    [ -e "$(dirname "$page")/${link%%#*}" ] || missing+="$page: $link"$'\n'
+  done < <(pages | xargs grep -oHP '\]\(\K(?!https?:|#)[^)]+')
+  fail_if_any "$missing"
+}
+
+@test "every file and folder that a page names exists" {
+  local folders page path missing=
+  folders=$(find . -mindepth 1 -maxdepth 1 -type d ! -name build ! -name .git -printf '\\Q%f\\E|')
+  while IFS=: read -r page path; do
+    compgen -G "$path" >/dev/null || missing+="$page: $path"$'\n'
+  done < <(pages | xargs grep -oHP "(?<![\w/.$-])(${folders%|})/[\w./*-]*[\w/*]")
+  fail_if_any "$missing"
+}
+
+@test "every test that a page names exists" {
+  local page test missing=
+  while IFS=: read -r page test; do
+    grep -rqzE "TEST(_F|_P)?\\(${test%.*},\s*${test#*.}" --include='*.cc' tests || missing+="$page: $test"$'\n'
+  done < <(pages | xargs grep -oHP '\x60(\w+/)?\K[A-Z]\w+[.][A-Z]\w+(?=([.]{3})?\x60)')
+  fail_if_any "$missing"
 }
