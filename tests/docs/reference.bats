@@ -1,11 +1,12 @@
 #!/usr/bin/env bats
-# The reference is made of the public headers without a warning, and has everything.
+# Doxygen makes the reference from the public headers without a warning, and it is
+# complete.
 #
-# ctest gives: DOXYGEN, DOXYFILE, SOURCE_TREE.
+# Environment: DOXYGEN, DOXYFILE, SOURCE_TREE.
 
 bats_require_minimum_version 1.5.0
 
-# make LINE...: makes the reference with these lines added to its configuration.
+# make LINE...: makes the reference with these lines added to the configuration.
 make() {
   {
     cat "$DOXYFILE"
@@ -13,7 +14,7 @@ make() {
   } | "$DOXYGEN" -
 }
 
-# with_header SED-SCRIPT: makes the reference of a DantegRPC.h that was changed so.
+# with_header SED-SCRIPT: makes the reference from a changed DantegRPC.h.
 with_header() {
   sed "$1" "$SOURCE_TREE/dante/DantegRPC.h" >"$BATS_TEST_TMPDIR/DantegRPC.h"
   run ! cmp "$SOURCE_TREE/dante/DantegRPC.h" "$BATS_TEST_TMPDIR/DantegRPC.h"

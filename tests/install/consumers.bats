@@ -1,16 +1,15 @@
 #!/usr/bin/env bats
-# Programs that others would write, built from what `cmake --install` put down
-# and run against a daemon that is one of them.
+# Programs of other projects, built from the files that `cmake --install` installs and
+# run against a daemon that is built the same way.
 #
-# ctest gives: BUILD_TREE, SOURCE_TREE and BUILD_TYPE, the build to install;
-# LIBDIR, INCLUDEDIR, DATADIR and BINDIR, its folders below the prefix; CMAKE,
-# CMAKE_GENERATOR, READELF, CC, CFLAGS, CXX and CXXFLAGS, the tools and flags of
-# that build.
+# Environment: BUILD_TREE, SOURCE_TREE and BUILD_TYPE, the build to install; LIBDIR,
+# INCLUDEDIR, DATADIR and BINDIR, its folders below the prefix; CMAKE, CMAKE_GENERATOR,
+# READELF, CC, CFLAGS, CXX and CXXFLAGS, the tools and flags of that build.
 
 # shellcheck disable=SC2030,SC2031 # run sets output in the shell of each test
 bats_require_minimum_version 1.5.0
 
-# The limits, in seconds, of a program's run and of the daemon's start.
+# Time limits in seconds: of a program, and of the daemon's start.
 RUN_LIMIT=60
 START_LIMIT=30
 
@@ -22,7 +21,7 @@ setup_file() {
 
   export HEADERS="$PREFIX/$INCLUDEDIR/NetworkgRPC"
   export PKG_CONFIG_PATH="$PREFIX/$LIBDIR/pkgconfig"
-  # Libraries in folders of their own are found by their users' means.
+  # The library has no search path, so the programs need one.
   export LD_LIBRARY_PATH="$PREFIX/$LIBDIR"
 
   start_daemon
@@ -47,8 +46,8 @@ start_daemon() {
   export network_manager_url="127.0.0.1:$port" grpc_dapi_url="127.0.0.1:$port"
 }
 
-# build COMPILER FLAGS MODULE OUTPUT ARGUMENT...: compiles and links one program
-# with what pkg-config says of the module. COMPILER and FLAGS name variables.
+# build COMPILER FLAGS MODULE OUTPUT ARGUMENT...: compiles and links one program with
+# the flags of a pkg-config module. COMPILER and FLAGS are names of variables.
 build() {
   local compiler="${!1}" flags="${!2}" module="$3" output="$4"
   shift 4
@@ -56,12 +55,12 @@ build() {
   eval "\"$compiler\" $flags \"\$@\" -o \"\$output\" $(pkg-config --cflags --libs "$module")"
 }
 
-# passes PROGRAM ARGUMENT...: the program ends in time, with status 0.
+# passes PROGRAM ARGUMENT...: the program exits in time with status 0.
 passes() {
   timeout "$RUN_LIMIT" "$@"
 }
 
-# configure PROJECT ARGUMENT...: configures one of the CMake projects here.
+# configure PROJECT ARGUMENT...: configures a CMake project of this folder.
 configure() {
   local project="$1"
   shift
@@ -78,10 +77,10 @@ find_in_project() {
     -DCMAKE_PREFIX_PATH="$PREFIX" -DCMAKE_FIND_ROOT_PATH="$PREFIX"
 }
 
-# The output of the last `run`, however CMake broke its lines.
+# The output of the last `run` on one line, as CMake wraps its messages.
 words() { tr -s ' \n' ' ' <<<"$output"; }
 
-@test "everything is where it belongs" {
+@test "all files are installed in their folders" {
   cd "$PREFIX"
   for file in NetworkgRPC.h DantegRPC.h NetworkgRPC_c.h NetworkManagerClient.h DAPIClient.h \
     ostrevan/{common,networkmanager,grpcdapi}.pb.h ostrevan/{networkmanager,grpcdapi}.grpc.pb.h; do
@@ -95,8 +94,8 @@ words() { tr -s ' \n' ' ' <<<"$output"; }
   [[ "$(readlink -f "$LIBDIR/libNetworkgRPC.so.1")" == */libNetworkgRPC.so.1.*.* ]]
 }
 
-@test "nothing tells where it was built" {
-  # Debug builds keep their paths, for the debugger.
+@test "no installed file contains the path of the build" {
+  # A debug build contains them for the debugger.
   local searched=("$PREFIX")
   if [ "$BUILD_TYPE" = Debug ]; then
     searched=("$HEADERS" "$PREFIX/$LIBDIR/cmake" "$PREFIX/$LIBDIR/pkgconfig")
@@ -104,7 +103,7 @@ words() { tr -s ' \n' ' ' <<<"$output"; }
   run -1 grep -rlF -e "$BUILD_TREE" -e "$SOURCE_TREE" -e "$BATS_FILE_TMPDIR" "${searched[@]}"
 }
 
-@test "nothing tells users how to compile their own code" {
+@test "no compiler flags are exported" {
   run -1 grep -rnE -e '[ ";]-[WOgf]|NDEBUG|FORTIFY' \
     "$PREFIX/$LIBDIR/cmake" "$PREFIX/$LIBDIR/pkgconfig"
 }

@@ -1,9 +1,9 @@
 #!/usr/bin/env bats
-# The command-line tool as `cmake --install` put it down, moved elsewhere: it
-# runs, and shells, `man` and programs find what belongs to it.
+# The installed command-line tool, moved to another folder: it runs, and shells, `man`
+# and programs find its files.
 #
-# ctest gives: BUILD_TREE, the build to install; BINDIR, DATADIR and MANDIR, its
-# folders below the prefix; CMAKE; SOURCE_TREE.
+# Environment: BUILD_TREE, the build to install; BINDIR, DATADIR and MANDIR, its folders
+# below the prefix; CMAKE; SOURCE_TREE.
 
 # shellcheck disable=SC2154 # set by device.bash and by run
 
@@ -23,7 +23,7 @@ setup() {
   open_device_input
 }
 
-# Where shells look for what belongs to installed programs.
+# Runs a command with the installed data folder in the search path.
 with_data() { XDG_DATA_DIRS="$PREFIX/$DATADIR:/usr/share" HOME="$BATS_TEST_TMPDIR" "$@"; }
 
 @test "the installed tool changes a device of the installed simulator" {
@@ -32,7 +32,7 @@ with_data() { XDG_DATA_DIRS="$PREFIX/$DATADIR:/usr/share" HOME="$BATS_TEST_TMPDI
   [ "$(tool routing list --json | jq -r '.result.routing[0].device')" = "Stage box" ]
 }
 
-@test "the installed schemas allow what the installed tool prints" {
+@test "the output of the installed tool conforms to the installed schemas" {
   start_simulator
   for command in status export doctor; do tool "$command" --json; done >"$BATS_TEST_TMPDIR/printed"
   /usr/bin/python3 "$SOURCE_TREE/tests/tools/validate.py" "$PREFIX/$DATADIR/NetworkgRPC/schema" - \

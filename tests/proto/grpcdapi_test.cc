@@ -1,4 +1,4 @@
-// The Dante API schema, byte by byte.
+// The bytes of the messages of the Dante API daemon.
 #include <gtest/gtest.h>
 
 #include <limits>

@@ -1,4 +1,4 @@
-// The network-manager schema, byte by byte.
+// The bytes of the messages of the network-manager daemon.
 #include <gtest/gtest.h>
 
 #include "ostrevan/networkmanager.pb.h"

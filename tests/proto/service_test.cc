@@ -1,5 +1,5 @@
-// The exported server base classes: every method of both services is there, and
-// answers UNIMPLEMENTED until a daemon overrides it.
+// The exported server base classes have every method of both services. A method answers
+// UNIMPLEMENTED until a daemon overrides it.
 #include <grpcpp/create_channel.h>
 #include <grpcpp/generic/generic_stub.h>
 #include <grpcpp/security/server_credentials.h>
@@ -85,7 +85,7 @@ grpc::Status Call(const std::shared_ptr<grpc::Channel>& channel, const std::stri
   return result;
 }
 
-// The text that a method without any handler gets differs: it is not empty.
+// The message is empty; it is not if the service does not have the method.
 void ExpectUnimplemented(grpc::Service& service, const std::string& prefix,
                          const std::vector<std::string>& methods) {
   int port = 0;

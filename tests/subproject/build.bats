@@ -1,17 +1,17 @@
 #!/usr/bin/env bats
-# The library as a part of another project's build.
+# The library as part of another project's build.
 #
-# ctest gives: SOURCE_TREE; CMAKE, CMAKE_GENERATOR, CC and CXX, the tools of the build.
+# Environment: SOURCE_TREE; CMAKE, CMAKE_GENERATOR, CC and CXX, the tools of the build.
 
 bats_require_minimum_version 1.5.0
 
-# configure WAY: as somebody would who says nothing but where the library is.
+# configure WAY: configures the project with no options but the library's folder.
 configure() {
   "$CMAKE" -S "$BATS_TEST_DIRNAME/project" -B "$BATS_TEST_TMPDIR/build" \
     "-DLIBRARY_SOURCE_DIR=$SOURCE_TREE" "-DWAY=$1"
 }
 
-# The targets that the project found in the library's folders.
+# The targets in the library's folders, as the project lists them.
 targets() { sed -n 's/^-- targets: //p' <<<"$output"; }
 
 @test "by add_subdirectory nothing but the library is built" {
@@ -31,7 +31,7 @@ targets() { sed -n 's/^-- targets: //p' <<<"$output"; }
 @test "by FetchContent programs on the facades and on the clients are built and run" {
   configure FetchContent
   "$CMAKE" --build "$BATS_TEST_TMPDIR/build" --parallel 2
-  # A port that nobody can listen on.
+  # No daemon can listen on port 0.
   export network_manager_url=127.0.0.1:0
   "$BATS_TEST_TMPDIR/build/application"
   "$BATS_TEST_TMPDIR/build/client_application"

@@ -1,4 +1,4 @@
-/* A C program on the installed C functions. Asks the daemon of daemon.cc. */
+/* A C program that uses the installed C functions to call the daemon of daemon.cc. */
 #include <NetworkgRPC_c.h>
 #include <stdio.h>
 
@@ -6,7 +6,7 @@ static int failures = 0;
 
 static void expect(int holds, const char* what) {
   if (holds) return;
-  printf("not so: %s\n", what);
+  printf("failed: %s\n", what);
   ++failures;
 }
 
@@ -16,7 +16,7 @@ int main(void) {
   int mode = -1;
 
   expect(cGetCurrentSwitchMode(&mode) == 0 && mode == 2, "the switch mode in effect is 2");
-  expect(setampname(name, sizeof name - 1) == 0, "the daemon takes the host name amp7");
+  expect(setampname(name, sizeof name - 1) == 0, "the daemon accepts the host name amp7");
   expect(cGetControlInterface(info, 2) == -1, "the control interface is unresolved");
   return failures;
 }

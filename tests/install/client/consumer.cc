@@ -1,4 +1,4 @@
-// A C++ program on the installed clients and messages. Asks the daemon of
+// A C++ program that uses the installed clients and messages to call the daemon of
 // daemon.cc.
 #include <DAPIClient.h>
 #include <NetworkManagerClient.h>
@@ -11,11 +11,11 @@ int failures = 0;
 
 void Expect(bool holds, const char* what) {
   if (holds) return;
-  std::printf("not so: %s\n", what);
+  std::printf("failed: %s\n", what);
   ++failures;
 }
 
-// What the exported server base classes answer where a daemon has no handler.
+// The answer of the installed server base classes to a method without a handler.
 bool IsUnimplemented(const grpc::Status& status) {
   return status.error_code() == 12 && status.error_message().empty() &&
          status.error_details().empty();

@@ -1,6 +1,6 @@
-// Both daemons in one process, built on the installed server base classes. Has
-// three handlers and leaves the rest to the base classes. Prints its port, then
-// serves until it is sent SIGTERM.
+// Both daemons in one process, derived from the installed server base classes. Three
+// methods have handlers; the base classes answer all others. Prints its port, then
+// serves until SIGTERM.
 #include <grpcpp/security/server_credentials.h>
 #include <grpcpp/server.h>
 #include <grpcpp/server_builder.h>
@@ -40,11 +40,11 @@ class Dante final : public ostrevan::grpcdapi::DAPI::Service {
 }  // namespace
 
 int main() {
-  // Whatever becomes of the test, this process does not outlive it by long.
-  constexpr unsigned kLongestLifeSeconds = 600;
-  alarm(kLongestLifeSeconds);
+  // Ends this process even if the test crashes.
+  constexpr unsigned kLimitSeconds = 600;
+  alarm(kLimitSeconds);
 
-  // Blocked before gRPC starts its threads, so that they inherit it.
+  // Blocked before gRPC starts threads, so that they inherit the mask.
   sigset_t ending;
   sigemptyset(&ending);
   sigaddset(&ending, SIGTERM);

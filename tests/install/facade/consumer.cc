@@ -1,4 +1,4 @@
-// A C++ program on the installed facades. Asks the daemon of daemon.cc.
+// A C++ program that uses the installed facades to call the daemon of daemon.cc.
 #include <DantegRPC.h>
 #include <NetworkgRPC.h>
 
@@ -11,7 +11,7 @@ int failures = 0;
 
 void Expect(bool holds, const char* what) {
   if (holds) return;
-  std::printf("not so: %s\n", what);
+  std::printf("failed: %s\n", what);
   ++failures;
 }
 
@@ -25,8 +25,8 @@ int main() {
 
   Expect(NetworkgRPC::GetCurrentSwitchMode(mode) && mode.id == 2 && mode.name == "redundant",
          "the switch mode in effect is 2, redundant");
-  Expect(NetworkgRPC::SetHostname("amp7"), "the daemon takes the host name amp7");
-  Expect(!NetworkgRPC::SetHostname("amp8"), "the daemon refuses the host name amp8");
+  Expect(NetworkgRPC::SetHostname("amp7"), "the daemon accepts the host name amp7");
+  Expect(!NetworkgRPC::SetHostname("amp8"), "the daemon rejects the host name amp8");
   Expect(!NetworkgRPC::GetNTPServer(server) && server.empty(), "there is no NTP handler");
   Expect(DantegRPC::GetName(device) && device == "stage left", "the device is named stage left");
   Expect(!DantegRPC::GetSampleRate(rate) && rate == 7, "there is no sample rate handler");

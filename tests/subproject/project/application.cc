@@ -1,4 +1,4 @@
-// Succeeds when the library answers that there is no daemon.
+// Exits with 0 if a call fails without a daemon.
 #include <NetworkgRPC.h>
 
 #include <string>

@@ -1,4 +1,4 @@
-// The same through the client, whose instance it shares with the library.
+// The same with a client class.
 #include <NetworkManagerClient.h>
 
 int main() {
