@@ -11,8 +11,6 @@
 #include <array>
 #include <stdexcept>
 
-#include "tests/faults/hex.h"
-
 namespace faults {
 
 ReservedPort::ReservedPort() : descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -61,22 +59,26 @@ ChildDaemon::~ChildDaemon() {
 }
 
 void ChildDaemon::Serve() {
-  if (Ask("serve") != "ready\n") throw std::runtime_error("cannot start a daemon on " + address);
+  if (Ask("serve\n") != "ready\n") throw std::runtime_error("cannot start a daemon on " + address);
 }
 
 void ChildDaemon::Answer(const support::Request& request, const std::string& reply) {
-  Ask("answer " + request.path + " " + ToHex(request.bytes) + " " + ToHex(reply));
+  Script("answer", request, reply);
 }
 
-void ChildDaemon::Hang(const support::Request& request) {
-  Ask("hang " + request.path + " " + ToHex(request.bytes) + " " + ToHex(""));
+void ChildDaemon::Hang(const support::Request& request) { Script("hang", request, ""); }
+
+void ChildDaemon::Script(const std::string& command, const support::Request& request,
+                         const std::string& reply) {
+  Ask(command + ' ' + request.path + ' ' + std::to_string(request.bytes.size()) + ' ' +
+      std::to_string(reply.size()) + '\n' + request.bytes + reply);
 }
 
 bool ChildDaemon::WaitForRequests(std::size_t count) {
-  return Ask("wait " + std::to_string(count)) == "yes\n";
+  return Ask("wait " + std::to_string(count) + '\n') == "yes\n";
 }
 
-void ChildDaemon::ForgetRequests() { Ask("forget"); }
+void ChildDaemon::ForgetRequests() { Ask("forget\n"); }
 
 void ChildDaemon::Kill() {
   if (process <= 0) return;
@@ -93,7 +95,7 @@ void ChildDaemon::Freeze() {
 void ChildDaemon::Thaw() { kill(process, SIGCONT); }
 
 std::string ChildDaemon::Ask(const std::string& command) {
-  std::fputs((command + "\n").c_str(), commands);
+  std::fwrite(command.data(), 1, command.size(), commands);
   std::fflush(commands);
   std::array<char, 64> line{};
   return std::fgets(line.data(), line.size(), answers) != nullptr ? line.data() : "";

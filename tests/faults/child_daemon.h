@@ -55,6 +55,8 @@ class ChildDaemon {
   void Thaw();
 
  private:
+  void Script(const std::string& command, const support::Request& request,
+              const std::string& reply);
   std::string Ask(const std::string& command);
 
   std::string address;

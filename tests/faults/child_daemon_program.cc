@@ -1,7 +1,8 @@
 // The program that ChildDaemon runs: a scripted daemon for the address given as its
 // argument. It reads commands from standard input, answers each with one line, and ends
 // with the test that started it. The first command is "serve"; then:
-//   answer PATH REQUEST REPLY | hang PATH REQUEST x | wait COUNT | forget
+//   answer PATH REQUEST_SIZE REPLY_SIZE | hang PATH REQUEST_SIZE 0 | wait COUNT | forget
+// The bytes of the request and of the reply follow the line.
 #include <signal.h>
 #include <sys/prctl.h>
 
@@ -9,10 +10,15 @@
 #include <sstream>
 #include <string>
 
-#include "tests/faults/hex.h"
 #include "tests/support/scripted_daemon.h"
 
 namespace {
+
+std::string ReadBytes(std::size_t size) {
+  std::string bytes(size, '\0');
+  std::cin.read(bytes.data(), static_cast<std::streamsize>(size));
+  return bytes;
+}
 
 std::string Run(support::ScriptedDaemon& daemon, const std::string& line) {
   std::istringstream words(line);
@@ -28,12 +34,13 @@ std::string Run(support::ScriptedDaemon& daemon, const std::string& line) {
     return "ok";
   }
   std::string path;
-  std::string request;
-  std::string reply;
-  words >> path >> request >> reply;
-  support::Answer answer{faults::FromHex(reply)};
+  std::size_t request_size = 0;
+  std::size_t reply_size = 0;
+  words >> path >> request_size >> reply_size;
+  const std::string request = ReadBytes(request_size);
+  support::Answer answer{ReadBytes(reply_size)};
   answer.hangs = verb == "hang";
-  daemon.ScriptFor({path, faults::FromHex(request)}, answer);
+  daemon.ScriptFor({path, request}, answer);
   return "ok";
 }
 

@@ -54,12 +54,18 @@ MatrixRow MakeRow(const std::string& name, const ReplyCases& cases) {
   return {name, [=] { return RunInParallelProcesses({{name, work}}); }};
 }
 
-// Each call in turn gets each of these answers, which make it fail.
-ReplyCases EachCallFails(const std::vector<Answer>& answers) {
+// Each call in turn gets each of the answers that `answers` gives for it and that make it
+// fail.
+ReplyCases EachCallFails(const std::function<std::vector<Answer>(const Step&)>& answers,
+                         int protobuf_lines = 0) {
   return [=](const Function& function) {
     std::vector<ReplyCase> cases;
-    for (std::size_t k = 0; k < function.steps.size(); ++k)
-      for (const Answer& answer : answers) cases.push_back(CallFails(function, k, answer));
+    for (std::size_t k = 0; k < function.steps.size(); ++k) {
+      for (const Answer& answer : answers(function.steps[k])) {
+        cases.push_back(CallFails(function, k, answer));
+        cases.back().protobuf_lines = protobuf_lines;
+      }
+    }
     return cases;
   };
 }
@@ -74,7 +80,7 @@ ReplyCases EachCallSucceeds(const std::function<std::string(const std::string&)>
   };
 }
 
-std::vector<Answer> EveryStatus() {
+std::vector<Answer> EveryStatus(const Step&) {
   std::vector<Answer> answers;
   for (int code = 1; code <= 16; ++code)
     answers.push_back(support::Failure(static_cast<grpc::StatusCode>(code)));
@@ -100,26 +106,19 @@ std::vector<ReplyCase> AnyCallsFail(const Function& function) {
   return cases;
 }
 
-std::vector<ReplyCase> Refusals(const Function& function) {
-  std::vector<ReplyCase> cases;
-  for (std::size_t k = 0; k < function.steps.size(); ++k)
-    if (function.steps[k].confirms) cases.push_back(CallFails(function, k, {"\x08\x00"s}));
-  return cases;
-}
-
-std::string Truncated(const std::string& reply) {
-  return reply.empty() ? "\x0a"s : reply.substr(0, reply.size() - 1);
+std::vector<Answer> SuccessFalse(const Step& step) {
+  if (!step.confirms) return {};
+  return {{"\x08\x00"s}};
 }
 
 // The reply without its last byte, a string and a number cut off.
-std::vector<ReplyCase> Truncations(const Function& function) {
-  std::vector<ReplyCase> cases;
-  for (std::size_t k = 0; k < function.steps.size(); ++k) {
-    cases.push_back(CallFails(function, k, {Truncated(function.steps[k].reply)}));
-    cases.push_back(CallFails(function, k, {"\x0a\x05x"s}));
-    cases.push_back(CallFails(function, k, {"\x08"s}));
-  }
-  return cases;
+std::vector<Answer> Truncated(const Step& step) {
+  const std::string& reply = step.reply;
+  return {{reply.empty() ? "\x0a"s : reply.substr(0, reply.size() - 1)}, {"\x0a\x05x"s}, {"\x08"s}};
+}
+
+std::vector<Answer> ImpossibleWireTypes(const Step&) {
+  return {{"\x0e"s}, {"\x0f"s}, {"\x0c"s}, {"\x00"s}};
 }
 
 // All fields of the schema with wire type 5 (four bytes), which none of them has. The
@@ -147,6 +146,8 @@ std::string Padded(const std::string& reply, std::size_t size) {
   return padded.append(text, 'x');
 }
 
+std::vector<Answer> TooLarge(const Step&) { return {{Padded("", kLargestReply + 1)}}; }
+
 // A reply whose field, given by the field numbers that lead to it, is not UTF-8.
 std::string InvalidString(const std::vector<int>& field) {
   std::string bytes = "\xff";
@@ -157,7 +158,7 @@ std::string InvalidString(const std::vector<int>& field) {
 }
 
 // Invalid UTF-8 in each string field in turn.
-std::vector<ReplyCase> InvalidStrings(const Function& function) {
+std::vector<Answer> InvalidStrings(const Step& step) {
   static const std::map<std::string, std::vector<std::vector<int>>> fields = {
       {"GetAvailableInterfaces", {{1, 2}, {1, 3}}},
       {"GetNetworkConfig", {{1, 3}, {1, 4}, {1, 5}, {1, 6}, {1, 9, 2}}},
@@ -178,17 +179,11 @@ std::vector<ReplyCase> InvalidStrings(const Function& function) {
       {"GetRxChannels", {{1, 2}, {1, 3}}},
       {"GetRxChannelLink", {{2}, {3}, {4, 1}, {4, 9}}},
   };
-  std::vector<ReplyCase> cases;
-  for (std::size_t k = 0; k < function.steps.size(); ++k) {
-    const std::string& path = function.steps[k].path;
-    const auto found = fields.find(path.substr(path.rfind('/') + 1));
-    if (found == fields.end()) continue;
-    for (const std::vector<int>& field : found->second) {
-      cases.push_back(CallFails(function, k, {InvalidString(field)}));
-      cases.back().protobuf_lines = 1;
-    }
-  }
-  return cases;
+  std::vector<Answer> answers;
+  const auto found = fields.find(step.path.substr(step.path.rfind('/') + 1));
+  if (found != fields.end())
+    for (const std::vector<int>& field : found->second) answers.push_back({InvalidString(field)});
+  return answers;
 }
 
 }  // namespace
@@ -196,22 +191,22 @@ std::vector<ReplyCase> InvalidStrings(const Function& function) {
 std::vector<MatrixRow> ReplyFaults() {
   return {
       MakeRow("AnswersWell", EachCallSucceeds([](const std::string& reply) { return reply; })),
-      MakeRow("EveryStatusCode", EachCallFails(EveryStatus())),
+      MakeRow("EveryStatusCode", EachCallFails(EveryStatus)),
       MakeRow("AnyCallsFail", AnyCallsFail),
-      MakeRow("SuccessFalse", Refusals),
+      MakeRow("SuccessFalse", EachCallFails(SuccessFalse)),
       MakeRow("EmptyReply", [](const Function& function) { return EmptyReplies(function); }),
-      MakeRow("TruncatedReply", Truncations),
+      MakeRow("TruncatedReply", EachCallFails(Truncated)),
       MakeRow("OtherWireTypes",
               [](const Function& function) { return EmptyReplies(function, OtherWireTypes()); }),
-      MakeRow("ImpossibleWireTypes", EachCallFails({{"\x0e"s}, {"\x0f"s}, {"\x0c"s}, {"\x00"s}})),
-      MakeRow("InvalidUtf8", InvalidStrings),
+      MakeRow("ImpossibleWireTypes", EachCallFails(ImpossibleWireTypes)),
+      MakeRow("InvalidUtf8", EachCallFails(InvalidStrings, 1)),
       MakeRow("UnknownFields", EachCallSucceeds(UnknownFields)),
       MakeRow("UnlistedEnumNumbers", UnlistedEnumNumbers),
       MakeRow("TenThousandEntries", LongLists),
       MakeRow("LargestReply", EachCallSucceeds([](const std::string& reply) {
                 return Padded(reply, kLargestReply);
               })),
-      MakeRow("TooLargeReply", EachCallFails({{Padded("", kLargestReply + 1)}})),
+      MakeRow("TooLargeReply", EachCallFails(TooLarge)),
   };
 }
 
