@@ -256,7 +256,10 @@ TEST_P(Numbers, InterfaceIdThatNobodyHas_HasNoLabel) {
                                  std::to_string(GetParam()) + "\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(Arguments, Numbers, testing::Values(INT_MIN, INT_MAX, -2));
+INSTANTIATE_TEST_SUITE_P(
+    Arguments, Numbers, testing::Values(INT_MIN, INT_MAX, -2), [](const auto& test) {
+      return std::vector<std::string>{"Smallest", "Largest", "MinusTwo"}.at(test.index);
+    });
 
 TEST(LargestNumbers, ReachTheDaemonAndComeBackWhole) {
   Device device;

@@ -72,7 +72,8 @@ TEST_P(Proxy, IsSetButNotForLocalhost_Works) {
   EXPECT_EQ(AnsweredBy(), "the daemon's");
 }
 
-INSTANTIATE_TEST_SUITE_P(Limits, Proxy, testing::Values("http_proxy", "https_proxy", "grpc_proxy"));
+INSTANTIATE_TEST_SUITE_P(Limits, Proxy, testing::Values("http_proxy", "https_proxy", "grpc_proxy"),
+                         [](const auto& test) { return std::string(test.param); });
 
 TEST_F(Limits, ProxyIsSetInUpperCase_Works) {
   const RefusedPort nobody;
