@@ -1,4 +1,4 @@
-"""Tells where a device's control interface is and which switch mode is in effect."""
+"""Print the addresses of a device's control interface and the switch mode in effect."""
 
 from networkgrpc import network
 

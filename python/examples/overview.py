@@ -1,4 +1,4 @@
-"""Tells what a device is called, how fast it samples and what it receives."""
+"""Print a device's name, host name, sample rate and receive channels."""
 
 from networkgrpc import dante, network
 

@@ -1,4 +1,4 @@
-// The two short examples, as children, against a simulated device.
+// The two short examples as child processes, against a simulated device.
 #include <gmock/gmock.h>
 
 #include <cstdlib>
@@ -21,7 +21,7 @@ class Overview : public testing::Test {
   simulator::Simulator device{{0, 0, 4, 2}};
 };
 
-TEST_F(Overview, InCxx_TellsNamesRateAndInputs) {
+TEST_F(Overview, InCxx_PrintsNamesSampleRateAndChannels) {
   device.WithDevice([](simulator::Device& it) { it.dante.rx[1].name = "Bühne"; });
 
   const Finished finished = support::Run({NETWORKGRPC_OVERVIEW});
@@ -34,7 +34,7 @@ TEST_F(Overview, InCxx_TellsNamesRateAndInputs) {
   EXPECT_THAT(finished.err, IsEmpty());
 }
 
-TEST_F(Overview, InC_TellsControlInterfaceAndSwitchMode) {
+TEST_F(Overview, InC_PrintsControlInterfaceAndSwitchMode) {
   device.WithDevice([](simulator::Device& it) { it.network.live_switch_mode = 2; });
 
   const Finished finished = support::Run({NETWORKGRPC_OVERVIEW_C});
@@ -46,7 +46,7 @@ TEST_F(Overview, InC_TellsControlInterfaceAndSwitchMode) {
   EXPECT_THAT(finished.err, IsEmpty());
 }
 
-TEST_F(Overview, DaemonsAbsent_BothEndWithStatusOneAndPrintNoResult) {
+TEST_F(Overview, DaemonsUnreachable_BothExitWithOneAndPrintNothing) {
   device.Stop();
 
   for (const char* program : {NETWORKGRPC_OVERVIEW, NETWORKGRPC_OVERVIEW_C}) {
