@@ -200,73 +200,46 @@ def test_examples_tell_what_those_in_cxx_and_c_do(device, run):
     )
 
 
-# Texts that take fewer or more columns of a terminal than they have characters.
-WIDE = "e\u0301\u6f22"
-IN_USE = {
-    "network": {
-        "ntp": [],
-        "switch_mode": 1,
-        "interfaces": [{"name": "lan0"}, {"name": WIDE}, {"name": "lan1", "mode": "static", "ip": "10.0.0.4"}],
-    },
-    "dante": {
-        "aes67_available": False,
-        "transmit_disabled": True,
-        "tx_channels": [{"id": 1, "name": WIDE}, {"id": 2, "name": "\x1b[2J"}],
-        "routing": [
-            {"rx_channel": 1, "raw": {"ip": "239.69.0.1"}},
-            {"rx_channel": 2, "device": "Box", "channel": WIDE},
-        ],
-    },
-}
-
-
-@pytest.mark.parametrize("state", [{}, IN_USE], ids=["factory", "in use"])
-def test_demo_prints_and_does_what_that_in_cxx_does(start_device, run, tmp_path, state):
-    (tmp_path / "state.json").write_text(json.dumps({"schema": 1, **state}), encoding="utf-8")
+@pytest.mark.parametrize(
+    "options, status",
+    [
+        ([], 0),
+        (["--tx-channels", "0"], 1),
+        (["--fault", "SetHostname:refuse"], 1),
+        (["--fault", "SetLatency:delay=1,times=1", "--fault", "SetLatency:refuse"], 1),
+    ],
+    ids=["success", "no channel", "change rejected", "restoring rejected"],
+)
+def test_demo_prints_and_does_the_same_as_in_cxx(start_device, run, options, status):
     seen = []
     for program in ([os.environ["DEMO"]], [sys.executable, str(EXAMPLES / "demo.py")]):
-        device = start_device("--state", str(tmp_path / "state.json"))
-        printed = [run(*program, **device.environment) for _ in range(2)]
-        assert [p.returncode for p in printed] == [0, 0], printed
-        seen.append(([p.stdout for p in printed], device.ctl("state")))
-    assert "Changes\n" in seen[0][0][1]
+        device = start_device(*options)
+        demo = run(*program, **device.environment)
+        assert demo.returncode == status, demo.stderr
+        assert bool(demo.stderr) == bool(status)
+        seen.append((demo.stdout, device.ctl("state")))
     assert seen[0] == seen[1]
 
 
-@pytest.mark.parametrize(
-    "options, told, changes",
-    [
-        (
-            ["--fault", "SetRxChannelLink:refuse"],
-            r"networkgrpc\.dante\.set_tapping\(link=ChannelLink\(rx_channel_id=1, .*\) failed",
-            1,
-        ),
-        (["--tx-channels", "0"], "transmit channels: expected at least one, saw none", 0),
-    ],
-    ids=["refused", "nothing there"],
-)
-def test_demo_tells_what_failed_and_what_was_changed_before(
-    start_device, run, options, told, changes
-):
-    demo = run(sys.executable, str(EXAMPLES / "demo.py"), **start_device(*options).environment)
-    assert demo.returncode == 1
-    assert re.search(rf"^demo\.py: FAILED: {told}$", demo.stderr, re.M), demo.stderr
-    after = demo.stdout.partition("Changes\n")[2]
-    assert len(after.splitlines()) == (changes + 1 if changes else 0)
+def test_demo_change_rejected_reports_the_first_failed_call(start_device, run):
+    device = start_device("--fault", "SetHostname:refuse")
+    demo = run(sys.executable, str(EXAMPLES / "demo.py"), **device.environment)
+    message = "demo.py: networkgrpc.network.set_hostname(hostname='stage-left') failed"
+    assert demo.stderr.splitlines()[-1] == message
 
 
-def test_demo_tells_a_change_that_the_device_forgot(device, run):
+def test_demo_change_ignored_exits_with_one_and_reports_both_values(device, run):
     demo = run(
         sys.executable, "-c",
         "import runpy\n"
         "from networkgrpc import dante\n"
-        "dante.set_tx_channel_name = lambda channel: None\n"
+        "dante.set_latency = lambda latency: None\n"
         f"runpy.run_path({str(EXAMPLES / 'demo.py')!r}, run_name='__main__')\n",
         **device.environment,
     )
     assert (demo.returncode, demo.stderr) == (
         1,
-        "demo.py: FAILED: Name of transmit channel 1: expected 'Bühne links', saw '01'\n",
+        "demo.py: Latency: 2000 was set, but 1000 was read back\n",
     )
 
 
