@@ -40,7 +40,8 @@ record() {
   [ -z "$success" ] || recorded="$(<"$success")"$'\n\n$ '
   for command in "${commands[@]}"; do
     read -ra words <<<"$command"
-    text=$(paragraph "${words[@]}" "$@" | mask)
+    text=$(paragraph "${words[@]}" "$@" | mask && echo .) # the dot keeps blank lines at the end
+    text=${text%$'\n'.}
     [[ $recorded != *$'\n\n'"$text"$'\n\n$ '* ]] || text="${text%%$'\n'*}  # as in $success"
     printf '\n%s\n' "$text"
   done
@@ -81,7 +82,7 @@ start_device_with_unusual_names() {
 
 # The first one: the other recordings refer to it.
 @test "EveryCommand_DeviceAcceptsIt_PrintsAsRecorded" {
-  compare success "The device accepts every request." start_simulator
+  compare success "The device accepts every valid change." start_simulator
 }
 @test "EveryCommand_DeviceRejectsChanges_PrintsAsRecorded" {
   compare rejected "The device rejects every change." start_simulator --fault '*:refuse'
@@ -103,6 +104,7 @@ start_device_with_unusual_names() {
     run -1 --separate-stderr validate - <<<"$document"
     [[ $stderr == "-: line 1: $message"* ]] || { echo "$document: $stderr"; return 1; }
   done <<'DOCUMENTS'
+{} {}|not one JSON object
 {"schema":2,"command":"dns","result":{"dns":""}}|$.schema: 1 was expected
 {"schema":1,"command":"dns"}|$: 'error' is a required property
 {"schema":1,"command":"dns","error":{"code":7,"name":"failed","daemon":"","message":""}}|$.error.code: 7 is not one of

@@ -61,7 +61,10 @@ def main(folder, names):
         if not found:
             sys.exit(f"{name}: no object")
         for place, text, status in found:
-            one = json.loads(text)
+            try:
+                one = json.loads(text)
+            except ValueError as error:
+                sys.exit(f"{name}: {place}: not one JSON object: {error}")
             for error in validator.iter_errors(one):
                 sys.exit(f"{name}: {place}: {explain(error)}")
             code = one.get("error", {"code": 0})["code"]
