@@ -7,6 +7,8 @@
 #include <iostream>
 #include <optional>
 
+#include "terminal/printable.h"
+
 namespace terminal {
 namespace {
 
@@ -42,12 +44,12 @@ bool ReadsYes(const End& end) {
 bool HasPerson() { return isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1; }
 
 bool AnswersYes(const std::string& question) {
-  std::cerr << question << " [y/N] " << std::flush;
+  std::cerr << Printable(question) << " [y/N] " << std::flush;
   return ReadsYes(std::nullopt);
 }
 
 bool AnswersYesWithin(double seconds, const std::string& question) {
-  std::cerr << question << " [y/N, within " << seconds << " s] " << std::flush;
+  std::cerr << Printable(question) << " [y/N, within " << seconds << " s] " << std::flush;
   return ReadsYes(Clock::now() + std::chrono::milliseconds(static_cast<long long>(seconds * 1e3)));
 }
 
