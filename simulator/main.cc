@@ -103,13 +103,13 @@ void PrintResult(const std::string& command, const Json& result) {
 }
 
 int Ask(const ProgramOptions& options) {
-  for (const simulator::CtlRequest& wish : options.wishes) {
+  for (const simulator::CtlRequest& it : options.requests) {
     const Json request = {
-        {"command", wish.command}, {"device", wish.device}, {"argument", wish.argument}};
+        {"command", it.command}, {"device", it.device}, {"argument", it.argument}};
     const Json answer = Json::parse(simulator::AskControl(options.control, request.dump()));
     if (!answer.at("ok").get<bool>())
       throw std::runtime_error(answer.at("error").get<std::string>());
-    PrintResult(wish.command, answer.at("result"));
+    PrintResult(it.command, answer.at("result"));
   }
   return EXIT_SUCCESS;
 }
@@ -121,7 +121,7 @@ int main(int argc, char** argv) {
   const std::optional<ProgramOptions> options = simulator::ParseProgramOptions(argc, argv, status);
   if (!options.has_value()) return status;
   try {
-    return options->wishes.empty() ? Serve(*options) : Ask(*options);
+    return options->requests.empty() ? Serve(*options) : Ask(*options);
   } catch (const std::exception& error) {
     std::cerr << simulator::kProgramName << ": " << error.what() << '\n';
     return kFailed;

@@ -6,7 +6,9 @@
 #include <memory>
 #include <set>
 
-#include "simulator/help.h"
+#include "terminal/arguments.h"
+#include "terminal/help.h"
+#include "terminal/printable.h"
 
 namespace simulator {
 namespace {
@@ -17,62 +19,133 @@ constexpr int kMostChannels = 512;
 constexpr int kMostDevices = 64;
 constexpr const char* kAutomatic = "auto";
 
+// --- Help ----------------------------------------------------------------------
+
+std::string FaultsSection() {
+  using terminal::Entry;
+  return terminal::Section(
+      "Faults",
+      terminal::Wrapped(
+          "METHOD is a method, such as GetName or DAPI.GetName; DAPI.* and NetworkManager.* stand "
+          "for all methods of a daemon, * for all of both. FAULT is one of the words below, or "
+          "several separated by commas: one for what the call meets, and any of the last three. "
+          "If several faults match a method, the first one given applies.",
+          2) +
+          "\n" + Entry("status=CODE", "the call fails with this gRPC status") +
+          Entry("refuse", "the reply reports that the request was rejected") +
+          Entry("empty", "the reply has no bytes") +
+          Entry("malformed", "the reply cannot be parsed") +
+          Entry("oversize", "the reply exceeds the client's limit of 4 MiB") +
+          Entry("freeze", "no reply, until the fault is cleared") +
+          Entry("drop", "the connection is closed") +
+          Entry("stop", "the daemon is stopped; for DAPI.* and NetworkManager.*") +
+          Entry("none", "the call is answered as usual; for a delay") +
+          Entry("delay=MS", "all of this happens MS milliseconds later") +
+          Entry("times=N", "the fault applies to N calls; default: to all") +
+          Entry("message=TEXT", "message of a status; last, because it may contain commas"));
+}
+
+std::string ExitStatusSection() {
+  using terminal::Entry;
+  return terminal::Section(
+      "Exit status",
+      Entry("0", "ended by SIGTERM or SIGINT; with ctl: done") +
+          Entry("1",
+                "a port or file cannot be used or a state is invalid; with ctl: no simulator can "
+                "be reached, or it rejected the command") +
+          Entry("2", "the command line is wrong"));
+}
+
+std::string EnvironmentAndFilesSections() {
+  using terminal::Entry;
+  return terminal::Section(
+             "Environment",
+             Entry("XDG_RUNTIME_DIR", "the folder of the control socket 'auto'") +
+                 Entry("GRPC_VERBOSITY", "what gRPC prints on standard error; default NONE")) +
+         terminal::Section(
+             "Files",
+             Entry("$XDG_RUNTIME_DIR/networkgrpc-simulator/control", "the control socket 'auto'") +
+                 Entry("PREFIX/share/NetworkgRPC/simulator/state.json",
+                       "a state with every member, its meaning and default"));
+}
+
+std::string MoreHelp(const CLI::App& command, bool /*all*/) {
+  if (command.get_parent() != nullptr) return "";
+  return FaultsSection() + ExitStatusSection() + EnvironmentAndFilesSections() +
+         terminal::Examples({
+             "networkgrpc-simulator",
+             "networkgrpc-simulator --save hall.json",
+             "networkgrpc-simulator --state hall.json --save hall.json",
+             "networkgrpc-simulator --fault SetName:refuse,times=1",
+             "networkgrpc-simulator --fault 'DAPI.*:delay=250' --fault '*:drop,times=1'",
+             "networkgrpc-simulator --devices 3",
+             "networkgrpc-simulator --control auto",
+             "networkgrpc-simulator ctl fault 'GetName:status=INTERNAL,message=busy'",
+             "networkgrpc-simulator ctl calls",
+             "networkgrpc-simulator ctl stop DAPI",
+             "networkgrpc-simulator ctl start DAPI",
+             "networkgrpc-simulator ctl clear all",
+         });
+}
+
+// --- Options -------------------------------------------------------------------
+
 CLI::Option* AddNumber(CLI::App& app, const std::string& name, int& value, int largest,
                        const std::string& description) {
   return app
-      .add_option(name, value,
-                  description + ": 0 to " + std::to_string(largest) + ", " + std::to_string(value) +
-                      " by default")
-      ->check(CLI::Range(0, largest))
-      ->option_text("N");
+      .add_option(
+          name, value,
+          description + ", 0 to " + std::to_string(largest) + "; default " + std::to_string(value))
+      ->check(terminal::Integer(0, static_cast<std::uint64_t>(largest)))
+      ->type_name("N");
 }
 
-// Where --control auto leads to, empty when nowhere.
-std::string ControlPath(const std::string& asked) {
-  if (asked != kAutomatic) return asked;
+// Empty for no socket.
+std::string ControlPath(const std::string& given) {
+  if (given != kAutomatic) return given;
   const char* const folder = std::getenv("XDG_RUNTIME_DIR");
   if (folder == nullptr || *folder == '\0')
-    throw CLI::ValidationError("--control", "XDG_RUNTIME_DIR is not set, give a path");
+    throw CLI::ValidationError("--control", "XDG_RUNTIME_DIR is not set; give a path");
   return std::string(folder) + '/' + kProgramName + "/control";
+}
+
+// An option that can be repeated, each time with one value.
+void AddRepeatable(CLI::App& app, const std::string& name, std::vector<std::string>& values,
+                   const std::string& type, const std::string& description) {
+  app.add_option(name, values, description)
+      ->type_name(type)
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
 void DescribePorts(CLI::App& app, Options& options) {
   AddNumber(app, "--network-manager-port", options.network_manager_port, kLastPort,
-            "Port of the network-manager daemon, 0 being a free one");
+            "Port of the network-manager daemon, 0 for a free one");
   AddNumber(app, "--dapi-port", options.dapi_port, kLastPort,
-            "Port of the Dante API daemon, 0 being a free one");
+            "Port of the Dante API daemon, 0 for a free one");
   AddNumber(app, "--tx-channels", options.tx_channels, kMostChannels,
             "Number of transmit channels");
   AddNumber(app, "--rx-channels", options.rx_channels, kMostChannels, "Number of receive channels");
 }
 
 void DescribeState(CLI::App& app, ProgramOptions& options, std::vector<std::string>& faults) {
-  app.add_option("--state", options.states,
-                 "Begin with the state in this JSON file, in which comments are allowed; one for "
-                 "all devices, or again for each")
-      ->option_text("FILE")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  app.add_option("--save", options.saves,
-                 "Write the state to this file in the end; again for each device")
-      ->option_text("FILE")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  app.add_option("--fault", faults,
-                 "Do this instead of answering, on every device; again for each fault")
-      ->option_text("METHOD:FAULT")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  AddRepeatable(app, "--state", options.states, "FILE",
+                "Start with the state in this JSON file, which may contain comments; once for all "
+                "devices, or once for each");
+  AddRepeatable(app, "--save", options.saves, "FILE",
+                "Write the state to this file at exit; once for each device");
+  AddRepeatable(app, "--fault", faults, "METHOD:FAULT",
+                "Inject a fault on every device; can be repeated");
   app.add_option("--devices", options.devices,
-                 "Number of devices, each with ports, names, addresses and a ready line of its "
-                 "own: 1 to " +
-                     std::to_string(kMostDevices) + ", 1 by default")
-      ->check(CLI::Range(1, kMostDevices))
-      ->option_text("N");
+                 "Number of devices, each with its own ports, names, addresses and ready line, 1 "
+                 "to " +
+                     std::to_string(kMostDevices) + "; default 1")
+      ->check(terminal::Integer(1, kMostDevices))
+      ->type_name("N");
   app.add_option("--control", options.control,
-                 "Listen for ctl on this unix socket, which only its user can reach; auto is one "
-                 "in XDG_RUNTIME_DIR")
-      ->option_text("PATH");
+                 "Listen for ctl on this Unix socket, which only its owner can connect to; auto "
+                 "for one in XDG_RUNTIME_DIR")
+      ->type_name("PATH");
 }
 
 void CheckTogether(const ProgramOptions& options) {
@@ -80,67 +153,72 @@ void CheckTogether(const ProgramOptions& options) {
   const auto devices = static_cast<std::size_t>(options.devices);
   if (device.dapi_port != 0 && device.dapi_port == device.network_manager_port)
     throw CLI::ValidationError("--dapi-port",
-                               "The same port as --network-manager-port, choose another");
+                               "the same port as --network-manager-port; choose another");
   if (devices > 1 && (device.dapi_port != 0 || device.network_manager_port != 0))
-    throw CLI::ValidationError("--devices", "Several devices have free ports only");
+    throw CLI::ValidationError("--devices",
+                               "several devices listen on free ports only; leave out the ports");
   if (options.states.size() > 1 && options.states.size() != devices)
-    throw CLI::ValidationError("--state", "Give one for all devices, or one for each");
+    throw CLI::ValidationError("--state", "must be given once for all devices, or once for each");
   if (!options.saves.empty() && options.saves.size() != devices)
-    throw CLI::ValidationError("--save", "Give one for each device");
+    throw CLI::ValidationError("--save", "must be given once for each device");
   if (std::set<std::string>(options.saves.begin(), options.saves.end()).size() !=
       options.saves.size())
-    throw CLI::ValidationError("--save", "Two devices cannot be written to one file");
+    throw CLI::ValidationError("--save", "two devices cannot be saved to one file");
 }
 
-// Options in front of ctl would be for a simulator that starts.
-void CheckCtl(const CLI::App& app, const ProgramOptions& options) {
-  if (options.wishes.empty())
-    throw CLI::ValidationError("ctl", "A command is missing, such as ctl state");
+// Options before ctl would be those of a simulator to start.
+void CheckCtl(const CLI::App& app) {
   for (const CLI::Option* option : app.get_options())
     if (option->count() != 0)
       throw CLI::ValidationError(option->get_name(),
-                                 "Does not go with ctl, whose options stand behind it");
+                                 "cannot be combined with ctl, whose options follow it");
 }
 
 void AddCommand(CLI::App& ctl, ProgramOptions& options, const std::string& name,
                 const std::string& description) {
   ctl.add_subcommand(name, description)->fallthrough()->callback([&options, name] {
-    options.wishes.push_back({name, "", 1});
+    options.requests.push_back({name, "", 1});
   });
 }
 
-// A command that takes words; it is run for each.
+struct Argument {
+  const char* name;
+  const char* description;
+};
+
+// A command with one or more arguments; it is run for each.
 void AddCommand(CLI::App& ctl, ProgramOptions& options, const std::string& name,
-                const std::string& description, const std::string& argument) {
+                const std::string& description, const Argument& argument) {
   CLI::App* const command = ctl.add_subcommand(name, description)->fallthrough();
-  const auto words = std::make_shared<std::vector<std::string>>();
-  command->add_option(argument, *words)->option_text(" ")->required();
-  command->callback([&options, name, words] {
-    for (const std::string& word : *words) options.wishes.push_back({name, word, 1});
+  const auto values = std::make_shared<std::vector<std::string>>();
+  command->add_option(argument.name, *values, argument.description)->required();
+  command->callback([&options, name, values] {
+    for (const std::string& value : *values) options.requests.push_back({name, value, 1});
   });
 }
 
 void DescribeCtl(CLI::App& app, ProgramOptions& options, std::string& control, int& device) {
-  CLI::App* const ctl = app.add_subcommand("ctl", "Ask or change a simulator that runs");
-  // That there is one is checked in the end, when what stands instead is told.
-  ctl->require_subcommand(0, 1);
-  ctl->add_option("--control", control, "Its socket, as its --control says; auto by default")
-      ->option_text("PATH");
+  CLI::App* const ctl = app.add_subcommand("ctl", "Query or change a running simulator");
+  ctl->require_subcommand(1);
+  ctl->add_option("--control", control, "The simulator's control socket; default auto")
+      ->type_name("PATH");
   ctl->add_option("--device", device,
-                  "Which of its devices, in the order of the ready lines: 1 by default")
-      ->check(CLI::Range(1, kMostDevices))
-      ->option_text("N");
+                  "Number of the device, in the order of the ready lines; "
+                  "default 1")
+      ->check(terminal::Integer(1, kMostDevices))
+      ->type_name("N");
+  const Argument daemon = {"DAEMON", "DAPI or NetworkManager"};
   AddCommand(*ctl, options, "state", "Print the state as --save writes it");
   AddCommand(*ctl, options, "calls",
-             "Print the calls received with their requests, one JSON object a line");
+             "Print the calls received with their requests, one JSON object per line");
   AddCommand(*ctl, options, "forget", "Forget the calls received");
-  AddCommand(*ctl, options, "faults", "Print the faults, one a line");
-  AddCommand(*ctl, options, "fault", "Add faults, METHOD:FAULT each", "FAULT");
-  AddCommand(*ctl, options, "clear",
-             "Take back the faults told for exactly this METHOD; all takes back all", "METHOD");
-  AddCommand(*ctl, options, "stop", "Stop a daemon: DAPI or NetworkManager", "DAEMON");
-  AddCommand(*ctl, options, "start", "Start it again", "DAEMON");
-  AddCommand(*ctl, options, "drop", "Cut the connections to it", "DAEMON");
+  AddCommand(*ctl, options, "faults", "Print the faults, one per line");
+  AddCommand(*ctl, options, "fault", "Add faults", {"FAULT", "METHOD:FAULT, as for --fault"});
+  AddCommand(*ctl, options, "clear", "Clear faults",
+             {"METHOD", "The METHOD as given with the fault; all for all faults"});
+  AddCommand(*ctl, options, "stop", "Stop a daemon", daemon);
+  AddCommand(*ctl, options, "start", "Start a stopped daemon", daemon);
+  AddCommand(*ctl, options, "drop", "Close the connections to a daemon", daemon);
 }
 
 std::vector<Fault> ParseFaults(const std::vector<std::string>& texts) {
@@ -159,23 +237,23 @@ ProgramOptions Parse(CLI::App& app, int argc, char** argv) {
   std::vector<std::string> faults;
   std::string ctl_control = kAutomatic;
   int ctl_device = 1;
-  app.formatter(std::make_shared<Help>());
+  app.formatter(std::make_shared<terminal::Help>(MoreHelp));
   app.description(
-      "Simulates a device with its network-manager and Dante API daemons on loopback.\n"
-      "When both serve, one line on standard output tells where:\n"
+      "Simulate a device: both daemons, on loopback.\n"
+      "When both daemons listen, one line on standard output gives their endpoints:\n"
       "  ready network_manager_url=127.0.0.1:PORT grpc_dapi_url=127.0.0.1:PORT\n"
-      "It serves until SIGTERM or SIGINT. With ctl, it asks or changes one that runs.");
+      "The simulator runs until SIGTERM or SIGINT.");
   app.set_version_flag("--version", std::string(kProgramName) + " " + NETWORKGRPC_VERSION,
                        "Print the version and exit");
   DescribePorts(app, options.device);
   DescribeState(app, options, faults);
   DescribeCtl(app, options, ctl_control, ctl_device);
   app.parse(argc, argv);
-  app.got_subcommand("ctl") ? CheckCtl(app, options) : CheckTogether(options);
+  app.got_subcommand("ctl") ? CheckCtl(app) : CheckTogether(options);
   options.faults = ParseFaults(faults);
-  if (!options.wishes.empty()) options.control = ctl_control;
+  if (!options.requests.empty()) options.control = ctl_control;
   options.control = ControlPath(options.control);
-  for (CtlRequest& wish : options.wishes) wish.device = ctl_device;
+  for (CtlRequest& request : options.requests) request.device = ctl_device;
   return options;
 }
 
@@ -190,8 +268,8 @@ std::optional<ProgramOptions> ParseProgramOptions(int argc, char** argv, int& st
       status = app.exit(error);  // prints the help or the version
       return std::nullopt;
     }
-    std::cerr << kProgramName << ": " << error.what() << "; " << kProgramName
-              << " --help tells the options\n";
+    std::cerr << kProgramName << ": " << terminal::Printable(terminal::Explain(app, error))
+              << "; see '" << kProgramName << " --help'\n";
     status = kBadOptions;
     return std::nullopt;
   }

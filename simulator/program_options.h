@@ -11,7 +11,7 @@ namespace simulator {
 
 inline constexpr const char* kProgramName = "networkgrpc-simulator";
 
-/// A wish to a simulator that runs.
+/// A request to a running simulator.
 struct CtlRequest {
   std::string command;   // as in control.h
   std::string argument;  // empty when the command has none
@@ -24,12 +24,12 @@ struct ProgramOptions {
   std::vector<std::string> states;  // none, one for all, or one for each device
   std::vector<std::string> saves;   // none, or one for each device
   std::vector<Fault> faults;
-  std::string control;             // path of the socket, empty for none
-  std::vector<CtlRequest> wishes;  // not empty: for a simulator that runs
+  std::string control;               // path of the socket, empty for none
+  std::vector<CtlRequest> requests;  // if not empty, the command line is that of ctl
 };
 
-/// Empty when the program is to end with `status`: it has printed the help or the
-/// version, or what is wrong.
+/// Empty if the program has to exit with `status`: the help, the version or an
+/// error has been printed.
 std::optional<ProgramOptions> ParseProgramOptions(int argc, char** argv, int& status);
 
 }  // namespace simulator

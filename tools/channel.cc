@@ -1,8 +1,9 @@
 // networkgrpc channel: the module's transmit and receive channels.
 #include "DantegRPC.h"
+#include "terminal/printable.h"
+#include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/dante_settings.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -22,7 +23,7 @@ Json List() {
 }
 
 std::string ShowList(const Json& result) {
-  Table table({"DIRECTION", "ID", "NAME"});
+  terminal::Table table({"DIRECTION", "ID", "NAME"});
   for (const Json& channel : result["tx_channels"])
     table.Add({"transmit", channel["id"].dump(), channel["name"]});
   for (const Json& channel : result["rx_channels"])
@@ -66,15 +67,15 @@ void AddChannel(Tool& tool) {
                {"Counts the channels.", Count, ShowCount, {"networkgrpc channel count"}});
   const auto id = std::make_shared<int>(0);
   const auto name = std::make_shared<std::string>();
-  CLI::App& rename = tool.AddVerb(noun, "rename",
-                                  {"Renames a transmit channel.",
-                                   [id, name] { return Rename(*id, *name); },
-                                   [](const Json& result) {
-                                     return "transmit channel " + result["id"].dump() +
-                                            " is now '" +
-                                            Printable(result["name"].get<std::string>()) + "'\n";
-                                   },
-                                   {"networkgrpc channel rename 1 'Main left'"}});
+  CLI::App& rename =
+      tool.AddVerb(noun, "rename",
+                   {"Renames a transmit channel.",
+                    [id, name] { return Rename(*id, *name); },
+                    [](const Json& result) {
+                      return "transmit channel " + result["id"].dump() + " is now '" +
+                             terminal::Printable(result["name"].get<std::string>()) + "'\n";
+                    },
+                    {"networkgrpc channel rename 1 'Main left'"}});
   tool.Offer(rename.add_option("ID", *id, "The channel's id in 'channel list'")->required(),
              Candidates::kTxChannels);
   rename.add_option("NAME", *name, "The new name")->required();

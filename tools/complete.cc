@@ -7,7 +7,7 @@
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
-#include "tools/table.h"
+#include "terminal/printable.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -180,9 +180,9 @@ std::string Lines(const List& list, const Position& position) {
   std::string text;
   for (const Candidate& it : list)
     if ((it.text.empty() || it.text.compare(0, start.size(), start) == 0) &&
-        Printable(it.text) == it.text)
+        terminal::Printable(it.text) == it.text)
       text += (it.text.empty() ? "" : position.Prefix() + it.text) + "\t" +
-              Printable(it.description) + "\n";
+              terminal::Printable(it.description) + "\n";
   return text;
 }
 

@@ -1,8 +1,9 @@
 // networkgrpc dante: the settings of the Dante audio-network module.
 #include "DantegRPC.h"
+#include "terminal/printable.h"
+#include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/dante_settings.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -94,7 +95,7 @@ std::function<std::string(const Json&)> Number(const char* member) {
 }
 
 std::string ShowName(const Json& result) {
-  return Printable(result["name"].get<std::string>()) + "\n";
+  return terminal::Printable(result["name"].get<std::string>()) + "\n";
 }
 
 std::string ShowSampleRate(const Json& result) {
@@ -109,7 +110,7 @@ std::string ShowAes67(const Json& result) {
 }
 
 std::string ShowPairs(const Json& result) {
-  Table table;
+  terminal::Table table;
   for (const auto& [member, value] : result.items()) table.Add({member, value.get<std::string>()});
   return table.Text();
 }

@@ -11,8 +11,9 @@
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
+#include "terminal/printable.h"
+#include "terminal/table.h"
 #include "tools/call.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -231,7 +232,7 @@ Json Run(Tool& tool) {
 // --- Text ------------------------------------------------------------------------
 
 std::string ShowDaemons(const Json& daemons) {
-  Table table({"DAEMON", "ENDPOINT", "REACHABLE", "STATUS", "ROUND TRIP", "MESSAGE"});
+  terminal::Table table({"DAEMON", "ENDPOINT", "REACHABLE", "STATUS", "ROUND TRIP", "MESSAGE"});
   for (const Json& it : daemons) {
     std::string trip = "-";
     if (!it["round_trip_ms"].is_null()) {
@@ -246,27 +247,27 @@ std::string ShowDaemons(const Json& daemons) {
 }
 
 std::string ShowRoles(const Json& roles) {
-  Table table({"ROLE", "INTERFACE", "ID"});
+  terminal::Table table({"ROLE", "INTERFACE", "ID"});
   for (const Json& it : roles) table.Add({it["role"], it["interface"], it["id"].dump()});
   return table.Text();
 }
 
 std::string ShowEnvironment(const Json& environment) {
-  Table table({"VARIABLE", "VALUE"});
+  terminal::Table table({"VARIABLE", "VALUE"});
   for (const auto& [name, value] : environment.items())
     table.Add({name, value.is_null() ? "(not set)" : value.get<std::string>()});
   return table.Text();
 }
 
 std::string Show(const Json& result) {
-  Table versions({"VERSION", ""});
+  terminal::Table versions({"VERSION", ""});
   for (const auto& [name, value] : result["versions"].items()) versions.Add({name, value});
   std::string text = ShowDaemons(result["daemons"]) + "\n" + ShowRoles(result["roles"]) + "\n" +
                      versions.Text() + "\n" + ShowEnvironment(result["environment"]) + "\n";
   if (result["problems"].empty()) return text + "Nothing is wrong.\n";
   for (const Json& it : result["problems"])
-    text += Bold("Problem: ") + Printable(it["problem"].get<std::string>()) +
-            "\n  Do: " + Printable(it["advice"].get<std::string>()) + "\n";
+    text += terminal::Bold("Problem: ") + terminal::Printable(it["problem"].get<std::string>()) +
+            "\n  Do: " + terminal::Printable(it["advice"].get<std::string>()) + "\n";
   return text;
 }
 
@@ -274,7 +275,7 @@ std::string Show(const Json& result) {
 
 void AddDoctor(Tool& tool) {
   tool.AddVerb(tool.app, "doctor",
-               {"Tells what is wrong with the daemons and the environment, and what to do.",
+               {"Diagnose the daemons and the environment",
                 [&tool] { return Run(tool); },
                 Show,
                 {"networkgrpc doctor"}});

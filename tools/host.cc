@@ -4,8 +4,8 @@
 #include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
 #include "NetworkgRPC_c.h"
+#include "terminal/printable.h"
 #include "tools/call.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -15,8 +15,9 @@ constexpr auto kDaemon = Daemon::kNetworkManager;
 using Text = std::shared_ptr<std::string>;
 
 std::function<std::string(const Json&)> Member(const char* member) {
-  return
-      [member](const Json& result) { return Printable(result[member].get<std::string>()) + "\n"; };
+  return [member](const Json& result) {
+    return terminal::Printable(result[member].get<std::string>()) + "\n";
+  };
 }
 
 Json HostnameResult() { return {{"hostname", ReadHostname()}}; }
@@ -50,7 +51,8 @@ void AddHostname(Tool& tool) {
       {"Tells the host name.", HostnameResult, Member("hostname"), {"networkgrpc hostname get"}});
   const auto name = std::make_shared<std::string>();
   const auto show = [](const Json& result) {
-    return "host name is set to '" + Printable(result["hostname"].get<std::string>()) + "'\n";
+    return "host name is set to '" + terminal::Printable(result["hostname"].get<std::string>()) +
+           "'\n";
   };
   CLI::App& set = tool.AddVerb(noun, "set",
                                {"Sets the host name, exactly as given.",
@@ -78,15 +80,16 @@ void AddNtp(Tool& tool) {
                 {"networkgrpc ntp get"}});
   const auto server = std::make_shared<std::string>();
   const auto reload = std::make_shared<bool>(false);
-  CLI::App& set = tool.AddVerb(
-      noun, "set",
-      {"Stores the only NTP server.",
-       [server, reload] { return SetNtp(*server, *reload); },
-       [](const Json& result) {
-         return "NTP server is set to '" + Printable(result["server"].get<std::string>()) +
-                (result["reload"] ? "', stored and applied\n" : "', stored\n");
-       },
-       {"networkgrpc ntp set time.example --reload"}});
+  CLI::App& set =
+      tool.AddVerb(noun, "set",
+                   {"Stores the only NTP server.",
+                    [server, reload] { return SetNtp(*server, *reload); },
+                    [](const Json& result) {
+                      return "NTP server is set to '" +
+                             terminal::Printable(result["server"].get<std::string>()) +
+                             (result["reload"] ? "', stored and applied\n" : "', stored\n");
+                    },
+                    {"networkgrpc ntp set time.example --reload"}});
   set.add_option("SERVER", *server, "Its name or address")->required();
   set.add_flag("--reload", *reload, "Apply the stored NTP configuration at once");
 }
@@ -125,21 +128,21 @@ void AddHost(Tool& tool) {
   AddHostname(tool);
   AddNtp(tool);
   tool.AddVerb(tool.app, "dns",
-               {"Tells the first DNS server in use; an empty line when there is none.",
+               {"Show the first DNS server in use; an empty line if none",
                 [] {
                   return Json{{"dns", ReadDns()}};
                 },
                 Member("dns"),
                 {"networkgrpc dns"}});
   tool.AddVerb(tool.app, "gateway",
-               {"Tells the default gateway; an empty line when there is none.",
+               {"Show the default gateway; an empty line if none",
                 [] {
                   return Json{{"gateway", ReadGateway()}};
                 },
                 Member("gateway"),
                 {"networkgrpc gateway"}});
   CLI::App& reset = tool.AddVerb(tool.app, "factory-reset",
-                                 {"Resets the network settings to factory defaults; asks before.",
+                                 {"Reset the network settings to factory defaults",
                                   [&tool] { return Reset(tool); },
                                   [](const Json&) { return "network settings are reset\n"; },
                                   {"networkgrpc factory-reset --yes"}});

@@ -1,9 +1,10 @@
 // networkgrpc interface: which interfaces there are, and what is stored of them.
 #include "NetworkgRPC.h"
+#include "terminal/printable.h"
+#include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/interface_set.h"
 #include "tools/interfaces.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -34,7 +35,7 @@ Json OfRole(const Records& records, const std::vector<std::string>& roles) {
 }
 
 std::string ShowOfRole(const Json& result) {
-  Table table({"ROLE", "MODE", "ACTIVE", "IP", "NETMASK", "MAC"});
+  terminal::Table table({"ROLE", "MODE", "ACTIVE", "IP", "NETMASK", "MAC"});
   for (const Json& it : result["interfaces"])
     table.Add(
         {it["role"], it["mode"], it["active"] ? "yes" : "no", it["ip"], it["netmask"], it["mac"]});
@@ -102,7 +103,7 @@ Json Stored(const std::string& name) {
 }
 
 std::string ShowStored(const Json& result) {
-  Table table;
+  terminal::Table table;
   std::string dns;
   for (const std::string server : result["dns"]) dns += (dns.empty() ? "" : ", ") + server;
   table.Add({"name", result["name"]}).Add({"mode", NameText(result["mode"])});
@@ -117,8 +118,9 @@ Verb Named(const std::string& description, Json (*run)(const std::string&),
 }
 
 std::function<std::string(const Json&)> Member(const char* member) {
-  return
-      [member](const Json& result) { return Printable(result[member].get<std::string>()) + "\n"; };
+  return [member](const Json& result) {
+    return terminal::Printable(result[member].get<std::string>()) + "\n";
+  };
 }
 
 }  // namespace

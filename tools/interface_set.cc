@@ -1,17 +1,14 @@
 #include "tools/interface_set.h"
 
-#include <poll.h>
-#include <unistd.h>
-
-#include <chrono>
 #include <iostream>
 #include <optional>
 
 #include "NetworkgRPC.h"
+#include "terminal/printable.h"
+#include "terminal/prompt.h"
 #include "tools/call.h"
 #include "tools/guardian.h"
 #include "tools/interfaces.h"
-#include "tools/table.h"
 
 namespace tool {
 namespace {
@@ -69,30 +66,12 @@ void Store(const Arguments& arguments, const NetworkgRPC::InterfaceInfo& target)
   });
 }
 
-// Reads a line from standard input, for no longer than `seconds`. False at the
-// limit and at the end of the input.
-bool AnswersYes(double seconds) {
-  using Clock = std::chrono::steady_clock;
-  const auto end = Clock::now() + std::chrono::milliseconds(static_cast<long long>(seconds * 1e3));
-  std::string answer;
-  while (true) {
-    const auto left =
-        std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-    pollfd input{STDIN_FILENO, POLLIN, 0};
-    if (left <= 0 || poll(&input, 1, static_cast<int>(left)) <= 0) return false;
-    char character = '\0';
-    if (read(STDIN_FILENO, &character, 1) != 1) return false;
-    if (character == '\n') return answer == "y" || answer == "Y" || answer == "yes";
-    answer += character;
-  }
-}
-
 void ConfirmOrPutBack(Tool& tool, const Arguments& arguments, Guardian& guardian) {
   deadline::Stop();
   guardian.Restart(arguments.confirm_within);
-  std::cerr << "Keep the new configuration? [y/N, within " << arguments.confirm_within << " s] "
-            << std::flush;
-  if (AnswersYes(arguments.confirm_within) && guardian.Keep()) return;
+  if (terminal::AnswersYesWithin(arguments.confirm_within, "Keep the new configuration?") &&
+      guardian.Keep())
+    return;
   std::cerr << '\n';
   deadline::Start(tool.Limit());
   deadline::Asking(kDaemon);
@@ -131,7 +110,8 @@ std::string Show(const Json& result) {
   std::string text = result["name"].get<std::string>() + ": " + mode;
   if (mode == "static")
     text += " " + result["ip"].get<std::string>() + " " + result["netmask"].get<std::string>();
-  return Printable(text + (result["reload"] ? ", stored and applied" : ", stored")) + "\n";
+  return terminal::Printable(text + (result["reload"] ? ", stored and applied" : ", stored")) +
+         "\n";
 }
 
 void AddTarget(Tool& tool, CLI::App& verb, Arguments& arguments) {
@@ -153,14 +133,13 @@ void AddTarget(Tool& tool, CLI::App& verb, Arguments& arguments) {
 
 void AddInterfaceSet(Tool& tool, CLI::App& noun) {
   const auto arguments = std::make_shared<Arguments>();
-  CLI::App& verb = tool.AddVerb(
-      noun, "set",
-      {"Stores an interface's addresses; asks when the interface is in use.",
-       [&tool, arguments] { return Set(tool, *arguments); },
-       Show,
-       {"networkgrpc interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --yes",
-        "networkgrpc interface set --dante-primary --dynamic --reload --yes",
-        "echo y | networkgrpc interface set --control --dynamic --reload --confirm-within 5"}});
+  CLI::App& verb =
+      tool.AddVerb(noun, "set",
+                   {"Stores an interface's addresses; asks when the interface is in use.",
+                    [&tool, arguments] { return Set(tool, *arguments); },
+                    Show,
+                    {"networkgrpc interface set --control --ip 10.0.0.60 --netmask 255.0.0.0 --yes",
+                     "networkgrpc interface set --dante-primary --dynamic --reload --yes"}});
   AddTarget(tool, verb, *arguments);
   verb.add_flag("--dynamic", arguments->dynamic, "Let the network give the addresses");
   auto& info = arguments->info;

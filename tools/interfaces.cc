@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "terminal/table.h"
 #include "tools/call.h"
-#include "tools/table.h"
 
 namespace tool {
 namespace {
@@ -89,7 +89,7 @@ Json ToJson(const NetworkgRPC::InterfaceInfo& interface) {
 }
 
 std::string ShowInterfaces(const Json& interfaces) {
-  Table table({"ID", "NAME", "ROLE", "LABEL", "MODE", "ACTIVE", "IP", "NETMASK", "MAC"});
+  terminal::Table table({"ID", "NAME", "ROLE", "LABEL", "MODE", "ACTIVE", "IP", "NETMASK", "MAC"});
   for (const Json& it : interfaces)
     table.Add({it["id"].dump(), Text(it["name"]), Text(it["role"]), Text(it["label"]),
                Text(it["mode"]), it["active"] ? "yes" : "no", Text(it["ip"]), Text(it["netmask"]),

@@ -7,11 +7,9 @@
 #include <vector>
 
 #include "tools/guardian.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 int main(int argc, char** argv) {
-  tool::UseUtf8();
   // Not for people: the shells' completion, and the process that puts an
   // interface's configuration back.
   const std::string first = argc > 1 ? argv[1] : "";

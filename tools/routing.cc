@@ -2,10 +2,11 @@
 #include <algorithm>
 
 #include "DantegRPC.h"
+#include "terminal/printable.h"
+#include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/dante_settings.h"
 #include "tools/routing_json.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -32,10 +33,12 @@ Json List() {
 }
 
 std::string ShowList(const Json& result) {
-  Table table({"RX", "NAME", "DEVICE", "CHANNEL", "STREAM", "ENCODING", "SIP", "SESSION"});
+  terminal::Table table(
+      {"RX", "NAME", "DEVICE", "CHANNEL", "STREAM", "ENCODING", "SIP", "SESSION"});
   for (const Json& it : result["routing"]) {
     const Json& raw = it["raw"];
-    Table::Row row = {it["rx_channel"].dump(), it["rx_name"], it["device"], it["channel"]};
+    terminal::Table::Row row = {it["rx_channel"].dump(), it["rx_name"], it["device"],
+                                it["channel"]};
     if (!raw.is_null())
       row.insert(row.end(), {raw["ip"], NameText(raw["encoding"]), raw["sip"],
                              raw["session_id"].is_null() ? "" : raw["session_id"].dump()});
@@ -53,16 +56,16 @@ std::string ShowGrid(const Json& result) {
     if (!source.empty() && std::find(sources.begin(), sources.end(), source) == sources.end())
       sources.push_back(source);
   }
-  Table::Row headings = {"RX", "NAME"};
+  terminal::Table::Row headings = {"RX", "NAME"};
   for (std::size_t i = 0; i < sources.size(); ++i) headings.push_back(std::to_string(i + 1));
-  Table grid(headings);
+  terminal::Table grid(headings);
   for (const Json& it : result["routing"]) {
-    Table::Row row = {it["rx_channel"].dump(), it["rx_name"]};
+    terminal::Table::Row row = {it["rx_channel"].dump(), it["rx_name"]};
     for (const std::string& source : sources) row.push_back(source == SourceText(it) ? "x" : ".");
     grid.Add(row);
   }
   if (sources.empty()) return grid.Text();
-  Table legend({"", "SOURCE"});
+  terminal::Table legend({"", "SOURCE"});
   for (std::size_t i = 0; i < sources.size(); ++i) legend.Add({std::to_string(i + 1), sources[i]});
   return grid.Text() + "\n" + legend.Text();
 }
@@ -86,7 +89,7 @@ std::string ShowSubscription(const Json& result) {
   const std::string source = SourceText(result);
   const std::string channel = "receive channel " + result["rx_channel"].dump();
   return source.empty() ? channel + " takes nothing\n"
-                        : channel + " takes " + Printable(source) + "\n";
+                        : channel + " takes " + terminal::Printable(source) + "\n";
 }
 
 Json Set(const Link& link) {

@@ -48,12 +48,12 @@ void AddState(Tool& tool) {
                 ShowDocument,
                 {"networkgrpc export >state.json"}});
   const auto arguments = std::make_shared<DiffArguments>();
-  CLI::App& diff = tool.AddVerb(
-      tool.app, "diff",
-      {"Tells what a document would change on the device, or how two documents differ.",
-       [arguments] { return Diff(*arguments); },
-       ShowDiff,
-       {"networkgrpc export >state.json && networkgrpc diff state.json"}});
+  CLI::App& diff =
+      tool.AddVerb(tool.app, "diff",
+                   {"Show how a state document differs from the device",
+                    [arguments] { return Diff(*arguments); },
+                    ShowDiff,
+                    {"networkgrpc export >state.json && networkgrpc diff state.json"}});
   tool.Offer(
       diff.add_option("FILE", arguments->file, "The document; - is standard input")->required(),
       Candidates::kFiles);

@@ -1,7 +1,7 @@
 // What two state documents do not share.
+#include "terminal/printable.h"
 #include "tools/routing_json.h"
 #include "tools/state.h"
-#include "tools/table.h"
 
 namespace tool {
 namespace {
@@ -98,8 +98,8 @@ Json ToJson(const std::vector<Difference>& differences) {
 std::string ShowDifferences(const Json& differences) {
   std::string text;
   for (const Json& it : differences)
-    text += Printable(it["path"].get<std::string>() + ": " + ValueText(it["from"]) + " -> " +
-                      ValueText(it["to"])) +
+    text += terminal::Printable(it["path"].get<std::string>() + ": " + ValueText(it["from"]) +
+                                " -> " + ValueText(it["to"])) +
             "\n";
   return text;
 }

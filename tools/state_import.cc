@@ -4,10 +4,10 @@
 #include <optional>
 
 #include "NetworkManagerClient.h"
+#include "terminal/printable.h"
 #include "tools/call.h"
 #include "tools/state.h"
 #include "tools/state_plan.h"
-#include "tools/table.h"
 
 namespace tool {
 namespace {
@@ -37,7 +37,8 @@ std::string ShowReasons(const std::string& heading, const Json& list) {
   std::string text;
   for (const Json& it : list)
     text += "  " +
-            Printable(it["path"].get<std::string>() + ": " + it["reason"].get<std::string>()) +
+            terminal::Printable(it["path"].get<std::string>() + ": " +
+                                it["reason"].get<std::string>()) +
             "\n";
   return text.empty() ? "" : heading + "\n" + text;
 }
@@ -118,10 +119,11 @@ std::string Show(const Json& result) {
   if (result["differences"].empty()) return "the device is as the document says\n";
   std::string text;
   for (const Json& path : result["applied"])
-    text += "applied      " + Printable(path.get<std::string>()) + "\n";
+    text += "applied      " + terminal::Printable(path.get<std::string>()) + "\n";
   for (const Json& it : result["not_applied"])
     text += "not applied  " +
-            Printable(it["path"].get<std::string>() + ": " + it["reason"].get<std::string>()) +
+            terminal::Printable(it["path"].get<std::string>() + ": " +
+                                it["reason"].get<std::string>()) +
             "\n";
   for (const Json& it : result["remaining"])
     text += "not as said  " + ShowDifferences(Json::array({it}));
@@ -132,12 +134,12 @@ std::string Show(const Json& result) {
 
 void AddImport(Tool& tool) {
   const auto arguments = std::make_shared<Arguments>();
-  CLI::App& verb = tool.AddVerb(
-      tool.app, "import",
-      {"Gives the device the state of a document: shows the differences, asks, applies, verifies.",
-       [&tool, arguments] { return Run(tool, *arguments); },
-       Show,
-       {"networkgrpc export >state.json && networkgrpc import state.json --yes"}});
+  CLI::App& verb =
+      tool.AddVerb(tool.app, "import",
+                   {"Apply a state document to the device",
+                    [&tool, arguments] { return Run(tool, *arguments); },
+                    Show,
+                    {"networkgrpc export >state.json && networkgrpc import state.json --yes"}});
   tool.Offer(
       verb.add_option("FILE", arguments->file, "The document; - is standard input")->required(),
       Candidates::kFiles);

@@ -4,11 +4,11 @@
 
 #include "NetworkgRPC.h"
 #include "NetworkgRPC_c.h"
+#include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/dante_settings.h"
 #include "tools/host.h"
 #include "tools/interfaces.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -84,7 +84,7 @@ std::string OnOff(const Json& value) { return value ? "on" : "off"; }
 
 std::string ShowNetwork(const Json& network) {
   if (network.is_null()) return "not known\n";
-  Table table;
+  terminal::Table table;
   const Json& mode = network["switch_mode"];
   table.Add({"hostname", network["hostname"]});
   table.Add({"switch mode", mode["id"].dump() + " " + mode["name"].get<std::string>()});
@@ -94,7 +94,7 @@ std::string ShowNetwork(const Json& network) {
 
 std::string ShowDante(const Json& dante) {
   if (dante.is_null()) return "not known\n";
-  Table table;
+  terminal::Table table;
   table.Add({"name", dante["name"]});
   table.Add({"sample rate", dante["sample_rate"].dump()});
   table.Add({"latency", dante["latency"].dump()});
@@ -107,8 +107,8 @@ std::string ShowDante(const Json& dante) {
 }
 
 std::string Show(const Json& result) {
-  return Bold("Network") + "\n" + ShowNetwork(result["network"]) + "\n" + Bold("Dante") + "\n" +
-         ShowDante(result["dante"]);
+  return terminal::Bold("Network") + "\n" + ShowNetwork(result["network"]) + "\n" +
+         terminal::Bold("Dante") + "\n" + ShowDante(result["dante"]);
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 // networkgrpc switch: how the device's network ports are used.
 #include "NetworkgRPC.h"
+#include "terminal/printable.h"
+#include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/switch_mode.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -27,7 +28,7 @@ Mode Configured() {
 Json ToJson(const Mode& mode) { return {{"id", mode.id}, {"name", mode.name}}; }
 
 std::string ShowMode(const Json& mode) {
-  return mode["id"].dump() + " " + Printable(mode["name"].get<std::string>()) + "\n";
+  return mode["id"].dump() + " " + terminal::Printable(mode["name"].get<std::string>()) + "\n";
 }
 
 Json List() {
@@ -45,7 +46,7 @@ Json List() {
 }
 
 std::string ShowList(const Json& result) {
-  Table table({"ID", "NAME", "CONFIGURED", "CURRENT"});
+  terminal::Table table({"ID", "NAME", "CONFIGURED", "CURRENT"});
   for (const Json& mode : result["modes"])
     table.Add({mode["id"].dump(), mode["name"], mode["configured"] ? "yes" : "",
                mode["current"] ? "yes" : ""});

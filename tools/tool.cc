@@ -1,16 +1,15 @@
 #include "tools/tool.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <sstream>
 
+#include "terminal/arguments.h"
+#include "terminal/help.h"
+#include "terminal/prompt.h"
 #include "tools/envelope.h"
-#include "tools/help.h"
-#include "tools/table.h"
 
 namespace tool {
 namespace {
@@ -34,6 +33,32 @@ bool IsUtf8(const std::string& text) {
   } catch (const Json::type_error&) {
     return false;
   }
+}
+
+std::string ExitStatusSection() {
+  using terminal::Entry;
+  return terminal::Section("Exit status",
+                           Entry("0", "done") + Entry("1", "failed") +
+                               Entry("2", "the command line is wrong, or --yes is missing") +
+                               Entry("3", "the time limit passed") +
+                               Entry("4", "the daemon rejected the request") +
+                               Entry("8", "the daemon cannot be reached") +
+                               Entry("10", "no such interface, channel or mode"));
+}
+
+std::string EnvironmentSection() {
+  using terminal::Entry;
+  return terminal::Section(
+      "Environment",
+      Entry("network_manager_url",
+            "endpoint of the network-manager daemon; default localhost:50007") +
+          Entry("grpc_dapi_url", "endpoint of the Dante API daemon; default localhost:50008") +
+          Entry("dante_primary_interface_env",
+                "name of the Dante primary interface; default lan0") +
+          Entry("dante_secondary_interface_env",
+                "name of the Dante secondary interface; default lan2") +
+          Entry("control_interface_env", "name of the control interface; default lan1") +
+          Entry("NO_COLOR", "if set and not empty, print without colour"));
 }
 
 }  // namespace
@@ -62,20 +87,10 @@ Tool::Tool() : app("Reads and changes the settings of a networked amplifier.", k
   app.set_help_all_flag("--help-all", "Print the help of every verb and exit");
   app.set_version_flag("--version", std::string(kName) + " " + NETWORKGRPC_VERSION,
                        "Print the version and exit");
-  app.formatter(std::make_shared<Help>([this](const CLI::App& command) {
-    std::vector<std::string> examples;
-    const auto add = [&](const CLI::App* of) {
-      const auto found = verbs.find(of);
-      if (found == verbs.end()) return;
-      examples.insert(examples.end(), found->second.examples.begin(), found->second.examples.end());
-    };
-    add(&command);
-    if (command.get_parent() != nullptr)
-      for (const CLI::App* verb : command.get_subcommands(nullptr)) add(verb);
-    if (command.get_parent() == nullptr) examples = {"networkgrpc status", "networkgrpc doctor"};
-    return examples;
-  }));
+  app.formatter(std::make_shared<terminal::Help>(
+      [this](const CLI::App& command, bool all) { return MoreHelp(command, all); }));
   app.fallthrough();
+  app.require_subcommand(1, 0);
   AddGlobalOptions();
 }
 
@@ -87,6 +102,22 @@ void Tool::AddGlobalOptions() {
   app.add_option("--network-manager", network_manager, "Where the network-manager daemon is")
       ->type_name("URL");
   app.add_option("--dapi", dapi, "Where the Dante API daemon is")->type_name("URL");
+}
+
+std::string Tool::MoreHelp(const CLI::App& command, bool all) const {
+  if (&command == &app)
+    return ExitStatusSection() + EnvironmentSection() +
+           terminal::Examples({"networkgrpc status", "networkgrpc doctor"});
+  std::vector<std::string> examples;
+  const auto add = [&](const CLI::App* verb) {
+    const auto found = verbs.find(verb);
+    if (found == verbs.end()) return;
+    const auto& more = found->second.examples;
+    examples.insert(examples.end(), more.begin(), more.end());
+  };
+  add(&command);
+  for (const CLI::App* verb : command.get_subcommands(nullptr)) add(verb);
+  return (all ? ExitStatusSection() : "") + terminal::Examples(examples);
 }
 
 CLI::App& Tool::AddNoun(const std::string& name, const std::string& description,
@@ -109,15 +140,11 @@ void Tool::AddYes(CLI::App& verb) {
 
 void Tool::Confirm(const std::string& what, const std::string& question) {
   if (yes) return;
-  if (isatty(STDIN_FILENO) != 1 || isatty(STDERR_FILENO) != 1)
+  if (!terminal::HasPerson())
     throw Failure(ExitStatus::kUsage,
                   what + "; there is no terminal to ask at: give --yes to do it");
   deadline::Stop();  // a person may think
-  std::cerr << what << ". " << question << " [y/N] " << std::flush;
-  std::string answer;
-  std::cin.clear();  // a document may have been read to its end
-  std::getline(std::cin, answer);
-  if (answer != "y" && answer != "Y" && answer != "yes")
+  if (!terminal::AnswersYes(what + ". " + question))
     throw Failure(ExitStatus::kFailed, "nothing was changed");
   deadline::Start(Limit());
 }
@@ -194,7 +221,7 @@ int Tool::Main(int argc, char** argv) {
   } catch (const CLI::CallForVersion& version) {
     return Print(std::string(version.what()) + "\n", ExitStatus::kDone);
   } catch (const CLI::ParseError& error) {
-    return Usage(error.what(), as_json);
+    return Usage(terminal::Explain(app, error), as_json);
   }
   const Found found = Selected();
   if (found.verb == nullptr) return Usage("a command is required", as_json);

@@ -79,6 +79,7 @@ class Tool {
   struct Found;
 
   void AddGlobalOptions();
+  std::string MoreHelp(const CLI::App& command, bool all) const;
   void UseEndpoints() const;
   Found Selected() const;
   int Run(const Found& found);

@@ -12,7 +12,6 @@
 #include "tools/host.h"
 #include "tools/interfaces.h"
 #include "tools/state.h"
-#include "tools/table.h"
 #include "tools/tool.h"
 
 namespace tool {

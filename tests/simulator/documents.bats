@@ -66,7 +66,7 @@ $block" 3>&- <"/dev/fd/$device_input"
       fi
       served=$((served + 1))
     fi
-  done < <("$SIMULATOR" --help | sed -n '/^Examples:$/,$ s/^  //p')
+  done < <("$SIMULATOR" --help | sed -n '/^Examples:$/,$ s/^  \$ //p')
   [ "$asked" -gt 3 ]
   [ "$served" -gt 3 ]
 }

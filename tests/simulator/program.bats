@@ -119,7 +119,7 @@ state_of_connection_to() {
 @test "the automatic control socket needs XDG_RUNTIME_DIR, and both sides find it" {
   unset XDG_RUNTIME_DIR
   run -2 "$SIMULATOR" --control auto
-  [[ "$output" == *"XDG_RUNTIME_DIR is not set, give a path"* ]]
+  [[ "$output" == *"XDG_RUNTIME_DIR is not set; give a path"* ]]
   export XDG_RUNTIME_DIR="$BATS_TEST_TMPDIR"
   start --control auto
   [[ "$READY" == *" control=unix:$BATS_TEST_TMPDIR/networkgrpc-simulator/control" ]]

@@ -84,7 +84,7 @@ is_output() { [ "$("${@:2}")" = "$1" ]; }
 @test "Complete_LabelWithANewline_ReplacesControlCharacters" {
   start_simulator --tx-channels 2
   tool channel rename 1 $'two\nlines\tand a tab'
-  wait_until is_output $'1\ttwo?lines?and a tab\n2\t02' tool __complete channel rename ''
+  wait_until is_output $'1\ttwo\\nlines\\tand a tab\n2\t02' tool __complete channel rename ''
 }
 
 # type_into SHELL LINE...: types lines into a shell on a terminal, without user settings,

@@ -7,7 +7,7 @@
 load device.bash
 
 # examples_of ARGUMENT...: the examples that a help text shows.
-examples_of() { tool "$@" | sed -n '/^Examples:$/,$ s/^  //p'; }
+examples_of() { tool "$@" | sed -n '/^Examples:$/,$ s/^  \$ //p'; }
 
 with_tool() { PATH="$(dirname "$TOOL"):$PATH" "$@"; }
 
