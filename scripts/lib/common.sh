@@ -2,8 +2,12 @@
 # Shared by the scripts of this project. Sourced, not run.
 
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/../.."
-me=$(basename "$0")
+# Relative folders are not looked for elsewhere.
+unset CDPATH
+# Scripts can be called through symbolic links.
+script=$(readlink -f "$0")
+me=${script##*/}
+cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/../.."
 cores=$(nproc)
 
 # With a proxy in the environment, gRPC would use it for localhost, too.
@@ -15,14 +19,35 @@ fail() {
   exit 1
 }
 
-# A script's help is the comment at its top.
-show_help() {
-  sed -n '2,/^$/ s/^# \{0,1\}//p' "scripts/$me"
-}
 misused() {
   printf '%s: %s; see --help\n' "$me" "$*" >&2
   exit 2
 }
+# no_more_arguments ARGUMENT...: there must be none.
+no_more_arguments() { [ $# -eq 0 ] || misused "unknown argument '$1'"; }
+
+# check_ctest_arguments ARGUMENT...: ctest ignores what it does not know.
+check_ctest_arguments() {
+  while [ $# -gt 0 ]; do
+    case "$1" in
+      -R | -E | -L | -LE | -I | -j | --repeat | --timeout | --output-junit)
+        [ $# -ge 2 ] || misused "$1 requires a value"
+        shift 2
+        ;;
+      -V | -VV | -Q | -N | --progress | --output-on-failure | --stop-on-failure | --rerun-failed | --schedule-random)
+        shift
+        ;;
+      *) misused "unknown argument '$1'" ;;
+    esac
+  done
+}
+
+# A script's help is the comment at its top.
+for argument in "$@"; do
+  case "$argument" in
+    -h | --help) sed -n '2,/^$/ s/^# \{0,1\}//p' "$script" && exit ;;
+  esac
+done
 
 # listed GROUP...: the packages of these groups in scripts/packages.txt.
 listed() {
@@ -34,12 +59,13 @@ as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# configure FOLDER PRESET ARGUMENT...: prints nothing unless it fails.
+# configure FOLDER PRESET ARGUMENT...: prints nothing unless it fails. With an empty
+# PRESET, a folder keeps its settings.
 configure() {
   local folder="$1" preset="$2" log="$1/configure.log"
   shift 2
   mkdir -p "$folder"
-  cmake --preset "$preset" -B "$folder" "$@" >"$log" 2>&1 || {
+  cmake ${preset:+--preset "$preset"} -B "$folder" "$@" >"$log" 2>&1 || {
     cat "$log" >&2
     fail "cannot configure $folder"
   }

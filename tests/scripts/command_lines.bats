@@ -1,0 +1,102 @@
+#!/usr/bin/env bats
+# The command lines of the scripts: help, unknown arguments, and where they are called from.
+#
+# ctest gives: SOURCE_TREE.
+
+# shellcheck disable=SC2154 # run sets output and status
+bats_require_minimum_version 1.5.0
+
+# Every script, with arguments that it accepts.
+table() {
+  cat <<'SCRIPTS'
+packaging/check folder 1.0 arm64
+packaging/check-installed
+packaging/cross-build arm64 source
+scripts/abi check --record file
+scripts/bench --quick
+scripts/coverage --lines 90
+scripts/cross-test arm64 -R name
+scripts/demo --transcript
+scripts/faults --full
+scripts/format --check
+scripts/fuzz --runs 10
+scripts/lint shell
+scripts/mutate --from 2 pattern
+scripts/package --for arm64 build
+scripts/sanitize memcheck
+scripts/setup demo
+scripts/soak --threads 2
+scripts/test --werror -R name
+SCRIPTS
+}
+
+setup() {
+  cd "$SOURCE_TREE" || return
+  mkdir "$BATS_TEST_TMPDIR/programs"
+  PATH="$BATS_TEST_TMPDIR/programs:$PATH"
+  # A script that does not notice its mistake must neither install nor build.
+  local program
+  for program in apt-get cmake clang-format ctest dpkg-query mmdebstrap networkgrpc-simulator sudo; do
+    replace "$program" 'exit 99'
+  done
+}
+
+# replace PROGRAM CODE: the scripts run this instead of the program.
+replace() {
+  printf '#!/bin/sh\n%s\n' "$2" >"$BATS_TEST_TMPDIR/programs/$1"
+  chmod +x "$BATS_TEST_TMPDIR/programs/$1"
+}
+
+# each FUNCTION: calls it with every line of the table; names the one that fails.
+each() {
+  local words
+  while read -r -a words; do
+    "$1" "${words[@]}" || { echo "${words[*]}: status $status, $output"; return 1; }
+  done < <(table)
+}
+
+# prints_help SCRIPT COMMAND: the command prints the usage of that script.
+prints_help() {
+  run -0 "$2" --help && grep -q "^usage: $1\\b" <<<"$output" && [[ "${lines[0]}" != /* ]]
+}
+
+@test "Table_ComparedWithTheFolders_NamesEveryScript" {
+  find scripts packaging -maxdepth 1 -type f -perm -u+x | sort | diff - <(table | cut -d' ' -f1)
+}
+
+@test "Help_AnyScript_PrintsUsage" {
+  plain() { prints_help "$1" "$1"; }
+  each plain
+}
+
+@test "Help_CdpathNamesAnotherTree_PrintsUsage" {
+  mkdir -p "$BATS_TEST_TMPDIR/other/scripts/lib" "$BATS_TEST_TMPDIR/other/packaging"
+  with_cdpath() { CDPATH="$BATS_TEST_TMPDIR/other" prints_help "$1" "$1"; }
+  each with_cdpath
+}
+
+@test "Help_CalledThroughALink_PrintsUsage" {
+  cd "$BATS_TEST_TMPDIR"
+  through_link() {
+    ln -sf "$(realpath --relative-to . "$SOURCE_TREE/$1")" link && prints_help "$1" ./link
+  }
+  each through_link
+}
+
+@test "UnknownArgument_AnyScript_IsAUsageErrorThatNamesIt" {
+  named() {
+    run -2 timeout 20 "$@" surprise
+    [ "${#lines[@]}" -eq 1 ] && [[ "$output" == "${1##*/}: "*"'surprise'"* ]]
+  }
+  each named
+}
+
+@test "Faults_FolderIsConfiguredWithoutTests_EnablesThem" {
+  replace dpkg-query 'echo installed'
+  replace cmake "echo \"\$*\"; [ \"\$1\" != --build ]"
+  touch "$BATS_TEST_TMPDIR/CMakeCache.txt"
+  run -1 scripts/faults --folder "$BATS_TEST_TMPDIR"
+  # Its own build type and other settings stay.
+  [ "$(cat "$BATS_TEST_TMPDIR/configure.log")" = "-B $BATS_TEST_TMPDIR -DNETWORKGRPC_BUILD_TESTS=ON" ]
+  [[ "${lines[1]}" == "--build $BATS_TEST_TMPDIR "* ]]
+}
