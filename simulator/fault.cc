@@ -7,19 +7,13 @@
 #include <vector>
 
 #include "simulator/methods.h"
+#include "state_document/names.h"
 
 namespace simulator {
 namespace {
 
-constexpr std::array<const char*, 9> kKinds{"none",     "status", "refuse", "empty", "malformed",
-                                            "oversize", "freeze", "drop",   "stop"};
-
-// By number, as gRPC defines them.
-constexpr std::array<const char*, 17> kStatuses{
-    "OK",        "CANCELLED",      "UNKNOWN",           "INVALID_ARGUMENT",   "DEADLINE_EXCEEDED",
-    "NOT_FOUND", "ALREADY_EXISTS", "PERMISSION_DENIED", "RESOURCE_EXHAUSTED", "FAILED_PRECONDITION",
-    "ABORTED",   "OUT_OF_RANGE",   "UNIMPLEMENTED",     "INTERNAL",           "UNAVAILABLE",
-    "DATA_LOSS", "UNAUTHENTICATED"};
+constexpr auto& kKinds = state_document::kFaults;
+constexpr auto& kStatuses = state_document::kStatuses;
 
 constexpr std::array<Daemon, 2> kDaemons{Daemon::kNetworkManager, Daemon::kDapi};
 

@@ -1,11 +1,10 @@
-// JSON whose members keep the order in which they were written: a file that the
-// simulator saves is read by people and compared line by line.
+// JSON, as in state documents.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include "state_document/json.h"
 
 namespace simulator {
 
-using Json = nlohmann::ordered_json;
+using state_document::Json;
 
 }  // namespace simulator

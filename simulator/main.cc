@@ -18,6 +18,7 @@
 #include "simulator/factory.h"
 #include "simulator/json.h"
 #include "simulator/program_options.h"
+#include "terminal/printable.h"
 
 namespace {
 
@@ -123,7 +124,7 @@ int main(int argc, char** argv) {
   try {
     return options->requests.empty() ? Serve(*options) : Ask(*options);
   } catch (const std::exception& error) {
-    std::cerr << simulator::kProgramName << ": " << error.what() << '\n';
+    std::cerr << simulator::kProgramName << ": " << terminal::Printable(error.what()) << '\n';
     return kFailed;
   }
 }

@@ -28,7 +28,7 @@ enum class Addressing : std::int32_t {
 /// The numbers are the wire's.
 enum class LinkSpeed : std::int32_t { kNone = 0, k10Mbs = 1, k100Mbs = 2, k1000Mbs = 3 };
 
-/// An IPv4 address and what comes with it, as dotted texts. All empty: none.
+/// An IPv4 address and what comes with it, as dotted strings. All empty: none.
 struct Addresses {
   std::string ip;
   std::string netmask;
@@ -38,7 +38,7 @@ struct Addresses {
 
 struct InterfaceConfig {
   Addressing mode = Addressing::kDynamic;
-  Addresses addresses;  // in force when mode is kStatic
+  Addresses addresses;  // in effect when mode is kStatic
   bool flag7 = false;
   bool flag8 = false;
 };

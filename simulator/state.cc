@@ -6,17 +6,42 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <iterator>
+#include <limits>
+#include <set>
 #include <stdexcept>
 
-#include "simulator/dante_rules.h"
 #include "simulator/state_members.h"
+#include "state_document/document.h"
 
 namespace simulator {
 namespace {
 
-[[noreturn]] void Throw(const std::string& what, const std::string& file) {
-  throw std::runtime_error("cannot " + what + ' ' + file + ": " + std::strerror(errno));
+using state_document::Document;
+
+[[noreturn]] void ThrowUnwritable(const std::string& file) {
+  throw std::runtime_error("cannot write " + file + ": " + std::strerror(errno));
+}
+
+// The document knows the words for a fault, but not the methods.
+void CheckFaults(const Document& document, const std::vector<Fault>& faults) {
+  for (std::size_t i = 0; i < faults.size(); ++i) {
+    try {
+      Check(faults[i]);
+    } catch (const BadFault& bad) {
+      document.Reject("faults", i, bad.what());
+    }
+  }
+}
+
+State FromDocument(const Document& document, const State& defaults) {
+  State state = defaults;
+  Reader reader(document.Root());
+  Members(reader, state);
+  if (reader.Has("faults")) CheckFaults(document, state.faults);
+  const std::string hostname = defaults.device.factory_network.hostname;
+  state.device.factory_network = FactoryReset(state.device.network);
+  state.device.factory_network.hostname = hostname;
+  return state;
 }
 
 // What becomes the file once it is complete.
@@ -24,14 +49,24 @@ std::string Fresh(const std::string& file) { return file + ".new"; }
 
 }  // namespace
 
-void NumberInterfaces(std::vector<Interface>& interfaces) {
-  std::int32_t next = 1;
-  for (const Interface& interface : interfaces) next = std::max(next, interface.id + 1);
-  for (Interface& interface : interfaces)
-    if (interface.id == kNoInterface) {
-      interface.id = next++;
-      if (interface.id < 10) interface.mac.back() = static_cast<char>('0' + interface.id);
-    }
+void NumberInterfaces(const Json& entries, std::vector<Interface>& interfaces) {
+  constexpr std::int32_t kLast = std::numeric_limits<std::int32_t>::max();
+  std::set<std::int32_t> taken{0};
+  for (const Json& entry : entries)
+    if (entry.contains("id")) taken.insert(entry["id"].get<std::int32_t>());
+  for (std::size_t i = 0; i < interfaces.size(); ++i)
+    if (!entries[i].contains("id") && !taken.insert(interfaces[i].id).second)
+      interfaces[i].id = kNoInterface;
+  std::int32_t next = *taken.rbegin();
+  for (std::size_t i = 0; i < interfaces.size(); ++i) {
+    Interface& interface = interfaces[i];
+    if (interface.id != kNoInterface) continue;
+    do next = next < kLast ? next + 1 : 1;
+    while (!taken.insert(next).second);
+    interface.id = next;
+    if (next < 10 && !entries[i].contains("mac"))
+      interface.mac.back() = static_cast<char>('0' + next);
+  }
 }
 
 std::vector<Route> Routes(const Dante& dante) {
@@ -43,66 +78,35 @@ std::vector<Route> Routes(const Dante& dante) {
   return routes;
 }
 
-void SetRoutes(const Reader& reader, const std::vector<Route>& routes, Dante& dante) {
-  RefuseTwins(reader, "routing", routes, &Route::rx_channel);
-  // A device that is not a simulated one has as many channels as it routes.
-  if (!reader.Has("rx_channels")) {
-    dante.rx.clear();
-    for (const Route& route : routes) dante.rx.push_back(FactoryChannel(route.rx_channel));
-  }
+void SetRoutes(const std::vector<Route>& routes, Dante& dante) {
   dante.links.clear();
-  for (std::size_t i = 0; i < routes.size(); ++i) {
-    const std::string entry = EntryPath("routing", i);
-    if (!HasRxChannel(dante, routes[i].rx_channel))
-      reader.Refuse(entry, "is for a receive channel that there is not");
-    const Link& link = routes[i].link;
-    // A real device may know encodings that this one refuses to be set to.
-    if (link.raw.has_value() && !link.raw->ip.empty())
-      dante.links[routes[i].rx_channel] = link;
-    else if (!SetLink(dante, routes[i].rx_channel, link))
-      reader.Refuse(entry, "needs both device and channel, or a raw stream with an ip");
-  }
+  for (const Route& route : routes)
+    if (route.link.raw.has_value() || !route.link.device_name.empty())
+      dante.links[route.rx_channel] = route.link;
 }
 
 State ReadState(const std::string& text, const std::string& name, const State& defaults) {
-  const Document document(text, name);
-  State state = defaults;
-  Reader reader(document, document.Root(), "");
-  Members(reader, state);
-  reader.RefuseUnknownMembers();
-  const std::string hostname = defaults.device.factory_network.hostname;
-  state.device.factory_network = FactoryReset(state.device.network);
-  state.device.factory_network.hostname = hostname;
-  return state;
+  return FromDocument(Document(text, name), defaults);
+}
+
+State LoadState(const std::string& file, const State& defaults) {
+  return FromDocument(state_document::ReadFile(file), defaults);
 }
 
 std::string WriteState(State state) {
   Writer writer;
   Members(writer, state);
-  // A test may have put bytes into the model that are no UTF-8.
-  return writer.Take().dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
-}
-
-State LoadState(const std::string& file, const State& defaults) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) Throw("read", file);
-  std::string text;
-  try {
-    text.assign(std::istreambuf_iterator<char>(stream), {});
-  } catch (const std::ios_base::failure&) {  // from the buffer: the stream throws nothing
-    Throw("read", file);
-  }
-  return ReadState(text, file, defaults);
+  return state_document::ToText(writer.Take());
 }
 
 void CheckSavable(const std::string& file) {
   struct stat found {};
   if (stat(file.c_str(), &found) == 0 && S_ISDIR(found.st_mode)) {
     errno = EISDIR;
-    Throw("write", file);
+    ThrowUnwritable(file);
   }
   const std::string fresh = Fresh(file);
-  if (!std::ofstream(fresh, std::ios::binary | std::ios::trunc)) Throw("write", file);
+  if (!std::ofstream(fresh, std::ios::binary | std::ios::trunc)) ThrowUnwritable(file);
   std::remove(fresh.c_str());
 }
 
@@ -115,7 +119,7 @@ void SaveState(const std::string& file, const State& state) {
     const int error = errno;
     std::remove(fresh.c_str());
     errno = error;
-    Throw("write", file);
+    ThrowUnwritable(file);
   }
 }
 

@@ -1,31 +1,33 @@
-// The whole of a simulated device as one JSON document, which `networkgrpc
-// export` and `networkgrpc import` share (docs/simulator.md describes it).
+// The whole state of a simulated device as one JSON document: see
+// state_document/table.h, and docs/simulator.md for users.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "simulator/bad_document.h"
 #include "simulator/fault.h"
 #include "simulator/model.h"
+#include "state_document/bad_document.h"
 
 namespace simulator {
+
+using state_document::BadDocument;
 
 struct State {
   Device device;
   std::vector<Fault> faults;
 };
 
-/// The state that `text` describes; a member that it lacks is that of
-/// `defaults`. Throws BadDocument, in whose message `name` stands for the text.
+/// The state that `text` describes; what it lacks is taken from `defaults`.
+/// Throws BadDocument, whose message has `name` for the file.
 State ReadState(const std::string& text, const std::string& name, const State& defaults);
 
-/// The document, every member of it, with a newline at its end. Reading it gives
+/// The document with every member, and a line feed at its end. Reading it returns
 /// the same state.
 std::string WriteState(State state);
 
-/// As ReadState and WriteState do, from and to a file, which is replaced as a
-/// whole or not at all. Throw std::runtime_error when that cannot be done.
+/// The same from and to a file, which is replaced as a whole or not at all. Throw
+/// std::runtime_error if the file cannot be read or written.
 State LoadState(const std::string& file, const State& defaults);
 void SaveState(const std::string& file, const State& state);
 

@@ -1,8 +1,7 @@
-// What stands where in the state document; see archive.h.
+// Which member of the state document is which of the model; see archive.h. The
+// order is that of state_document/table.cc, so that a saved document has it.
 #pragma once
 
-#include <algorithm>
-#include <string>
 #include <vector>
 
 #include "simulator/archive.h"
@@ -11,23 +10,6 @@
 #include "simulator/state.h"
 
 namespace simulator {
-
-inline constexpr std::array<const char*, 4> kModeNames{"dynamic", "static", "dhcp-only",
-                                                       "link-local-only"};
-inline constexpr std::array<const char*, 4> kSpeedNames{"none", "10", "100", "1000"};
-inline constexpr std::array<const char*, 4> kClockNames{"none", "passive", "undisciplined",
-                                                        "disciplined"};
-inline constexpr std::array<const char*, 2> kEncodingNames{"L24", "L16"};
-
-/// Refuses a list of which two entries have the same key.
-template <class Entry, class Key>
-void RefuseTwins(const Reader& it, const std::string& name, const std::vector<Entry>& list,
-                 Key Entry::*key) {
-  for (std::size_t i = 0; i < list.size(); ++i)
-    for (std::size_t j = 0; j < i; ++j)
-      if (list[i].*key == list[j].*key)
-        it.Refuse(EntryPath(name, i), "is the same as " + EntryPath(name, j));
-}
 
 // --- Host networking -----------------------------------------------------------
 
@@ -42,21 +24,18 @@ void Members(Archive& it, Addresses& addresses) {
 template <class Archive>
 void Members(Archive& it, Interface& interface) {
   it("name", interface.name);
-  it.WhenReading([&](const Reader& reader) {
-    reader.Require("name");
-    interface = FactoryInterface(interface.name);
-  });
-  it("mode", Named(interface.stored.mode, kModeNames));
+  it.WhenReading([&](const Reader&) { interface = FactoryInterface(interface.name); });
+  it("mode", Named(interface.stored.mode, state_document::kAddressingModes));
   Members(it, interface.stored.addresses);
   it("id", interface.id);
   it("mac", interface.mac);
-  it("speed", Named(interface.speed, kSpeedNames));
+  it("speed", Named(interface.speed, state_document::kLinkSpeeds));
   it("lease", interface.lease);
   it("link_local", interface.link_local);
   it("flag6", interface.flag6);
   it("flag7", interface.stored.flag7);
   it("flag8", interface.stored.flag8);
-  // What is in use follows from the rest, unless the document tells it.
+  // What is in use follows from the rest, unless the document says it.
   it.WhenReading([&](const Reader&) { interface.live = AddressesInUse(interface); });
   it("live", interface.live);
 }
@@ -67,8 +46,9 @@ void Members(Archive& it, SwitchMode& mode) {
   it("name", mode.name);
 }
 
-/// Gives every interface that has none the next free id.
-void NumberInterfaces(std::vector<Interface>& interfaces);
+/// Gives an id to every interface whose entry of the document has none: that of
+/// the factory's interface if it is free, else the next free one.
+void NumberInterfaces(const Json& entries, std::vector<Interface>& interfaces);
 
 template <class Archive>
 void Members(Archive& it, Network& network) {
@@ -78,10 +58,7 @@ void Members(Archive& it, Network& network) {
   it("interfaces", network.interfaces);
   it("switch_modes", network.switch_modes);
   it.WhenReading([&](const Reader& reader) {
-    NumberInterfaces(network.interfaces);
-    RefuseTwins(reader, "interfaces", network.interfaces, &Interface::name);
-    RefuseTwins(reader, "interfaces", network.interfaces, &Interface::id);
-    RefuseTwins(reader, "switch_modes", network.switch_modes, &SwitchMode::id);
+    if (reader.Has("interfaces")) NumberInterfaces(reader.Get("interfaces"), network.interfaces);
     network.live_switch_mode = network.stored_switch_mode;
     network.live_ntp = network.stored_ntp;
   });
@@ -94,10 +71,7 @@ void Members(Archive& it, Network& network) {
 template <class Archive>
 void Members(Archive& it, Channel& channel) {
   it("id", channel.id);
-  it.WhenReading([&](const Reader& reader) {
-    reader.Require("id");
-    channel = FactoryChannel(channel.id);
-  });
+  it.WhenReading([&](const Reader&) { channel = FactoryChannel(channel.id); });
   it("name", channel.name);
   it("default_name", channel.default_name);
 }
@@ -110,7 +84,7 @@ void Members(Archive& it, RawStream& raw) {
   it("value4", raw.values[2]);
   it("value5", raw.values[3]);
   it("value6", raw.values[4]);
-  it("encoding", Named(raw.encoding, kEncodingNames));
+  it("encoding", Named(raw.encoding, state_document::kEncodings));
   it("sip", raw.sip);
   it("session_id", raw.session_id);
 }
@@ -124,7 +98,6 @@ struct Route {
 template <class Archive>
 void Members(Archive& it, Route& route) {
   it("rx_channel", route.rx_channel);
-  it.WhenReading([](const Reader& reader) { reader.Require("rx_channel"); });
   it("device", route.link.device_name);
   it("channel", route.link.channel_name);
   it("raw", route.link.raw);
@@ -134,15 +107,15 @@ void Members(Archive& it, Route& route) {
 /// One for each receive channel.
 std::vector<Route> Routes(const Dante& dante);
 
-/// Subscribes the channels accordingly; refuses one that there is not.
-void SetRoutes(const Reader& reader, const std::vector<Route>& routes, Dante& dante);
+/// Subscribes the channels accordingly.
+void SetRoutes(const std::vector<Route>& routes, Dante& dante);
 
 template <class Archive>
 void Members(Archive& it, Ptp& ptp) {
   it("config_value1", ptp.config_value1);
   it("config_value2", ptp.config_value2);
   it("status_value1", ptp.status_value1);
-  it("clock", Named(ptp.clock, kClockNames));
+  it("clock", Named(ptp.clock, state_document::kClocks));
 }
 
 template <class Archive>
@@ -167,9 +140,13 @@ void Members(Archive& it, Dante& dante) {
   it("aes67_available", dante.aes67_available);
   it("ptp", dante.ptp);
   it.WhenReading([&](const Reader& reader) {
-    RefuseTwins(reader, "tx_channels", dante.tx, &Channel::id);
-    RefuseTwins(reader, "rx_channels", dante.rx, &Channel::id);
-    if (reader.Has("routing")) SetRoutes(reader, routes, dante);
+    if (!reader.Has("routing")) return;
+    // A device that is not a simulated one has as many channels as it routes.
+    if (!reader.Has("rx_channels")) {
+      dante.rx.clear();
+      for (const Route& route : routes) dante.rx.push_back(FactoryChannel(route.rx_channel));
+    }
+    SetRoutes(routes, dante);
   });
 }
 
@@ -177,23 +154,12 @@ void Members(Archive& it, Dante& dante) {
 
 template <class Archive>
 void Members(Archive& it, Fault& fault) {
-  std::string kind = Name(fault.kind);
-  std::string status = StatusName(fault.status);
   it("method", fault.method);
-  it("fault", kind);
-  it("status", status);
+  it("fault", Named(fault.kind, state_document::kFaults));
+  it("status", Named(fault.status, state_document::kStatuses));
   it("message", fault.message);
   it("delay_ms", fault.delay_ms);
   it("times", fault.times);
-  it.WhenReading([&](const Reader& reader) {
-    try {
-      fault.kind = FaultKindOf(kind);
-      fault.status = StatusOf(status);
-      Check(fault);
-    } catch (const BadFault& bad) {
-      reader.Refuse("", std::string("cannot be: ") + bad.what());
-    }
-  });
 }
 
 // --- The document --------------------------------------------------------------
@@ -202,10 +168,6 @@ template <class Archive>
 void Members(Archive& it, State& state) {
   std::int32_t schema = 1;
   it("schema", schema);
-  it.WhenReading([&](const Reader& reader) {
-    reader.Require("schema");
-    if (schema != 1) reader.Refuse("schema", "is not 1");
-  });
   it("network", state.device.network);
   it("dante", state.device.dante);
   it("faults", state.faults);

@@ -1,5 +1,7 @@
 #include "tools/envelope.h"
 
+#include "terminal/printable.h"
+
 namespace tool {
 namespace {
 
@@ -30,7 +32,7 @@ std::string JsonText(const Json& value) {
 }
 
 std::string ErrorLine(const Failure& failure) {
-  return std::string("networkgrpc: ") + failure.what() + "\n";
+  return "networkgrpc: " + terminal::Printable(failure.what()) + "\n";
 }
 
 }  // namespace tool

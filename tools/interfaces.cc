@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "state_document/table.h"
 #include "terminal/table.h"
 #include "tools/call.h"
 
@@ -62,18 +63,7 @@ std::string LabelOf(std::int32_t id) {
 }
 
 Json ModeToJson(std::int32_t wire_mode) {
-  switch (wire_mode) {
-    case ostrevan::networkmanager::STATIC:
-      return "static";
-    case ostrevan::networkmanager::DYNAMIC:
-      return "dynamic";
-    case ostrevan::networkmanager::DHCP_ONLY:
-      return "dhcp-only";
-    case ostrevan::networkmanager::LINKLOCAL_ONLY:
-      return "link-local-only";
-    default:
-      return wire_mode;
-  }
+  return state_document::NameOf(state_document::kAddressingModes, wire_mode);
 }
 
 Json ToJson(const NetworkgRPC::InterfaceInfo& interface) {

@@ -1,22 +1,10 @@
 #include "tools/routing_json.h"
 
+#include "state_document/table.h"
+
 namespace tool {
-namespace {
 
-constexpr std::int32_t kL16 = 1;
-
-Json EncodingToJson(std::int32_t encoding) {
-  if (encoding == 0) return "L24";
-  if (encoding == kL16) return "L16";
-  return encoding;
-}
-
-std::int32_t EncodingFromJson(const Json& encoding) {
-  if (encoding.is_number()) return encoding.get<std::int32_t>();
-  return encoding == "L16" ? kL16 : 0;
-}
-
-}  // namespace
+using state_document::kEncodings;
 
 Json ToJson(const DantegRPC::ChannelLink& link) {
   Json entry = {{"rx_channel", link.rxChannelId},
@@ -30,7 +18,7 @@ Json ToJson(const DantegRPC::ChannelLink& link) {
                   {"value4", link.value4},
                   {"value5", link.value5},
                   {"value6", link.value6},
-                  {"encoding", EncodingToJson(link.encoding)},
+                  {"encoding", state_document::NameOf(kEncodings, link.encoding)},
                   {"sip", link.sip},
                   {"session_id", link.hasSessionId ? Json(link.sessionId) : Json(nullptr)}};
   return entry;
@@ -45,22 +33,21 @@ DantegRPC::ChannelLink Unsubscribed(std::int32_t rx_channel) {
 DantegRPC::ChannelLink LinkFromJson(const Json& entry) {
   DantegRPC::ChannelLink link;
   link.rxChannelId = entry.at("rx_channel");
-  link.deviceName = entry.value("device", "");
-  link.channelName = entry.value("channel", "");
-  const Json raw = entry.value("raw", Json());
-  if (raw.is_null()) return link;
-  link.isRaw = true;
-  link.ip = raw.value("ip", "");
-  link.value2 = raw.value("value2", 0U);
-  link.value3 = raw.value("value3", 0U);
-  link.value4 = raw.value("value4", 0U);
-  link.value5 = raw.value("value5", 0U);
-  link.value6 = raw.value("value6", 0U);
-  link.encoding = EncodingFromJson(raw.value("encoding", Json("L24")));
-  link.sip = raw.value("sip", "");
-  const Json session = raw.value("session_id", Json());
-  link.hasSessionId = !session.is_null();
-  if (link.hasSessionId) link.sessionId = session.get<std::uint64_t>();
+  link.deviceName = entry.at("device");
+  link.channelName = entry.at("channel");
+  const Json& raw = entry.at("raw");
+  link.isRaw = !raw.is_null();
+  if (!link.isRaw) return link;
+  link.ip = raw.at("ip");
+  link.value2 = raw.at("value2");
+  link.value3 = raw.at("value3");
+  link.value4 = raw.at("value4");
+  link.value5 = raw.at("value5");
+  link.value6 = raw.at("value6");
+  link.encoding = state_document::NumberOf(kEncodings, raw.at("encoding"));
+  link.sip = raw.at("sip");
+  link.hasSessionId = !raw.at("session_id").is_null();
+  if (link.hasSessionId) link.sessionId = raw.at("session_id");
   return link;
 }
 
@@ -69,7 +56,7 @@ Json Achievable(const Json& entry) {
   const bool is_stream = link.isRaw && !link.ip.empty();
   const bool is_names = !link.isRaw && !link.deviceName.empty() && !link.channelName.empty();
   if (!is_stream && !is_names) return ToJson(Unsubscribed(link.rxChannelId));
-  if (link.encoding != kL16) link.encoding = 0;
+  if (link.encoding != 1) link.encoding = 0;  // L24: the library sends no other
   return ToJson(link);
 }
 

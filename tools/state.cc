@@ -1,8 +1,11 @@
-// networkgrpc export, diff and import: the settable state as one document.
+// networkgrpc export, diff and import: the device's settable state as a document.
 #include "tools/state.h"
 
+#include <iostream>
 #include <memory>
 
+#include "state_document/document.h"
+#include "terminal/printable.h"
 #include "tools/failure.h"
 #include "tools/state_import.h"
 #include "tools/tool.h"
@@ -16,22 +19,23 @@ struct DiffArguments {
   bool exit_code = false;
 };
 
-std::string ShowDocument(const Json& document) {
-  return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+std::string ValueText(const Json& value) {
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-// Members that one side lacks are settings that it leaves alone.
+// A setting that one side lacks is not compared.
 Json Diff(const DiffArguments& arguments) {
-  const Json document = Settable(ReadStateFile(arguments.file));
-  const Json other =
-      arguments.other.empty() ? ReadState() : Settable(ReadStateFile(arguments.other));
+  const Json document = ReadStateFile(arguments.file);
+  const Json other = arguments.other.empty() ? ReadState() : ReadStateFile(arguments.other);
   const bool against_device = arguments.other.empty();
   const Json from = against_device ? other : Merged(other, document);
   const Json to = against_device ? Merged(other, document) : Merged(document, other);
   const Json differences = ToJson(Differences("", from, to));
   const Json result = {{"equal", differences.empty()}, {"differences", differences}};
   if (arguments.exit_code && !differences.empty())
-    throw Failure(ExitStatus::kFailed, "they differ").With(result);
+    throw Failure(ExitStatus::kFailed,
+                  against_device ? "the device differs from the document" : "the documents differ")
+        .With(result);
   return result;
 }
 
@@ -41,11 +45,26 @@ std::string ShowDiff(const Json& result) {
 
 }  // namespace
 
+Json ReadStateFile(const std::string& file) {
+  const auto document =
+      file == "-" ? state_document::Read(std::cin, file) : state_document::ReadFile(file);
+  return state_document::Settable(document.Root());
+}
+
+std::string ShowDifferences(const Json& differences) {
+  std::string text;
+  for (const Json& it : differences)
+    text += terminal::Printable(it["path"].get<std::string>() + ": " + ValueText(it["from"]) +
+                                " -> " + ValueText(it["to"])) +
+            "\n";
+  return text;
+}
+
 void AddState(Tool& tool) {
   tool.AddVerb(tool.app, "export",
-               {"Prints the device's settable state as one JSON document.",
+               {"Print the device's settable state as a JSON document.",
                 ReadState,
-                ShowDocument,
+                state_document::ToText,
                 {"networkgrpc export >state.json"}});
   const auto arguments = std::make_shared<DiffArguments>();
   CLI::App& diff =
@@ -55,11 +74,12 @@ void AddState(Tool& tool) {
                     ShowDiff,
                     {"networkgrpc export >state.json && networkgrpc diff state.json"}});
   tool.Offer(
-      diff.add_option("FILE", arguments->file, "The document; - is standard input")->required(),
+      diff.add_option("FILE", arguments->file, "The document; - for standard input")->required(),
       Candidates::kFiles);
-  tool.Offer(diff.add_option("OTHER", arguments->other, "Compare with this document instead"),
-             Candidates::kFiles);
-  diff.add_flag("--exit-code", arguments->exit_code, "Exit with 1 when they differ");
+  tool.Offer(
+      diff.add_option("OTHER", arguments->other, "Compare with this document, not with the device"),
+      Candidates::kFiles);
+  diff.add_flag("--exit-code", arguments->exit_code, "Exit with status 1 if there is a difference");
   AddImport(tool);
 }
 

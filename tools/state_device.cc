@@ -1,4 +1,4 @@
-// The state document of the device as it is.
+// Reads the state of the device as a document.
 #include "NetworkManagerClient.h"
 #include "tools/call.h"
 #include "tools/dante_settings.h"
@@ -13,18 +13,18 @@ namespace {
 constexpr auto kNetworkManager = Daemon::kNetworkManager;
 
 template <class List>
-Json Texts(const List& list) {
-  Json texts = Json::array();
-  for (const std::string& text : list) texts.push_back(text);
-  return texts;
+Json Strings(const List& list) {
+  Json strings = Json::array();
+  for (const std::string& string : list) strings.push_back(string);
+  return strings;
 }
 
-// All servers: the library's function hands out the first only.
+// All servers: the library's function returns the first only.
 Json NtpServers() {
   ostrevan::networkmanager::NTPServer reply;
   Do(kNetworkManager, "read the NTP servers",
      [&] { return NetworkManagerClient::GetInstance().GetNTPServer(&reply).ok(); });
-  return Texts(reply.servers());
+  return Strings(reply.servers());
 }
 
 Json Interfaces() {
@@ -36,7 +36,7 @@ Json Interfaces() {
                           {"ip", stored.ip()},
                           {"netmask", stored.netmask()},
                           {"gateway", stored.gateway()},
-                          {"dns", Texts(stored.dns())}});
+                          {"dns", Strings(stored.dns())}});
   }
   return interfaces;
 }

@@ -48,7 +48,7 @@ std::string ShowPlan(const Json& result) {
          ShowReasons("Cannot be made:", result["not_possible"]);
 }
 
-// The list of servers is all or nothing: a half-made one would look intended.
+// Servers are set all or none: half of a list would look intended.
 void RefuseSeveralServers(const std::vector<Step>& steps) {
   for (const Step& step : steps)
     if (step.path == "network.ntp" && !step.impossible.empty())
@@ -88,12 +88,12 @@ void Verify(const Json& wanted, Json& result) {
   result["remaining"] = ToJson(remaining);
   result["verified"] = remaining.empty();
   if (!remaining.empty())
-    throw Failure(ExitStatus::kFailed, "read back, the device is not as the document says")
+    throw Failure(ExitStatus::kFailed, "verification failed: the device differs from the document")
         .With(result);
 }
 
 Json Run(Tool& tool, const Arguments& arguments) {
-  const Json document = Settable(ReadStateFile(arguments.file));
+  const Json document = ReadStateFile(arguments.file);
   const Json current = ReadState();
   const Json wanted = Merged(current, document);
   const auto steps = Plan(current, wanted);
@@ -141,7 +141,7 @@ void AddImport(Tool& tool) {
                     Show,
                     {"networkgrpc export >state.json && networkgrpc import state.json --yes"}});
   tool.Offer(
-      verb.add_option("FILE", arguments->file, "The document; - is standard input")->required(),
+      verb.add_option("FILE", arguments->file, "The document; - for standard input")->required(),
       Candidates::kFiles);
   verb.add_flag("--reload", arguments->reload, "Apply the stored network configuration at the end");
   tool.AddYes(verb);

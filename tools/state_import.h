@@ -1,4 +1,4 @@
-// networkgrpc import: gives a device the state of a document.
+// networkgrpc import: applies a state document to the device.
 #pragma once
 
 #include "tools/tool.h"

@@ -2,6 +2,7 @@
 
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
+#include "state_document/compare.h"
 #include "tools/interfaces.h"
 #include "tools/routing_json.h"
 #include "tools/switch_mode.h"
@@ -9,22 +10,17 @@
 namespace tool {
 namespace {
 
+using state_document::Index;
 using Steps = std::vector<Step>;
 
 void Add(Steps& steps, Step step) {
   if (step.from != step.to) steps.push_back(std::move(step));
 }
 
-// NOLINTNEXTLINE(readability-container-size-empty): a JSON text is never an empty container
-bool IsEmpty(const Json& text) { return text == ""; }
+// NOLINTNEXTLINE(readability-container-size-empty): a JSON string is never an empty container
+bool IsEmpty(const Json& string) { return string == ""; }
 
 int ToFacade(const Json& number) { return static_cast<int>(number.get<std::uint32_t>()); }
-
-const Json* Find(const Json& list, const std::string& key, const Json& value) {
-  for (const Json& entry : list)
-    if (entry.at(key) == value) return &entry;
-  return nullptr;
-}
 
 // --- Dante -------------------------------------------------------------------------
 
@@ -45,8 +41,9 @@ void PlanDanteSettings(Steps& steps, const Json& from, const Json& to) {
 }
 
 void PlanChannels(Steps& steps, const Json& from, const Json& to) {
+  const Index index(from, "id");
   for (const Json& it : to) {
-    const Json* present = Find(from, "id", it["id"]);
+    const Json* present = index.Find(it["id"]);
     const Json name = it.value("name", Json(""));
     Step step{"dante.tx_channels[" + it["id"].dump() + "].name",
               present != nullptr ? (*present)["name"] : Json(),
@@ -67,8 +64,9 @@ void PlanChannels(Steps& steps, const Json& from, const Json& to) {
 }
 
 void PlanRouting(Steps& steps, const Json& from, const Json& to) {
+  const Index index(from, "rx_channel");
   for (const Json& it : to) {
-    const Json* present = Find(from, "rx_channel", it["rx_channel"]);
+    const Json* present = index.Find(it["rx_channel"]);
     Step step{"dante.routing[" + it["rx_channel"].dump() + "]",
               present != nullptr ? *present : Json(),
               it,
@@ -105,7 +103,7 @@ void PlanHost(Steps& steps, const Json& from, const Json& to) {
        [id = to["switch_mode"].get<std::int32_t>()] { return SelectSwitchMode(id); }});
 }
 
-// What the library makes of a configuration: static with all of it, or dynamic
+// What the library stores of a configuration: static with all of it, or dynamic
 // with none of it.
 Json AchievableInterface(const Json& wanted) {
   Json result = wanted;
@@ -130,9 +128,10 @@ NetworkgRPC::InterfaceInfo InfoFromJson(const Json& entry) {
 }
 
 void PlanInterfaces(Steps& steps, const Json& from, const Json& to) {
+  const Index index(from, "name");
   for (const Json& it : to) {
     const std::string name = it["name"];
-    const Json* present = Find(from, "name", name);
+    const Json* present = index.Find(name);
     Step step{"network.interfaces[" + name + "]",
               present != nullptr ? *present : Json(),
               it,

@@ -1,4 +1,4 @@
-// What it takes to give a device the state of a document.
+// The steps that apply a state document to the device.
 #pragma once
 
 #include <functional>
@@ -16,14 +16,13 @@ struct Step {
   Json from;
   Json to;
   Daemon daemon = Daemon::kNone;
-  /// Why the library cannot make `to` of it, else empty. `set` then makes what
-  /// comes nearest, and is empty when that would change nothing.
+  /// Why the library cannot set `to`, else empty. `set` then sets what comes
+  /// nearest, and is empty if that would change nothing.
   std::string impossible;
   std::function<bool()> set;
 };
 
-/// The steps in the order in which they are safe to take: what can cut the
-/// connection comes last.
+/// The steps in a safe order: what can cut the connection comes last.
 std::vector<Step> Plan(const Json& current, const Json& wanted);
 
 }  // namespace tool

@@ -48,7 +48,7 @@ ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control
   run -1 --separate-stderr "$SIMULATOR" --state "$BATS_TEST_TMPDIR/bad.json"
   [ -z "$output" ]
   # shellcheck disable=SC2154 # run sets it
-  [ "$stderr" = "networkgrpc-simulator: $BATS_TEST_TMPDIR/bad.json:2: bogus is not known" ]
+  [ "$stderr" = "networkgrpc-simulator: $BATS_TEST_TMPDIR/bad.json:2: bogus: unknown member" ]
 }
 
 @test "the control socket is private, adds and takes back faults, and goes with the program" {

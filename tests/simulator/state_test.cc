@@ -11,7 +11,6 @@
 #include <fstream>
 #include <iterator>
 
-#include "simulator/document.h"
 #include "simulator/factory.h"
 
 namespace {
@@ -19,7 +18,6 @@ namespace {
 using simulator::ReadState;
 using simulator::State;
 using simulator::WriteState;
-using testing::HasSubstr;
 using testing::SizeIs;
 using testing::StartsWith;
 
@@ -118,6 +116,21 @@ TEST(State, InterfaceOfTheFactory_HasItsDefaultsAndOthersTheNextIds) {
   EXPECT_EQ(interfaces[1].mac, "02:54:41:52:00:02");
   EXPECT_EQ(interfaces[1].live.ip, "169.254.82.2");
   EXPECT_EQ(interfaces[2].id, 4);
+}
+
+TEST(State, IdIsThatOfAFactoryInterface_TheLatterHasTheNextOne) {
+  const State read = ReadState(
+      R"({"schema": 1, "network": {"interfaces": [
+          {"name": "lan0"}, {"name": "eth7", "id": 1, "mac": "02:00:00:00:00:00"}, {"name": "lan1"},
+          {"name": "eth8", "id": 2147483647}]}})",
+      "", Factory());
+
+  const auto& interfaces = read.device.network.interfaces;
+  ASSERT_THAT(interfaces, SizeIs(4));
+  EXPECT_EQ(interfaces[0].id, 3);
+  EXPECT_EQ(interfaces[1].id, 1);
+  EXPECT_EQ(interfaces[1].mac, "02:00:00:00:00:00");
+  EXPECT_EQ(interfaces[2].id, 2);
 }
 
 TEST(State, InEffectTold_MayDifferFromWhatIsStored) {
@@ -231,67 +244,15 @@ TEST_F(StateFile, ThatCannotBeWritten_IsRefusedWithItsNameAndReason) {
             "cannot write " + folder + ": Is a directory");
 }
 
-struct Bad {
-  std::string text;
-  std::string where;
-  std::string why;
-};
-
-class BadState : public testing::TestWithParam<Bad> {};
-
-TEST_P(BadState, IsRefusedWithFileLineAndReason) {
-  const std::string refusal = Refusal(GetParam().text);
-
-  EXPECT_THAT(refusal, StartsWith("file.json:" + GetParam().where + ": "));
-  EXPECT_THAT(refusal, HasSubstr(GetParam().why));
+// The form of a document is tested in tests/state_document.
+TEST(State, FaultCannotBe_IsRefusedWithFileLineAndReason) {
+  EXPECT_EQ(
+      Refusal("{\"schema\": 1,\n\"faults\": [\n{\"method\": \"GetName\", \"fault\": "
+              "\"drop\", \"message\": \"x\"}]}"),
+      "file.json:3: faults[0]: a status code or message is for the fault status, not for drop");
+  EXPECT_THAT(Refusal("{\"schema\": 1,\n\"faults\": [{\"method\": \"GetName\", \"fault\": "
+                      "\"drop\"},\n{\"method\": \"GetBogus\", \"fault\": \"drop\"}]}"),
+              StartsWith("file.json:3: faults[1]: no method is called 'GetBogus'"));
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    All, BadState,
-    testing::Values(
-        Bad{"", "1", "unexpected end"}, Bad{"[]", "1", "is not an object"},
-        Bad{"{}", "1", "schema is missing"}, Bad{"{\n\"schema\": 2\n}", "2", "schema is not 1"},
-        Bad{"{\n\"schema\": 1,\n// more\n\"bogus\": 1\n}", "4", "bogus is not known"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\n\"name\": 5\n}}", "3", "dante.name is not a text"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\n\"latency\": -1\n}}", "3",
-            "dante.latency is not a whole"},
-        Bad{"{\"schema\": 1,\n\"schema\": 1}", "2", "schema stands there twice"},
-        Bad{"{\"schema\": 1,\n\"network\": {\"ntp\": [\n\"a\",\n7\n]}}", "4", "network.ntp[1]"},
-        Bad{"{\"schema\": 1,\n\"network\": {\"interfaces\": [\n{\"name\":\"a\"},\n{\"mode\":1}]}}",
-            "4", "network.interfaces[1].name is missing"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\"rx_channels\": [],\n\"routing\": [\n{\"rx_channel\": "
-            "1}]}}",
-            "4", "dante.routing[0] is for a receive channel that there is not"},
-        Bad{"{\"schema\": 1,\n\"faults\": [\n{\"method\": \"GetBogus\", \"fault\": \"drop\"}]}",
-            "3", "GetBogus"},
-        Bad{"{\"schema\": 1,\n\"network\": {\"interfaces\": [{\"name\": \"a\",\n\"mode\": "
-            "\"bogus\"}]}}",
-            "3", "network.interfaces[0].mode is none of dynamic, static, dhcp-only, "},
-        Bad{"{\"schema\": 1,\n\"network\": {\"interfaces\": [{\"name\": \"a\"},\n{\"name\": "
-            "\"a\"}]}}",
-            "3", "network.interfaces[1] is the same as interfaces[0]"},
-        Bad{"{\"schema\": 1,\n\"network\": {\"switch_modes\": [{\"id\": 1},\n{\"id\": 1}]}}", "3",
-            "network.switch_modes[1] is the same as"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\"tx_channels\": [{\"id\": 1},\n{\"id\": 1}]}}", "3",
-            "dante.tx_channels[1] is the same as"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\"rx_channels\": [\n{\"name\": \"x\"}]}}", "3",
-            "dante.rx_channels[0].id is missing"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\"routing\": [\n{\"rx_channel\": 1},\n{\"rx_channel\": "
-            "1}]}}",
-            "4", "dante.routing[1] is the same as"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\"routing\": [\n{\"rx_channel\": 1, \"device\": "
-            "\"a\"}]}}",
-            "3", "dante.routing[0] needs both device and channel"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\"routing\": [\n{\"rx_channel\": 1, \"raw\": {}}]}}", "3",
-            "raw stream with an ip"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\n\"aes67\": 1}}", "3", "is not true or false"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\n\"latency\": 4294967296}}", "3",
-            "is not a whole number of 0 to 4294967295"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\n\"latency\": 1.5}}", "3", "is not a whole number"},
-        Bad{"{\"schema\": 1,\n\"dante\": {\n\"tx_channels\": {}}}", "3", "is not a list"},
-        Bad{"{\"schema\": 1,\n\"faults\": [\n{\"method\": \"GetName\", \"fault\": \"drop\", "
-            "\"message\": \"x\"}]}",
-            "3", "message is for the fault status"},
-        Bad{"{\"schema\": 1\n,,}", "2", "syntax error"}));
 
 }  // namespace

@@ -1,0 +1,11 @@
+// JSON whose members keep the order in which they were written: documents are
+// read by people and compared line by line.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+namespace state_document {
+
+using Json = nlohmann::ordered_json;
+
+}  // namespace state_document
