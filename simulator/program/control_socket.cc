@@ -1,4 +1,4 @@
-#include "simulator/control_socket.h"
+#include "simulator/program/control_socket.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>

@@ -1,4 +1,4 @@
-#include "simulator/control.h"
+#include "simulator/program/control.h"
 
 #include <functional>
 #include <map>

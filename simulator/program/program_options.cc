@@ -1,4 +1,4 @@
-#include "simulator/program_options.h"
+#include "simulator/program/program_options.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>

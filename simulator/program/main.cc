@@ -13,11 +13,11 @@
 #include <optional>
 #include <stdexcept>
 
-#include "simulator/control.h"
-#include "simulator/control_socket.h"
 #include "simulator/factory.h"
 #include "simulator/json.h"
-#include "simulator/program_options.h"
+#include "simulator/program/control.h"
+#include "simulator/program/control_socket.h"
+#include "simulator/program/program_options.h"
 #include "terminal/printable.h"
 
 namespace {
