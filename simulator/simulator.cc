@@ -5,7 +5,7 @@
 #include "simulator/connections.h"
 #include "simulator/dante_service.h"
 #include "simulator/dispatcher.h"
-#include "simulator/factory.h"
+#include "simulator/factory_defaults.h"
 #include "simulator/loopback_server.h"
 #include "simulator/network_service.h"
 
@@ -15,7 +15,7 @@ namespace {
 std::string Url(int port) { return "127.0.0.1:" + std::to_string(port); }
 
 State OutOfTheBox(const Options& options) {
-  return {FactoryDevice(options.tx_channels, options.rx_channels), {}};
+  return {FactoryDefaults(options.tx_channels, options.rx_channels), {}};
 }
 
 // One daemon, which can be stopped and started again on its port.

@@ -37,7 +37,7 @@ struct Options {
 
 class Simulator {
  public:
-  /// Starts both daemons, out of the box (see factory.h). Throws
+  /// Starts both daemons, out of the box (see factory_defaults.h). Throws
   /// std::runtime_error when a port cannot be had.
   explicit Simulator(const Options& options = {});
   /// Starts them with this state; the numbers of channels in the options do not

@@ -39,7 +39,7 @@ State FromDocument(const Document& document, const State& defaults) {
   Members(reader, state);
   if (reader.Has("faults")) CheckFaults(document, state.faults);
   const std::string hostname = defaults.device.factory_network.hostname;
-  state.device.factory_network = FactoryReset(state.device.network);
+  state.device.factory_network = FactoryDefaultNetwork(state.device.network);
   state.device.factory_network.hostname = hostname;
   return state;
 }

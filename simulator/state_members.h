@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "simulator/archive.h"
-#include "simulator/factory.h"
+#include "simulator/factory_defaults.h"
 #include "simulator/network_rules.h"
 #include "simulator/state.h"
 
@@ -24,7 +24,7 @@ void Members(Archive& it, Addresses& addresses) {
 template <class Archive>
 void Members(Archive& it, Interface& interface) {
   it("name", interface.name);
-  it.WhenReading([&](const Reader&) { interface = FactoryInterface(interface.name); });
+  it.WhenReading([&](const Reader&) { interface = FactoryDefaultInterface(interface.name); });
   it("mode", Named(interface.stored.mode, state_document::kAddressingModes));
   Members(it, interface.stored.addresses);
   it("id", interface.id);
@@ -71,7 +71,7 @@ void Members(Archive& it, Network& network) {
 template <class Archive>
 void Members(Archive& it, Channel& channel) {
   it("id", channel.id);
-  it.WhenReading([&](const Reader&) { channel = FactoryChannel(channel.id); });
+  it.WhenReading([&](const Reader&) { channel = FactoryDefaultChannel(channel.id); });
   it("name", channel.name);
   it("default_name", channel.default_name);
 }
@@ -144,7 +144,7 @@ void Members(Archive& it, Dante& dante) {
     // A device that is not a simulated one has as many channels as it routes.
     if (!reader.Has("rx_channels")) {
       dante.rx.clear();
-      for (const Route& route : routes) dante.rx.push_back(FactoryChannel(route.rx_channel));
+      for (const Route& route : routes) dante.rx.push_back(FactoryDefaultChannel(route.rx_channel));
     }
     SetRoutes(routes, dante);
   });

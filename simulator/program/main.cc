@@ -13,7 +13,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "simulator/factory.h"
+#include "simulator/factory_defaults.h"
 #include "simulator/json.h"
 #include "simulator/program/control.h"
 #include "simulator/program/control_socket.h"
@@ -34,7 +34,7 @@ std::vector<State> InitialStates(const ProgramOptions& options) {
   std::vector<State> states;
   for (int number = 1; number <= options.devices; ++number) {
     State state{
-        simulator::FactoryDevice(options.device.tx_channels, options.device.rx_channels, number),
+        simulator::FactoryDefaults(options.device.tx_channels, options.device.rx_channels, number),
         {}};
     if (!options.states.empty()) {
       const std::size_t own = options.states.size() == 1 ? 0 : static_cast<std::size_t>(number - 1);

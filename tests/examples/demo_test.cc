@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "simulator/dante_service.h"
-#include "simulator/factory.h"
+#include "simulator/factory_defaults.h"
 #include "simulator/loopback_server.h"
 #include "simulator/simulator.h"
 #include "tests/support/child.h"
@@ -115,7 +115,7 @@ class IgnoresLatency : public simulator::DanteService {
 
 TEST(Demo, ChangeIsIgnored_ExitsWithOneAndReportsBothValues) {
   const simulator::Simulator device;
-  simulator::SharedDevice dante_device(simulator::FactoryDevice(1, 1));
+  simulator::SharedDevice dante_device(simulator::FactoryDefaults(1, 1));
   IgnoresLatency dante(dante_device);
   const simulator::LoopbackServer server(dante, 0);
 

@@ -11,7 +11,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "simulator/factory.h"
+#include "simulator/factory_defaults.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ using simulator::WriteState;
 using testing::SizeIs;
 using testing::StartsWith;
 
-State Factory() { return {simulator::FactoryDevice(4, 8), {}}; }
+State Factory() { return {simulator::FactoryDefaults(4, 8), {}}; }
 
 std::string Refusal(const std::string& text) {
   try {

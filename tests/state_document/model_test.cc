@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "simulator/factory.h"
+#include "simulator/factory_defaults.h"
 #include "simulator/state.h"
 #include "state_document/table.h"
 
@@ -18,7 +18,7 @@ using state_document::Member;
 
 // A device that leaves no list empty and nothing null.
 State Full() {
-  State state{simulator::FactoryDevice(1, 1), {simulator::ParseFault("GetName:drop,delay=1")}};
+  State state{simulator::FactoryDefaults(1, 1), {simulator::ParseFault("GetName:drop,delay=1")}};
   simulator::Interface interface = state.device.network.interfaces[1];
   interface.stored.addresses.dns = interface.lease->dns = interface.link_local.dns =
       interface.live.dns = {"10.0.0.1"};

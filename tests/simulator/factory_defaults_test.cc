@@ -1,5 +1,5 @@
-// Devices as they come out of the box, each unlike the others.
-#include "simulator/factory.h"
+// The factory defaults, which differ between devices.
+#include "simulator/factory_defaults.h"
 
 #include <gmock/gmock.h>
 
@@ -10,7 +10,6 @@
 namespace {
 
 using simulator::Device;
-using simulator::FactoryDevice;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -26,20 +25,22 @@ std::vector<std::string> AddressesOf(const Device& device) {
   return addresses;
 }
 
-TEST(Factory, ManyDevices_HaveNamesAndAddressesOfTheirOwn) {
+TEST(FactoryDefaults, ManyDevices_HaveDifferentNamesAndAddresses) {
   std::set<std::string> seen;
   for (int number = 1; number <= 64; ++number) {
-    const Device device = FactoryDevice(0, 0, number);
+    const Device device = simulator::FactoryDefaults(0, 0, number);
     for (const std::string& address : AddressesOf(device)) seen.insert(address);
     seen.insert(device.dante.name);
     seen.insert(device.network.hostname);
   }
   EXPECT_THAT(seen, SizeIs(64 * (4 + 4 + 2 + 2)));
-  EXPECT_THAT(seen, Contains("02:54:41:52:3f:04"));  // the last one's last, in hexadecimal
+  EXPECT_THAT(
+      seen,
+      Contains("02:54:41:52:3f:04"));  // the last interface of the last device, in hexadecimal
 }
 
-TEST(Factory, ThirdDevice_IsNumberedSo) {
-  const Device device = FactoryDevice(1, 12, 3);
+TEST(FactoryDefaults, ThirdDevice_HasItsNumberInNamesAndAddresses) {
+  const Device device = simulator::FactoryDefaults(1, 12, 3);
 
   EXPECT_THAT(AddressesOf(device),
               ElementsAre("02:54:41:52:02:01", "169.254.84.1", "02:54:41:52:02:02", "169.254.84.2",
@@ -55,8 +56,8 @@ TEST(Factory, ThirdDevice_IsNumberedSo) {
   EXPECT_THAT(device.dante.links, IsEmpty());
 }
 
-TEST(Factory, Reset_BringsBackWhatTheDeviceCameWith) {
-  const Device device = FactoryDevice(0, 0, 2);
+TEST(FactoryDefaults, NetworkAfterChanges_IsThatOfTheDeviceAsDelivered) {
+  const Device device = simulator::FactoryDefaults(0, 0, 2);
   simulator::Network used = device.network;
   used.interfaces[1].stored = {simulator::Addressing::kStatic,
                                {"10.0.0.2", "255.0.0.0", "10.0.0.1", {"10.0.0.3"}},
@@ -66,7 +67,7 @@ TEST(Factory, Reset_BringsBackWhatTheDeviceCameWith) {
   used.stored_ntp = used.live_ntp = {};
   used.interfaces[1].live = {};
 
-  const simulator::Network reset = FactoryReset(used);
+  const simulator::Network reset = FactoryDefaultNetwork(used);
 
   EXPECT_EQ(reset.interfaces[1].stored.mode, simulator::Addressing::kDynamic);
   EXPECT_EQ(reset.interfaces[1].stored.addresses.ip, "");
@@ -80,10 +81,10 @@ TEST(Factory, Reset_BringsBackWhatTheDeviceCameWith) {
   EXPECT_EQ(device.factory_network.hostname, "amplifier-2");
 }
 
-TEST(Factory, InterfaceOfAnotherName_HasNoIdYet) {
-  EXPECT_EQ(simulator::FactoryInterface("lan3").id, 4);
-  EXPECT_EQ(simulator::FactoryInterface("eth7").id, simulator::kNoInterface);
-  EXPECT_EQ(simulator::FactoryInterface("eth7").name, "eth7");
+TEST(FactoryDefaults, InterfaceOfAnotherName_HasNoIdYet) {
+  EXPECT_EQ(simulator::FactoryDefaultInterface("lan3").id, 4);
+  EXPECT_EQ(simulator::FactoryDefaultInterface("eth7").id, simulator::kNoInterface);
+  EXPECT_EQ(simulator::FactoryDefaultInterface("eth7").name, "eth7");
 }
 
 }  // namespace
