@@ -2,18 +2,14 @@
 
 #include <algorithm>
 
+#include "simulator/find_by_id.h"
+
 namespace simulator {
 namespace {
 
 constexpr std::int32_t kLastEncoding = 1;
 
-template <class Channels>
-auto Find(Channels& channels, std::int32_t id) {
-  return std::find_if(channels.begin(), channels.end(),
-                      [id](const Channel& channel) { return channel.id == id; });
-}
-
-bool IsStream(const RawStream& raw) {
+bool IsComplete(const RawStream& raw) {
   return !raw.ip.empty() && raw.encoding >= 0 && raw.encoding <= kLastEncoding;
 }
 
@@ -39,25 +35,19 @@ bool SetAes67(Dante& dante, bool enabled) {
 }
 
 bool SetChannelName(std::vector<Channel>& channels, std::int32_t id, const std::string& name) {
-  const auto channel = Find(channels, id);
-  if (channel == channels.end() || name.empty()) return false;
+  Channel* const channel = FindById(channels, id);
+  if (channel == nullptr || name.empty()) return false;
   channel->name = name;
   return true;
 }
 
-bool HasRxChannel(const Dante& dante, std::int32_t id) {
-  return Find(dante.rx, id) != dante.rx.end();
-}
-
 bool SetLink(Dante& dante, std::int32_t rx_channel, const Link& link) {
-  if (!HasRxChannel(dante, rx_channel)) return false;
-  if (link.raw.has_value()) {
-    if (!IsStream(*link.raw)) return false;
-    dante.links[rx_channel] = link;
-    return true;
-  }
-  if (link.device_name.empty() != link.channel_name.empty()) return false;
-  if (link.device_name.empty()) {
+  if (FindById(dante.rx, rx_channel) == nullptr) return false;
+  const bool is_stream = link.raw.has_value();
+  const bool is_accepted =
+      is_stream ? IsComplete(*link.raw) : link.device_name.empty() == link.channel_name.empty();
+  if (!is_accepted) return false;
+  if (!is_stream && link.device_name.empty()) {
     dante.links.erase(rx_channel);
   } else {
     dante.links[rx_channel] = link;

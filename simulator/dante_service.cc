@@ -1,11 +1,12 @@
-#include "simulator/dante_service.h"
-
+// The Dante API daemon's RPCs.
 #include "simulator/dante_rules.h"
+#include "simulator/find_by_id.h"
+#include "simulator/service.h"
 
 namespace wire = ostrevan::grpcdapi;
-using grpc::ServerContext;
 using grpc::Status;
 using ostrevan::common::Empty;
+using wire::Success;
 
 namespace simulator {
 namespace {
@@ -57,199 +58,138 @@ Link FromWire(const wire::LinkInfo& in) {
   return link;
 }
 
-// A copy of one setting of the module.
-template <class Value>
-Value Get(SharedDevice& device, Value Dante::*setting) {
-  return device.With([setting](const Device& it) { return it.dante.*setting; });
+std::vector<Method> IdentityMethods() {
+  return {
+      Read("GetName", [](const Device& it, wire::Name& reply) { reply.set_name(it.dante.name); }),
+      Change<Success>("SetName",
+                      [](Device& it, const wire::Name& request) {
+                        it.dante.name = request.name();
+                        return true;
+                      }),
+      Read("GetManufacturerName",
+           [](const Device& it, wire::Name& reply) { reply.set_name(it.dante.manufacturer); }),
+      Read("GetModelName",
+           [](const Device& it, wire::Name& reply) { reply.set_name(it.dante.model_name); }),
+      Read("GetModelVersion",
+           [](const Device& it, wire::Version& reply) {
+             reply.set_version(it.dante.model_version);
+           }),
+      Read("GetSoftwareVersion",
+           [](const Device& it, wire::Version& reply) {
+             reply.set_version(it.dante.software_version);
+           }),
+      Read("GetFirmwareVersion",
+           [](const Device& it, wire::Version& reply) {
+             reply.set_version(it.dante.firmware_version);
+           }),
+  };
 }
 
-// For a setting of which every value is accepted.
-template <class Value>
-void Set(SharedDevice& device, Value Dante::*setting, const Value& value) {
-  device.With([&](Device& it) { it.dante.*setting = value; });
+std::vector<Method> ChannelMethods() {
+  return {
+      Read("GetTxChannels",
+           [](const Device& it, wire::Channels& reply) { ToWire(it.dante.tx, reply); }),
+      Read("GetRxChannels",
+           [](const Device& it, wire::Channels& reply) { ToWire(it.dante.rx, reply); }),
+      Change<Success>("SetTxChannelName",
+                      [](Device& it, const wire::Channel& request) {
+                        return SetChannelName(it.dante.tx, request.id(), request.name());
+                      }),
+      Change<Success>("SetRxChannelName",
+                      [](Device& it, const wire::Channel& request) {
+                        return SetChannelName(it.dante.rx, request.id(), request.name());
+                      }),
+      // The reply has no success field, so an unknown channel fails the call.
+      Read("GetRxChannelLink",
+           [](const Device& it, const wire::Channel& request, wire::LinkInfo& reply) {
+             if (FindById(it.dante.rx, request.id()) == nullptr)
+               return Status(grpc::StatusCode::NOT_FOUND, "no such receive channel");
+             reply.set_id(request.id());
+             const auto link = it.dante.links.find(request.id());
+             if (link != it.dante.links.end()) ToWire(link->second, reply);
+             return Status::OK;
+           }),
+      Change<Success>("SetRxChannelLink",
+                      [](Device& it, const wire::LinkInfo& request) {
+                        return SetLink(it.dante, request.id(), FromWire(request));
+                      }),
+  };
+}
+
+std::vector<Method> AudioMethods() {
+  return {
+      Read("GetLatency",
+           [](const Device& it, wire::Latency& reply) { reply.set_latency(it.dante.latency); }),
+      Read("GetMinLatency",
+           [](const Device& it, wire::Latency& reply) { reply.set_latency(it.dante.min_latency); }),
+      Change<Success>("SetLatency",
+                      [](Device& it, const wire::Latency& request) {
+                        return SetLatency(it.dante, request.latency());
+                      }),
+      Read("GetAvailableSampleRates",
+           [](const Device& it, wire::AvailableSampleRates& reply) {
+             for (const std::uint32_t rate : it.dante.sample_rates) reply.add_samplerates(rate);
+           }),
+      Read("GetSampleRate",
+           [](const Device& it, wire::SampleRate& reply) {
+             reply.set_samplerate(it.dante.sample_rate);
+           }),
+      Change<Success>("SetSampleRate",
+                      [](Device& it, const wire::SampleRate& request) {
+                        return SetSampleRate(it.dante, request.samplerate());
+                      }),
+      Read("GetIsAES67Available",
+           [](const Device& it, wire::Status& reply) {
+             reply.set_status(it.dante.aes67_available);
+           }),
+      Read("GetAES67Status",
+           [](const Device& it, wire::Status& reply) { reply.set_status(it.dante.aes67); }),
+      Change<Success>("SetAES67Status",
+                      [](Device& it, const wire::Status& request) {
+                        return SetAes67(it.dante, request.status());
+                      }),
+      Read("GetDisableTxStatus",
+           [](const Device& it, wire::Status& reply) { reply.set_status(it.dante.tx_disabled); }),
+      Change<Success>("SetDisableTxStatus",
+                      [](Device& it, const wire::Status& request) {
+                        it.dante.tx_disabled = request.status();
+                        return true;
+                      }),
+  };
+}
+
+std::vector<Method> ClockMethods() {
+  return {
+      Read("GetPtpConfig",
+           [](const Device& it, wire::PtpConfig& reply) {
+             reply.set_value1(it.dante.ptp.config_value1);
+             reply.set_value2(it.dante.ptp.config_value2);
+           }),
+      Read("GetPtpStatus",
+           [](const Device& it, wire::PtpStatus& reply) {
+             reply.set_value1(it.dante.ptp.status_value1);
+             reply.set_clockstatus(static_cast<wire::ClockStatus>(it.dante.ptp.clock));
+           }),
+      Read(
+          "GetPtpSlaveOnlyStatus",
+          [](const Device& it, wire::Status& reply) { reply.set_status(it.dante.ptp.slave_only); }),
+      Change<Success>("SetPtpSlaveOnlyStatus",
+                      [](Device& it, const wire::Status& request) {
+                        it.dante.ptp.slave_only = request.status();
+                        return true;
+                      }),
+      // The module is part of this process: there is no connection to renew.
+      Read("Reconnect", [](const Device&, Empty&) {}),
+  };
 }
 
 }  // namespace
 
-// --- Identity ------------------------------------------------------------------
-
-Status DanteService::GetName(ServerContext*, const Empty*, wire::Name* reply) {
-  reply->set_name(Get(device, &Dante::name));
-  return Status::OK;
+std::vector<Method> DanteMethods() {
+  std::vector<Method> methods;
+  for (const auto& some : {IdentityMethods(), ChannelMethods(), AudioMethods(), ClockMethods()})
+    methods.insert(methods.end(), some.begin(), some.end());
+  return methods;
 }
-
-Status DanteService::SetName(ServerContext*, const wire::Name* request, wire::Success* reply) {
-  Set(device, &Dante::name, request->name());
-  reply->set_success(true);
-  return Status::OK;
-}
-
-Status DanteService::GetSoftwareVersion(ServerContext*, const Empty*, wire::Version* reply) {
-  reply->set_version(Get(device, &Dante::software_version));
-  return Status::OK;
-}
-
-Status DanteService::GetFirmwareVersion(ServerContext*, const Empty*, wire::Version* reply) {
-  reply->set_version(Get(device, &Dante::firmware_version));
-  return Status::OK;
-}
-
-Status DanteService::GetManufacturerName(ServerContext*, const Empty*, wire::Name* reply) {
-  reply->set_name(Get(device, &Dante::manufacturer));
-  return Status::OK;
-}
-
-Status DanteService::GetModelName(ServerContext*, const Empty*, wire::Name* reply) {
-  reply->set_name(Get(device, &Dante::model_name));
-  return Status::OK;
-}
-
-Status DanteService::GetModelVersion(ServerContext*, const Empty*, wire::Version* reply) {
-  reply->set_version(Get(device, &Dante::model_version));
-  return Status::OK;
-}
-
-// --- Channels and routing ------------------------------------------------------
-
-Status DanteService::GetTxChannels(ServerContext*, const Empty*, wire::Channels* reply) {
-  ToWire(Get(device, &Dante::tx), *reply);
-  return Status::OK;
-}
-
-Status DanteService::GetRxChannels(ServerContext*, const Empty*, wire::Channels* reply) {
-  ToWire(Get(device, &Dante::rx), *reply);
-  return Status::OK;
-}
-
-Status DanteService::SetTxChannelName(ServerContext*, const wire::Channel* request,
-                                      wire::Success* reply) {
-  reply->set_success(device.With(
-      [&](Device& it) { return SetChannelName(it.dante.tx, request->id(), request->name()); }));
-  return Status::OK;
-}
-
-Status DanteService::SetRxChannelName(ServerContext*, const wire::Channel* request,
-                                      wire::Success* reply) {
-  reply->set_success(device.With(
-      [&](Device& it) { return SetChannelName(it.dante.rx, request->id(), request->name()); }));
-  return Status::OK;
-}
-
-// The reply has no flag to refuse with, so that an unknown channel is an error.
-Status DanteService::GetRxChannelLink(ServerContext*, const wire::Channel* request,
-                                      wire::LinkInfo* reply) {
-  return device.With([&](const Device& it) {
-    if (!HasRxChannel(it.dante, request->id()))
-      return Status(grpc::StatusCode::NOT_FOUND, "no such receive channel");
-    reply->set_id(request->id());
-    const auto link = it.dante.links.find(request->id());
-    if (link != it.dante.links.end()) ToWire(link->second, *reply);
-    return Status::OK;
-  });
-}
-
-Status DanteService::SetRxChannelLink(ServerContext*, const wire::LinkInfo* request,
-                                      wire::Success* reply) {
-  reply->set_success(device.With(
-      [&](Device& it) { return SetLink(it.dante, request->id(), FromWire(*request)); }));
-  return Status::OK;
-}
-
-// --- Audio settings ------------------------------------------------------------
-
-Status DanteService::GetLatency(ServerContext*, const Empty*, wire::Latency* reply) {
-  reply->set_latency(Get(device, &Dante::latency));
-  return Status::OK;
-}
-
-Status DanteService::GetMinLatency(ServerContext*, const Empty*, wire::Latency* reply) {
-  reply->set_latency(Get(device, &Dante::min_latency));
-  return Status::OK;
-}
-
-Status DanteService::SetLatency(ServerContext*, const wire::Latency* request,
-                                wire::Success* reply) {
-  reply->set_success(
-      device.With([&](Device& it) { return simulator::SetLatency(it.dante, request->latency()); }));
-  return Status::OK;
-}
-
-Status DanteService::GetAvailableSampleRates(ServerContext*, const Empty*,
-                                             wire::AvailableSampleRates* reply) {
-  for (const std::uint32_t rate : Get(device, &Dante::sample_rates)) reply->add_samplerates(rate);
-  return Status::OK;
-}
-
-Status DanteService::GetSampleRate(ServerContext*, const Empty*, wire::SampleRate* reply) {
-  reply->set_samplerate(Get(device, &Dante::sample_rate));
-  return Status::OK;
-}
-
-Status DanteService::SetSampleRate(ServerContext*, const wire::SampleRate* request,
-                                   wire::Success* reply) {
-  reply->set_success(device.With(
-      [&](Device& it) { return simulator::SetSampleRate(it.dante, request->samplerate()); }));
-  return Status::OK;
-}
-
-Status DanteService::GetIsAES67Available(ServerContext*, const Empty*, wire::Status* reply) {
-  reply->set_status(Get(device, &Dante::aes67_available));
-  return Status::OK;
-}
-
-Status DanteService::GetAES67Status(ServerContext*, const Empty*, wire::Status* reply) {
-  reply->set_status(Get(device, &Dante::aes67));
-  return Status::OK;
-}
-
-Status DanteService::SetAES67Status(ServerContext*, const wire::Status* request,
-                                    wire::Success* reply) {
-  reply->set_success(
-      device.With([&](Device& it) { return SetAes67(it.dante, request->status()); }));
-  return Status::OK;
-}
-
-Status DanteService::GetDisableTxStatus(ServerContext*, const Empty*, wire::Status* reply) {
-  reply->set_status(Get(device, &Dante::tx_disabled));
-  return Status::OK;
-}
-
-Status DanteService::SetDisableTxStatus(ServerContext*, const wire::Status* request,
-                                        wire::Success* reply) {
-  Set(device, &Dante::tx_disabled, request->status());
-  reply->set_success(true);
-  return Status::OK;
-}
-
-// --- Clock and connection ------------------------------------------------------
-
-Status DanteService::GetPtpConfig(ServerContext*, const Empty*, wire::PtpConfig* reply) {
-  const Ptp ptp = Get(device, &Dante::ptp);
-  reply->set_value1(ptp.config_value1);
-  reply->set_value2(ptp.config_value2);
-  return Status::OK;
-}
-
-Status DanteService::GetPtpStatus(ServerContext*, const Empty*, wire::PtpStatus* reply) {
-  const Ptp ptp = Get(device, &Dante::ptp);
-  reply->set_value1(ptp.status_value1);
-  reply->set_clockstatus(static_cast<wire::ClockStatus>(ptp.clock));
-  return Status::OK;
-}
-
-Status DanteService::GetPtpSlaveOnlyStatus(ServerContext*, const Empty*, wire::Status* reply) {
-  reply->set_status(Get(device, &Dante::ptp).slave_only);
-  return Status::OK;
-}
-
-Status DanteService::SetPtpSlaveOnlyStatus(ServerContext*, const wire::Status* request,
-                                           wire::Success* reply) {
-  device.With([&](Device& it) { it.dante.ptp.slave_only = request->status(); });
-  reply->set_success(true);
-  return Status::OK;
-}
-
-// The module is part of this process: there is no connection to renew.
-Status DanteService::Reconnect(ServerContext*, const Empty*, Empty*) { return Status::OK; }
 
 }  // namespace simulator

@@ -1,80 +1,67 @@
 #include "simulator/fault.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstring>
 #include <vector>
 
-#include "simulator/methods.h"
+#include "simulator/method_table.h"
 #include "state_document/names.h"
 
 namespace simulator {
 namespace {
 
-constexpr auto& kKinds = state_document::kFaults;
-constexpr auto& kStatuses = state_document::kStatuses;
-
-constexpr std::array<Daemon, 2> kDaemons{Daemon::kNetworkManager, Daemon::kDapi};
-
 constexpr const char* kMessage = "message=";
 
-template <class Names>
-std::size_t IndexOf(const Names& names, const std::string& name, const std::string& what) {
-  const auto found = std::find(names.begin(), names.end(), name);
-  if (found != names.end()) return static_cast<std::size_t>(found - names.begin());
+std::int32_t NumberOf(const state_document::Names& names, const std::string& name,
+                      const std::string& what) {
+  const auto* const found = std::find(names.begin(), names.end(), name);
+  if (found != names.end()) return static_cast<std::int32_t>(found - names.begin());
   std::string list;
   for (const char* known : names) list += (list.empty() ? "" : ", ") + std::string(known);
-  throw BadFault('\'' + name + "' is no " + what + ": " + list);
+  throw BadFault("unknown " + what + " '" + name + "'; use one of " + list);
 }
+
+const char* Name(FaultKind kind) { return state_document::kFaults[static_cast<std::size_t>(kind)]; }
 
 std::uint32_t ParseNumber(const std::string& key, const std::string& text) {
   std::uint32_t number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
   if (error != std::errc() || stop != end)
-    throw BadFault(key + "='" + text + "' is no whole number of 0 to 4294967295");
+    throw BadFault(key + "='" + text + "': must be an integer from 0 to 4294967295");
   return number;
 }
 
-// One word of the text form: "refuse", "delay=20".
+// One word of the string form: "refuse", "delay=20".
 void ParseWord(const std::string& word, Fault& fault) {
   const std::size_t equals = word.find('=');
   const std::string key = word.substr(0, equals);
   const std::string value = equals == std::string::npos ? "" : word.substr(equals + 1);
-  if (equals == std::string::npos) {
+  if (equals == std::string::npos || key == "status") {
     if (fault.kind != FaultKind::kNone)
-      throw BadFault("one fault is enough, '" + word + "' is another");
-    fault.kind = FaultKindOf(word);
-  } else if (key == "status") {
-    if (fault.kind != FaultKind::kNone)
-      throw BadFault("one fault is enough, '" + word + "' is another");
-    fault.kind = FaultKind::kStatus;
-    fault.status = StatusOf(value);
+      throw BadFault('\'' + word + "' is a second fault; METHOD:FAULT has only one");
+    fault.kind = static_cast<FaultKind>(NumberOf(state_document::kFaults, key, "fault"));
+    if (key == "status") fault.status = NumberOf(state_document::kStatuses, value, "status");
   } else if (key == "delay") {
     fault.delay_ms = ParseNumber(key, value);
   } else if (key == "times") {
     fault.times = ParseNumber(key, value);
   } else {
-    throw BadFault('\'' + word +
-                   "' is none of status=CODE, delay=MILLISECONDS, times=N, message=TEXT");
+    throw BadFault("unknown '" + word +
+                   "'; use status=CODE, delay=MILLISECONDS, times=N or message=TEXT");
   }
 }
 
-bool IsAllOfOneDaemon(const std::string& pattern) {
-  return std::any_of(kDaemons.begin(), kDaemons.end(),
-                     [&](Daemon daemon) { return pattern == Name(daemon) + std::string(".*"); });
-}
-
-// The methods that the pattern is for; one at least.
+// The methods that the pattern matches; at least one.
 std::vector<const Method*> Matching(const std::string& pattern) {
   std::vector<const Method*> matching;
-  for (const Daemon daemon : kDaemons)
+  for (const Daemon daemon : {Daemon::kNetworkManager, Daemon::kDapi})
     for (const Method& method : MethodsOf(daemon))
-      if (Matches(pattern, daemon, method.name)) matching.push_back(&method);
+      if (Matches(pattern, FullName(daemon, method.name))) matching.push_back(&method);
   if (matching.empty())
-    throw BadFault("no method is called '" + pattern + "'; DAPI.* and NetworkManager.* " +
-                   "stand for all of a daemon, * for all");
+    throw BadFault("unknown method '" + pattern +
+                   "'; DAPI.* and NetworkManager.* match all methods of a daemon, * all methods");
   return matching;
 }
 
@@ -84,31 +71,36 @@ const char* Name(Daemon daemon) {
   return daemon == Daemon::kNetworkManager ? "NetworkManager" : "DAPI";
 }
 
-Fault ParseFault(const std::string& text) {
-  const std::size_t colon = text.find(':');
+std::string FullName(Daemon daemon, const std::string& method) {
+  return Name(daemon) + ('.' + method);
+}
+
+Fault ParseFault(const std::string& string) {
+  const std::size_t colon = string.find(':');
   if (colon == std::string::npos)
-    throw BadFault('\'' + text + "' is not METHOD:FAULT, such as GetName:status=UNAVAILABLE");
+    throw BadFault('\'' + string +
+                   "' must be METHOD:FAULT, for example GetName:status=UNAVAILABLE");
   Fault fault;
-  fault.method = text.substr(0, colon);
-  for (std::size_t start = colon + 1; start < text.size();) {
-    // A message may have commas of its own, so that it comes last.
-    if (text.compare(start, std::strlen(kMessage), kMessage) == 0) {
-      fault.message = text.substr(start + std::strlen(kMessage));
+  fault.method = string.substr(0, colon);
+  for (std::size_t start = colon + 1; start < string.size();) {
+    // A message comes last because it may contain commas.
+    if (string.compare(start, std::strlen(kMessage), kMessage) == 0) {
+      fault.message = string.substr(start + std::strlen(kMessage));
       break;
     }
-    const std::size_t end = std::min(text.find(',', start), text.size());
-    ParseWord(text.substr(start, end - start), fault);
+    const std::size_t end = std::min(string.find(',', start), string.size());
+    ParseWord(string.substr(start, end - start), fault);
     start = end + 1;
   }
   Check(fault);
   return fault;
 }
 
-std::string ToText(const Fault& fault) {
+std::string ToString(const Fault& fault) {
   std::string words;
   const auto add = [&](const std::string& word) { words += (words.empty() ? "" : ",") + word; };
   if (fault.kind == FaultKind::kStatus) {
-    add(std::string("status=") + StatusName(fault.status));
+    add(std::string("status=") + state_document::kStatuses[static_cast<std::size_t>(fault.status)]);
   } else if (fault.kind != FaultKind::kNone) {
     add(Name(fault.kind));
   }
@@ -121,45 +113,35 @@ std::string ToText(const Fault& fault) {
 void Check(const Fault& fault) {
   const std::vector<const Method*> matching = Matching(fault.method);
   if (fault.kind == FaultKind::kNone && fault.delay_ms == 0)
-    throw BadFault(fault.method + " is told no fault");
-  if (static_cast<std::size_t>(fault.status) >= kStatuses.size())  // negative ones, too
-    throw BadFault(std::to_string(fault.status) + " is no status code");
+    throw BadFault("no fault given for " + fault.method);
+  if (static_cast<std::size_t>(fault.status) >=
+      state_document::kStatuses.size())  // negative ones, too
+    throw BadFault(std::to_string(fault.status) + " is not a gRPC status code");
   if (fault.kind == FaultKind::kStatus && fault.status == 0)
-    throw BadFault("the fault status needs a code, and OK is none, such as status=UNAVAILABLE");
+    throw BadFault("the fault status requires a code other than OK, such as status=UNAVAILABLE");
   if (fault.kind != FaultKind::kStatus && (fault.status != 0 || !fault.message.empty()))
     throw BadFault(std::string("a status code or message is for the fault status, not for ") +
                    Name(fault.kind));
   if (fault.kind == FaultKind::kRefuse &&
       std::none_of(matching.begin(), matching.end(),
                    [](const Method* method) { return method->replies_success; }))
-    throw BadFault(fault.method + " cannot refuse: its reply has no success");
+    throw BadFault(fault.method + " cannot reject: its reply has no field success");
   if (fault.kind == FaultKind::kStop &&
-      (!IsAllOfOneDaemon(fault.method) || fault.delay_ms != 0 || fault.times != 0))
-    throw BadFault("only DAPI.* or NetworkManager.* can stop, without delay and times");
+      ((!Stops(fault, Daemon::kDapi) && !Stops(fault, Daemon::kNetworkManager)) ||
+       fault.delay_ms != 0 || fault.times != 0))
+    throw BadFault("stop requires DAPI.* or NetworkManager.*, without delay and times");
 }
 
 void CheckPattern(const std::string& pattern) { Matching(pattern); }
 
-bool Matches(const std::string& pattern, Daemon daemon, const std::string& method) {
-  const std::string prefix = Name(daemon) + std::string(".");
-  return pattern == "*" || pattern == prefix + '*' || pattern == method ||
-         pattern == prefix + method;
+bool Matches(const std::string& pattern, const std::string& method) {
+  const std::size_t dot = method.find('.');
+  return pattern == "*" || pattern == method.substr(0, dot + 1) + '*' || pattern == method ||
+         pattern == method.substr(dot + 1);
 }
 
-Daemon StoppedDaemon(const Fault& fault) {
-  return Matches(fault.method, Daemon::kDapi, "") ? Daemon::kDapi : Daemon::kNetworkManager;
-}
-
-const char* Name(FaultKind kind) { return kKinds[static_cast<std::size_t>(kind)]; }
-
-FaultKind FaultKindOf(const std::string& name) {
-  return static_cast<FaultKind>(IndexOf(kKinds, name, "fault"));
-}
-
-const char* StatusName(std::int32_t status) { return kStatuses[static_cast<std::size_t>(status)]; }
-
-std::int32_t StatusOf(const std::string& name) {
-  return static_cast<std::int32_t>(IndexOf(kStatuses, name, "status"));
+bool Stops(const Fault& fault, Daemon daemon) {
+  return fault.kind == FaultKind::kStop && fault.method == FullName(daemon, "*");
 }
 
 }  // namespace simulator

@@ -1,23 +1,22 @@
-// One gRPC server on the loopback addresses of this machine.
+// A gRPC server on the loopback addresses of this machine, IPv6 included where
+// there is any: a client that resolves "localhost" tries "::1" first.
 #pragma once
 
 #include <grpcpp/generic/async_generic_service.h>
 #include <grpcpp/server.h>
-#include <grpcpp/server_builder.h>
 
-#include <functional>
 #include <memory>
 
 namespace simulator {
 
 class LoopbackServer {
  public:
-  /// Serves `service`, which must outlive this object, on `port`; on a free one
-  /// when that is 0. Throws PortUnavailable.
-  LoopbackServer(grpc::Service& service, int port);
+  /// Serves `service`, which must outlive this object, on `port`; 0: on a free
+  /// port. Throws std::runtime_error, which names address and reason, if it cannot
+  /// listen there.
   LoopbackServer(grpc::CallbackGenericService& service, int port);
 
-  /// Ends the calls that are open.
+  /// Ends the open calls.
   ~LoopbackServer();
 
   LoopbackServer(const LoopbackServer&) = delete;
@@ -26,9 +25,6 @@ class LoopbackServer {
   int Port() const { return port; }
 
  private:
-  using Registration = std::function<void(grpc::ServerBuilder&)>;
-  LoopbackServer(const Registration& registration, int port);
-
   int port;
   std::unique_ptr<grpc::Server> server;
 };

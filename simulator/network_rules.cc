@@ -1,31 +1,39 @@
 #include "simulator/network_rules.h"
 
-#include <algorithm>
-#include <utility>
+#include <arpa/inet.h>
 
-#include "simulator/ipv4.h"
+#include <algorithm>
+#include <optional>
+
+#include "simulator/find_by_id.h"
 
 namespace simulator {
 namespace {
 
 constexpr std::size_t kLongestHostname = 64;  // HOST_NAME_MAX, bytes
 
-template <class List>
-auto Find(List& list, std::int32_t id) -> decltype(&*list.begin()) {
-  const auto found =
-      std::find_if(list.begin(), list.end(), [id](const auto& entry) { return entry.id == id; });
-  return found != list.end() ? &*found : nullptr;
+// An IPv4 address in host byte order.
+std::optional<std::uint32_t> ParseAddress(const std::string& string) {
+  // A NUL would hide what follows it.
+  if (string.find('\0') != std::string::npos) return std::nullopt;
+  in_addr address{};
+  if (inet_pton(AF_INET, string.c_str(), &address) != 1) return std::nullopt;
+  return ntohl(address.s_addr);
+}
+
+// "0.0.0.0" is no host's address.
+bool IsHostAddress(const std::string& string) { return ParseAddress(string).value_or(0) != 0; }
+
+// One bits from the left, at least one.
+bool IsNetmask(const std::string& string) {
+  const std::uint32_t mask = ParseAddress(string).value_or(0);
+  // With the zeros at the right end, one more than their value is a power of two.
+  const std::uint32_t zeros = ~mask;
+  return mask != 0 && (zeros & (zeros + 1U)) == 0;
 }
 
 bool IsKnown(Addressing mode) {
-  switch (mode) {
-    case Addressing::kDynamic:
-    case Addressing::kStatic:
-    case Addressing::kDhcpOnly:
-    case Addressing::kLinkLocalOnly:
-      return true;
-  }
-  return false;
+  return mode >= Addressing::kDynamic && mode <= Addressing::kLinkLocalOnly;
 }
 
 bool IsUsable(const Addresses& addresses) {
@@ -36,17 +44,13 @@ bool IsUsable(const Addresses& addresses) {
 
 }  // namespace
 
-const Interface* FindInterface(const Network& network, std::int32_t id) {
-  return Find(network.interfaces, id);
-}
-
 SwitchMode DescribeSwitchMode(const Network& network, std::int32_t id) {
-  const SwitchMode* mode = Find(network.switch_modes, id);
+  const SwitchMode* mode = FindById(network.switch_modes, id);
   return mode != nullptr ? *mode : SwitchMode{id, ""};
 }
 
 bool StoreConfig(Network& network, std::int32_t id, const InterfaceConfig& config) {
-  Interface* interface = Find(network.interfaces, id);
+  Interface* interface = FindById(network.interfaces, id);
   if (interface == nullptr || !IsKnown(config.mode)) return false;
   if (config.mode == Addressing::kStatic && !IsUsable(config.addresses)) return false;
   interface->stored = config;
@@ -54,7 +58,7 @@ bool StoreConfig(Network& network, std::int32_t id, const InterfaceConfig& confi
 }
 
 bool StoreSwitchMode(Network& network, std::int32_t id) {
-  if (Find(network.switch_modes, id) == nullptr) return false;
+  if (FindById(network.switch_modes, id) == nullptr) return false;
   network.stored_switch_mode = id;
   return true;
 }
@@ -63,10 +67,6 @@ bool SetHostname(Network& network, const std::string& hostname) {
   if (hostname.size() > kLongestHostname) return false;
   network.hostname = hostname;
   return true;
-}
-
-void StoreNtp(Network& network, std::vector<std::string> servers) {
-  network.stored_ntp = std::move(servers);
 }
 
 Addresses AddressesInUse(const Interface& interface) {

@@ -1,36 +1,30 @@
-// What the network-manager daemon accepts, and what it does when it accepts.
+// Which requests the network-manager daemon accepts, and what they change.
 //
-// A function that changes something returns whether it was carried out; a
-// refusal changes nothing. What is stored takes effect with ApplyNetwork and
-// ApplyNtp, as on the device.
+// A function that changes something and can reject the request returns true if
+// it changed it, false if it rejected; a rejected request changes nothing. Stored
+// settings take effect with ApplyNetwork and ApplyNtp, as on the device.
 #pragma once
 
 #include "simulator/model.h"
 
 namespace simulator {
 
-/// Null for an unknown id.
-const Interface* FindInterface(const Network& network, std::int32_t id);
-
 /// The mode with this id. An unknown id gives a mode of that id without a name.
 SwitchMode DescribeSwitchMode(const Network& network, std::int32_t id);
 
-/// Refuses an unknown interface, an unknown way of addressing, and static
-/// addressing whose address or netmask is missing or malformed or whose gateway
-/// or DNS servers are malformed.
+/// Rejects an unknown interface, an unknown addressing mode, and static addressing
+/// if address or netmask is missing or malformed or if the gateway or a DNS server
+/// is malformed.
 bool StoreConfig(Network& network, std::int32_t id, const InterfaceConfig& config);
 
-/// Refuses a mode that the device does not offer.
+/// Rejects a mode that the device does not offer.
 bool StoreSwitchMode(Network& network, std::int32_t id);
 
-/// Takes effect at once. Refuses a name longer than the 64 bytes that Linux
-/// takes.
+/// Takes effect at once. Rejects a name longer than 64 bytes, the limit of Linux.
 bool SetHostname(Network& network, const std::string& hostname);
 
-void StoreNtp(Network& network, std::vector<std::string> servers);
-
-/// What the stored configuration leads to on the network that the interface is
-/// plugged into.
+/// The addresses that the stored configuration results in, on the network that
+/// the interface is connected to.
 Addresses AddressesInUse(const Interface& interface);
 
 /// Puts the stored configuration of every interface and the stored switch mode
@@ -40,15 +34,15 @@ void ApplyNetwork(Network& network);
 /// Puts the stored NTP servers into effect.
 void ApplyNtp(Network& network);
 
-/// Brings back the network settings, stored and in effect, that the device came
-/// with. The Dante module keeps its own.
+/// Restores the factory defaults of the network settings, stored and in effect.
+/// The settings of the Dante module stay.
 void ResetNetwork(Device& device);
 
-/// The host's default gateway: that of the first interface which has one, empty
-/// when none has.
+/// The default gateway of the host: that of the first interface which has one,
+/// empty if none has.
 std::string DefaultGateway(const Network& network);
 
-/// The DNS servers in use on all interfaces, each once.
+/// The DNS servers in use on all interfaces, without duplicates.
 std::vector<std::string> DnsInUse(const Network& network);
 
 }  // namespace simulator

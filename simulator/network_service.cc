@@ -1,20 +1,20 @@
-#include "simulator/network_service.h"
-
+// The network-manager daemon's RPCs.
 #include <optional>
-#include <utility>
 
+#include "simulator/find_by_id.h"
 #include "simulator/network_rules.h"
+#include "simulator/service.h"
 
 namespace wire = ostrevan::networkmanager;
-using grpc::ServerContext;
 using grpc::Status;
 using ostrevan::common::Empty;
+using wire::Success;
 
 namespace simulator {
 namespace {
 
 template <class List>
-std::vector<std::string> Texts(const List& list) {
+std::vector<std::string> Strings(const List& list) {
   return {list.begin(), list.end()};
 }
 
@@ -55,145 +55,123 @@ std::optional<InterfaceConfig> ConfigFromWire(const wire::InterfaceConfig& in) {
   if (in.has_wifi()) return std::nullopt;
   InterfaceConfig config;
   config.mode = static_cast<Addressing>(in.mode());
-  config.addresses = {in.ip(), in.netmask(), in.gateway(), Texts(in.dns())};
+  config.addresses = {in.ip(), in.netmask(), in.gateway(), Strings(in.dns())};
   config.flag7 = in.flag7();
   config.flag8 = in.flag8();
   return config;
 }
 
+std::vector<Method> InterfaceMethods() {
+  return {
+      Read("GetAvailableInterfaces",
+           [](const Device& it, wire::Interfaces& reply) {
+             for (const Interface& interface : it.network.interfaces)
+               ToWire(interface, *reply.add_interfaces());
+           }),
+      // An unknown interface is left out of the reply, here and below.
+      Read("GetNetworkConfig",
+           [](const Device& it, const wire::Ids& request, wire::InterfacesConfig& reply) {
+             for (const std::int32_t id : request.ids())
+               if (const Interface* interface = FindById(it.network.interfaces, id))
+                 ConfigToWire(*interface, *reply.add_configs());
+             return Status::OK;
+           }),
+      Read("GetNetworkStatus",
+           [](const Device& it, const wire::Ids& request, wire::InterfacesStatus& reply) {
+             for (const std::int32_t id : request.ids())
+               if (const Interface* interface = FindById(it.network.interfaces, id))
+                 StatusToWire(*interface, *reply.add_status());
+             return Status::OK;
+           }),
+      Change<Success>("SetNetworkConfig",
+                      [](Device& it, const wire::InterfaceConfig& request) {
+                        const std::optional<InterfaceConfig> config = ConfigFromWire(request);
+                        return config.has_value() && StoreConfig(it.network, request.id(), *config);
+                      }),
+      Change<Success>("ReloadNetworkConfig",
+                      [](Device& it, const Empty&) {
+                        ApplyNetwork(it.network);
+                        return true;
+                      }),
+      Read("GetRouting",
+           [](const Device& it, wire::Routing& reply) {
+             reply.set_gateway(DefaultGateway(it.network));
+           }),
+      // The reply has no success field, so an unknown interface fails the call.
+      Read("GetRoutingForInterface",
+           [](const Device& it, const wire::Id& request, wire::Routing& reply) {
+             const Interface* interface = FindById(it.network.interfaces, request.id());
+             if (interface == nullptr)
+               return Status(grpc::StatusCode::NOT_FOUND, "no such interface");
+             reply.set_gateway(interface->live.gateway);
+             return Status::OK;
+           }),
+      Read("GetDNSList",
+           [](const Device& it, wire::DNS& reply) {
+             for (const std::string& server : DnsInUse(it.network)) reply.add_dns(server);
+           }),
+  };
+}
+
+std::vector<Method> SwitchModeMethods() {
+  return {
+      Read("GetAvailableSwitchModes",
+           [](const Device& it, wire::SwitchModes& reply) {
+             for (const SwitchMode& mode : it.network.switch_modes)
+               ToWire(mode, *reply.add_modes());
+           }),
+      Read("GetSwitchMode",
+           [](const Device& it, wire::SwitchMode& reply) {
+             ToWire(DescribeSwitchMode(it.network, it.network.stored_switch_mode), reply);
+           }),
+      Read("GetSwitchModeStatus",
+           [](const Device& it, wire::SwitchMode& reply) {
+             ToWire(DescribeSwitchMode(it.network, it.network.live_switch_mode), reply);
+           }),
+      Change<Success>("SetSwitchMode",
+                      [](Device& it, const wire::Id& request) {
+                        return StoreSwitchMode(it.network, request.id());
+                      }),
+  };
+}
+
+std::vector<Method> HostMethods() {
+  return {
+      Read("GetHostname", [](const Device& it,
+                             wire::Hostname& reply) { reply.set_hostname(it.network.hostname); }),
+      Change<Success>("SetHostname",
+                      [](Device& it, const wire::Hostname& request) {
+                        return SetHostname(it.network, request.hostname());
+                      }),
+      Read("GetNTPServer",
+           [](const Device& it, wire::NTPServer& reply) {
+             for (const std::string& server : it.network.stored_ntp) reply.add_servers(server);
+           }),
+      Change<Success>("SetNTPServer",
+                      [](Device& it, const wire::NTPServer& request) {
+                        it.network.stored_ntp = Strings(request.servers());
+                        return true;
+                      }),
+      Change<Success>("ReloadNTPConfig",
+                      [](Device& it, const Empty&) {
+                        ApplyNtp(it.network);
+                        return true;
+                      }),
+      Change<Success>("FactoryReset",
+                      [](Device& it, const Empty&) {
+                        ResetNetwork(it);
+                        return true;
+                      }),
+  };
+}
+
 }  // namespace
 
-Status NetworkService::GetAvailableInterfaces(ServerContext*, const Empty*,
-                                              wire::Interfaces* reply) {
-  device.With([&](const Device& it) {
-    for (const Interface& interface : it.network.interfaces)
-      ToWire(interface, *reply->add_interfaces());
-  });
-  return Status::OK;
-}
-
-// The reply lists what was asked for; an unknown interface has nothing to list.
-Status NetworkService::GetNetworkConfig(ServerContext*, const wire::Ids* request,
-                                        wire::InterfacesConfig* reply) {
-  device.With([&](const Device& it) {
-    for (const std::int32_t id : request->ids())
-      if (const Interface* interface = FindInterface(it.network, id))
-        ConfigToWire(*interface, *reply->add_configs());
-  });
-  return Status::OK;
-}
-
-Status NetworkService::SetNetworkConfig(ServerContext*, const wire::InterfaceConfig* request,
-                                        wire::Success* reply) {
-  const std::optional<InterfaceConfig> config = ConfigFromWire(*request);
-  reply->set_success(config.has_value() && device.With([&](Device& it) {
-    return StoreConfig(it.network, request->id(), *config);
-  }));
-  return Status::OK;
-}
-
-Status NetworkService::GetNetworkStatus(ServerContext*, const wire::Ids* request,
-                                        wire::InterfacesStatus* reply) {
-  device.With([&](const Device& it) {
-    for (const std::int32_t id : request->ids())
-      if (const Interface* interface = FindInterface(it.network, id))
-        StatusToWire(*interface, *reply->add_status());
-  });
-  return Status::OK;
-}
-
-Status NetworkService::GetAvailableSwitchModes(ServerContext*, const Empty*,
-                                               wire::SwitchModes* reply) {
-  device.With([&](const Device& it) {
-    for (const SwitchMode& mode : it.network.switch_modes) ToWire(mode, *reply->add_modes());
-  });
-  return Status::OK;
-}
-
-Status NetworkService::GetSwitchMode(ServerContext*, const Empty*, wire::SwitchMode* reply) {
-  device.With([&](const Device& it) {
-    ToWire(DescribeSwitchMode(it.network, it.network.stored_switch_mode), *reply);
-  });
-  return Status::OK;
-}
-
-Status NetworkService::GetSwitchModeStatus(ServerContext*, const Empty*, wire::SwitchMode* reply) {
-  device.With([&](const Device& it) {
-    ToWire(DescribeSwitchMode(it.network, it.network.live_switch_mode), *reply);
-  });
-  return Status::OK;
-}
-
-Status NetworkService::SetSwitchMode(ServerContext*, const wire::Id* request,
-                                     wire::Success* reply) {
-  reply->set_success(
-      device.With([&](Device& it) { return StoreSwitchMode(it.network, request->id()); }));
-  return Status::OK;
-}
-
-Status NetworkService::GetHostname(ServerContext*, const Empty*, wire::Hostname* reply) {
-  reply->set_hostname(device.With([](const Device& it) { return it.network.hostname; }));
-  return Status::OK;
-}
-
-Status NetworkService::SetHostname(ServerContext*, const wire::Hostname* request,
-                                   wire::Success* reply) {
-  reply->set_success(device.With(
-      [&](Device& it) { return simulator::SetHostname(it.network, request->hostname()); }));
-  return Status::OK;
-}
-
-Status NetworkService::GetNTPServer(ServerContext*, const Empty*, wire::NTPServer* reply) {
-  for (std::string& server : device.With([](const Device& it) { return it.network.stored_ntp; }))
-    reply->add_servers(std::move(server));
-  return Status::OK;
-}
-
-Status NetworkService::SetNTPServer(ServerContext*, const wire::NTPServer* request,
-                                    wire::Success* reply) {
-  device.With([&](Device& it) { StoreNtp(it.network, Texts(request->servers())); });
-  reply->set_success(true);
-  return Status::OK;
-}
-
-Status NetworkService::ReloadNetworkConfig(ServerContext*, const Empty*, wire::Success* reply) {
-  device.With([](Device& it) { ApplyNetwork(it.network); });
-  reply->set_success(true);
-  return Status::OK;
-}
-
-Status NetworkService::GetRouting(ServerContext*, const Empty*, wire::Routing* reply) {
-  reply->set_gateway(device.With([](const Device& it) { return DefaultGateway(it.network); }));
-  return Status::OK;
-}
-
-Status NetworkService::GetDNSList(ServerContext*, const Empty*, wire::DNS* reply) {
-  for (std::string& server : device.With([](const Device& it) { return DnsInUse(it.network); }))
-    reply->add_dns(std::move(server));
-  return Status::OK;
-}
-
-Status NetworkService::ReloadNTPConfig(ServerContext*, const Empty*, wire::Success* reply) {
-  device.With([](Device& it) { ApplyNtp(it.network); });
-  reply->set_success(true);
-  return Status::OK;
-}
-
-Status NetworkService::FactoryReset(ServerContext*, const Empty*, wire::Success* reply) {
-  device.With([](Device& it) { ResetNetwork(it); });
-  reply->set_success(true);
-  return Status::OK;
-}
-
-// The reply has no flag to refuse with, so that an unknown interface is an error.
-Status NetworkService::GetRoutingForInterface(ServerContext*, const wire::Id* request,
-                                              wire::Routing* reply) {
-  return device.With([&](const Device& it) {
-    const Interface* interface = FindInterface(it.network, request->id());
-    if (interface == nullptr) return Status(grpc::StatusCode::NOT_FOUND, "no such interface");
-    reply->set_gateway(interface->live.gateway);
-    return Status::OK;
-  });
+std::vector<Method> NetworkMethods() {
+  std::vector<Method> methods;
+  for (const auto& some : {InterfaceMethods(), SwitchModeMethods(), HostMethods()})
+    methods.insert(methods.end(), some.begin(), some.end());
+  return methods;
 }
 
 }  // namespace simulator

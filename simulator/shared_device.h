@@ -1,9 +1,11 @@
-// The device under the lock that both services and a test share.
+// One device as its daemons and a test share it.
 #pragma once
 
 #include <mutex>
 #include <utility>
 
+#include "simulator/call_log.h"
+#include "simulator/fault_table.h"
 #include "simulator/model.h"
 
 namespace simulator {
@@ -12,13 +14,13 @@ class SharedDevice {
  public:
   explicit SharedDevice(Device initial) : device(std::move(initial)) {}
 
-  /// Runs `use` with the device, to which nobody else has access meanwhile, and
-  /// returns a copy of what it returns. `use` must make no call to the device.
-  template <class Use>
-  auto With(Use&& use) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return std::forward<Use>(use)(device);
+  /// The model, locked for as long as the first of the pair lives.
+  std::pair<std::unique_lock<std::mutex>, Device&> Lock() {
+    return {std::unique_lock<std::mutex>(mutex), device};
   }
+
+  FaultTable faults;
+  CallLog calls;
 
  private:
   std::mutex mutex;

@@ -1,42 +1,43 @@
 #include "simulator/simulator.h"
 
-#include <mutex>
+#include <array>
 
-#include "simulator/connections.h"
-#include "simulator/dante_service.h"
 #include "simulator/dispatcher.h"
 #include "simulator/factory_defaults.h"
 #include "simulator/loopback_server.h"
-#include "simulator/network_service.h"
+#include "simulator/state.h"
+#include "simulator/tcp_connections.h"
 
 namespace simulator {
 namespace {
 
-std::string Url(int port) { return "127.0.0.1:" + std::to_string(port); }
-
-State OutOfTheBox(const Options& options) {
-  return {FactoryDefaults(options.tx_channels, options.rx_channels), {}};
-}
-
 // One daemon, which can be stopped and started again on its port.
-class Process {
+class SimulatedDaemon {
  public:
-  Process(Daemon which, grpc::Service& answering, Faults& table, int wanted_port)
-      : daemon(which), service(answering), faults(table), port(wanted_port) {
+  SimulatedDaemon(Daemon which, SharedDevice& shared, int wanted_port)
+      : daemon(which), device(shared), port(wanted_port) {
     Start();
   }
 
+  Daemon Which() const { return daemon; }
   int Port() const { return port; }
+  std::string Url() const { return "127.0.0.1:" + std::to_string(port); }
 
+  void Start() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (running != nullptr || has_ended) return;
+    running = std::make_unique<Running>(daemon, device, port);
+    port = running->server.Port();
+  }
   void Stop() {
     const std::lock_guard<std::mutex> lock(mutex);
     running.reset();
   }
-  void Start() {
+  // Stops it for good.
+  void End() {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (running != nullptr) return;
-    running = std::make_unique<Running>(daemon, service, faults, port);
-    port = running->server.Port();
+    running.reset();
+    has_ended = true;
   }
   void Thaw(const std::string& pattern) {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -46,125 +47,142 @@ class Process {
  private:
   // A generic service can be registered with one server only.
   struct Running {
-    Running(Daemon which, grpc::Service& answering, Faults& table, int wanted_port)
-        : dispatcher(which, answering, table), server(dispatcher, wanted_port) {}
+    Running(Daemon which, SharedDevice& shared, int wanted_port)
+        : dispatcher(which, shared), server(dispatcher, wanted_port) {}
 
     Dispatcher dispatcher;
     LoopbackServer server;
   };
 
   const Daemon daemon;
-  grpc::Service& service;
-  Faults& faults;
-  std::mutex mutex;  // guards what runs
+  SharedDevice& device;
+  std::mutex mutex;  // guards the members below
   std::unique_ptr<Running> running;
-  int port;  // as wanted, 0 for any, until it has run; then the one it had
+  bool has_ended = false;
+  int port;  // 0 for any until the first start; does not change afterwards
 };
 
 }  // namespace
 
-// Apart from the class, so that its users need no gRPC headers.
-class Simulator::Daemons {
+class Simulator::Implementation {
  public:
-  Daemons(SharedDevice& device, Faults& faults, const Options& options)
-      : network_service(device),
-        dante_service(device),
-        network_manager(Daemon::kNetworkManager, network_service, faults,
-                        options.network_manager_port),
-        dapi(Daemon::kDapi, dante_service, faults, options.dapi_port) {}
+  Implementation(const Options& options, const Device& initial)
+      : device(initial),
+        network_manager(Daemon::kNetworkManager, device, options.network_manager_port),
+        dapi(Daemon::kDapi, device, options.dapi_port) {}
 
-  Process& Of(Daemon which) { return which == Daemon::kDapi ? dapi : network_manager; }
+  SimulatedDaemon& Of(Daemon which) { return which == Daemon::kDapi ? dapi : network_manager; }
+  std::array<SimulatedDaemon*, 2> Daemons() { return {&network_manager, &dapi}; }
 
- private:
-  NetworkService network_service;
-  DanteService dante_service;
-  Process network_manager;
-  Process dapi;
+  SharedDevice device;
+  SimulatedDaemon network_manager;
+  SimulatedDaemon dapi;
 };
 
-Simulator::Simulator(const Options& options) : Simulator(options, OutOfTheBox(options)) {}
+Simulator::Simulator(const Options& options)
+    : Simulator(options, FactoryDefaults(options.tx_channels, options.rx_channels), {}) {}
 
-Simulator::Simulator(const Options& options, const State& state)
-    : device(state.device),
-      daemons(std::make_unique<Daemons>(device, faults, options)),
-      network_manager_port(daemons->Of(Daemon::kNetworkManager).Port()),
-      dapi_port(daemons->Of(Daemon::kDapi).Port()) {
-  for (const Fault& fault : state.faults) Inject(fault);
+Simulator::Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults)
+    : implementation(std::make_unique<Implementation>(options, device)) {
+  for (const Fault& fault : faults) Inject(fault);
 }
 
 Simulator::~Simulator() = default;
+Simulator::Simulator(Simulator&&) noexcept = default;
+Simulator& Simulator::operator=(Simulator&&) noexcept = default;
 
-std::string Simulator::NetworkManagerUrl() const { return Url(network_manager_port); }
+std::string Simulator::NetworkManagerUrl() const { return implementation->network_manager.Url(); }
 
-std::string Simulator::DapiUrl() const { return Url(dapi_port); }
+std::string Simulator::DapiUrl() const { return implementation->dapi.Url(); }
+
+std::pair<std::unique_lock<std::mutex>, Device&> Simulator::Lock() {
+  return implementation->device.Lock();
+}
 
 State Simulator::CurrentState() {
-  return {device.With([](const Device& it) { return it; }), faults.List()};
+  return {WithDevice([](const Device& it) { return it; }), ListFaults()};
 }
+
+std::string Simulator::StateJson() { return WriteState(CurrentState()); }
+
+void Simulator::SaveState(const std::string& file) { simulator::SaveState(file, CurrentState()); }
 
 void Simulator::Inject(const Fault& fault) {
   Check(fault);
-  faults.Add(fault);
-  if (fault.kind == FaultKind::kStop && daemons != nullptr)
-    daemons->Of(StoppedDaemon(fault)).Stop();
+  implementation->device.faults.Add(fault);
+  for (SimulatedDaemon* daemon : implementation->Daemons())
+    if (Stops(fault, daemon->Which())) daemon->Stop();
 }
 
 void Simulator::ClearFaults(const std::string& method) {
   if (!method.empty()) CheckPattern(method);
-  faults.Clear(method);
-  for (const Daemon which : {Daemon::kNetworkManager, Daemon::kDapi}) {
-    if (daemons == nullptr) return;
-    daemons->Of(which).Thaw(method);
-    if (!faults.HasStop(which)) daemons->Of(which).Start();
+  implementation->device.faults.Clear(method);
+  for (SimulatedDaemon* daemon : implementation->Daemons()) {
+    daemon->Thaw(method);
+    if (!implementation->device.faults.HasStop(daemon->Which())) daemon->Start();
   }
 }
 
-std::vector<Fault> Simulator::ListFaults() { return faults.List(); }
+std::vector<Fault> Simulator::ListFaults() { return implementation->device.faults.List(); }
 
 void Simulator::StopDaemon(Daemon which) {
   Fault fault;
-  fault.method = Name(which) + std::string(".*");
+  fault.method = FullName(which, "*");
   fault.kind = FaultKind::kStop;
-  if (!faults.HasStop(which)) Inject(fault);
+  if (!implementation->device.faults.HasStop(which)) Inject(fault);
 }
 
 void Simulator::StartDaemon(Daemon which) {
-  faults.ClearStop(which);
-  if (daemons != nullptr) daemons->Of(which).Start();
+  implementation->device.faults.ClearStop(which);
+  implementation->Of(which).Start();
 }
 
 void Simulator::DropConnections(Daemon which) {
-  CutConnectionsTo(which == Daemon::kDapi ? dapi_port : network_manager_port);
+  DropConnectionsTo(implementation->Of(which).Port());
 }
 
-void Simulator::Stop() { daemons.reset(); }
+std::vector<ReceivedCall> Simulator::Calls() const { return implementation->device.calls.Calls(); }
 
-Builder::Builder() : state(OutOfTheBox(options)) {}
+void Simulator::ForgetCalls() { implementation->device.calls.Clear(); }
+
+bool Simulator::WaitForCalls(const std::string& method, std::size_t count,
+                             std::chrono::milliseconds limit) {
+  return implementation->device.calls.WaitFor(method, count, limit);
+}
+
+void Simulator::Stop() {
+  for (SimulatedDaemon* daemon : implementation->Daemons()) daemon->End();
+}
+
+Builder::Builder() { Channels(options.tx_channels, options.rx_channels); }
 
 Builder& Builder::Channels(int tx, int rx) {
-  options.tx_channels = tx;
-  options.rx_channels = rx;
-  state = OutOfTheBox(options);
+  device = FactoryDefaults(tx, rx);
   return *this;
 }
 
 Builder& Builder::StateFile(const std::string& file) {
-  state = LoadState(file, state);
+  const State state = LoadState(file, {device, faults});
+  device = state.device;
+  faults = state.faults;
   return *this;
 }
 
-Builder& Builder::StateText(const std::string& text) {
-  state = ReadState(text, "state", state);
+Builder& Builder::StateJson(const std::string& document) {
+  const State state = ReadState(document, "state", {device, faults});
+  device = state.device;
+  faults = state.faults;
   return *this;
 }
 
 Builder& Builder::With(const std::function<void(Device&)>& change) {
-  change(state.device);
+  change(device);
   return *this;
 }
 
-Builder& Builder::Inject(const std::string& fault) {
-  state.faults.push_back(ParseFault(fault));
+Builder& Builder::Inject(const Fault& fault) {
+  Check(fault);
+  faults.push_back(fault);
   return *this;
 }
 
@@ -174,6 +192,6 @@ Builder& Builder::Ports(int network_manager, int dapi) {
   return *this;
 }
 
-Simulator Builder::Start() const { return {options, state}; }
+Simulator Builder::Start() const { return {options, device, faults}; }
 
 }  // namespace simulator

@@ -1,11 +1,11 @@
 // A whole device in this process: the network-manager daemon and the Dante API
-// daemon, each a gRPC server on loopback, over one model.
+// daemon, each a gRPC server on loopback, with one model of the device.
 //
 //   simulator::Simulator device;
 //   setenv("network_manager_url", device.NetworkManagerUrl().c_str(), 1);
 //   setenv("grpc_dapi_url", device.DapiUrl().c_str(), 1);
 //
-// With a state and faults of one's own, see Builder below.
+// For a device with other settings or with faults, see Builder below.
 //
 // Lifetime: serves from construction until Stop or destruction; nothing outlives
 //   the object, and nothing is kept for the next one. Several may run at once.
@@ -17,16 +17,18 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "simulator/call_log.h"
 #include "simulator/fault.h"
-#include "simulator/faults.h"
-#include "simulator/shared_device.h"
-#include "simulator/state.h"
+#include "simulator/model.h"
 
 namespace simulator {
+
+struct State;
 
 struct Options {
   int network_manager_port = 0;  // 0: a free port, chosen by the system
@@ -37,77 +39,77 @@ struct Options {
 
 class Simulator {
  public:
-  /// Starts both daemons, out of the box (see factory_defaults.h). Throws
-  /// std::runtime_error when a port cannot be had.
+  /// Starts both daemons with the factory defaults. Throws std::runtime_error if
+  /// one cannot listen on its port.
   explicit Simulator(const Options& options = {});
-  /// Starts them with this state; the numbers of channels in the options do not
-  /// matter.
-  Simulator(const Options& options, const State& state);
   ~Simulator();
 
-  Simulator(const Simulator&) = delete;
-  Simulator& operator=(const Simulator&) = delete;
+  Simulator(Simulator&& other) noexcept;
+  Simulator& operator=(Simulator&& other) noexcept;
 
   /// "127.0.0.1:PORT", valid after Stop too.
   std::string NetworkManagerUrl() const;
   /// "127.0.0.1:PORT", valid after Stop too.
   std::string DapiUrl() const;
 
-  /// Runs `use` with the model, a Device&, while no call is being answered, and
-  /// returns a copy of what it returns. `use` must make no call to the device.
+  /// Runs `use` with the model, a Device&, while no call is answered, and returns
+  /// a copy of what it returns. `use` must not call the device.
   template <class Use>
   auto WithDevice(Use&& use) {
-    return device.With(std::forward<Use>(use));
+    const auto [lock, device] = Lock();
+    return std::forward<Use>(use)(device);
   }
 
-  /// The model and the faults that are left; see state.h for writing it.
-  State CurrentState();
+  /// The state document (docs/simulator.md): the model and the faults.
+  std::string StateJson();
+  /// Writes the state document to a file, which is replaced as a whole or not at
+  /// all. Throws std::runtime_error.
+  void SaveState(const std::string& file);
 
   // --- Faults (see fault.h) ---
 
-  /// From the next call on. Throws BadFault.
+  /// Acts from the next call on. Throws BadFault.
   void Inject(const Fault& fault);
-  /// The same, from the text form.
+  /// The same, from the string form.
   void Inject(const std::string& fault) { Inject(ParseFault(fault)); }
-  /// Takes back the faults told for exactly this method or pattern, all for "";
-  /// answers the calls that they froze and starts a daemon that one has stopped.
-  /// Throws BadFault, and std::runtime_error when a daemon's port is taken.
+  /// Removes the faults given for exactly this method or pattern; "" removes all.
+  /// Answers the calls that they froze and starts a daemon that one has stopped.
+  /// Throws BadFault, and std::runtime_error if a daemon's port is in use.
   void ClearFaults(const std::string& method = "");
   std::vector<Fault> ListFaults();
 
-  /// Stops one daemon, whose open calls end; its port stays known.
+  /// Stops one daemon, whose open calls end; its port stays the same.
   void StopDaemon(Daemon which);
-  /// Starts it on the same port. Throws std::runtime_error when that is taken.
+  /// Starts it on the same port. Throws std::runtime_error if that is in use.
   void StartDaemon(Daemon which);
-  /// Cuts every connection to one daemon, which serves on.
+  /// Drops every connection to one daemon, which continues to serve.
   void DropConnections(Daemon which);
 
   // --- Calls received ---
 
-  /// The latest calls, oldest first; 10,000 at most.
-  std::vector<ReceivedCall> Calls() const { return faults.Calls(); }
-  void ForgetCalls() { faults.ForgetCalls(); }
-  /// Waits until so many calls of the method, as Fault::method spells it, are
-  /// among the recorded ones. False when the limit is over before.
+  /// The latest calls, oldest first; at most 10,000.
+  std::vector<ReceivedCall> Calls() const;
+  void ForgetCalls();
+  /// Waits until at least `count` calls of the method, in the form of
+  /// Fault::method, are recorded. False if the limit is reached first.
   bool WaitForCalls(const std::string& method, std::size_t count = 1,
-                    std::chrono::milliseconds limit = std::chrono::seconds(20)) {
-    return faults.WaitForCalls(method, count, limit);
-  }
+                    std::chrono::milliseconds limit = std::chrono::seconds(20));
 
-  /// Ends both daemons and the calls that are open; the model stays.
+  /// Ends both daemons and the open calls; the model stays.
   void Stop();
 
  private:
-  class Daemons;
+  friend class Builder;
+  class Implementation;
 
-  SharedDevice device;
-  Faults faults;
-  std::unique_ptr<Daemons> daemons;
-  int network_manager_port;
-  int dapi_port;
+  Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults);
+  State CurrentState();
+  std::pair<std::unique_lock<std::mutex>, Device&> Lock();
+
+  std::unique_ptr<Implementation> implementation;
 };
 
-/// Shapes a device before it starts:
+/// Prepares a device before it starts:
 ///
 ///   simulator::Simulator device = simulator::Builder()
 ///                                     .Channels(2, 4)
@@ -116,29 +118,34 @@ class Simulator {
 ///                                     .Start();
 class Builder {
  public:
-  /// A device out of the box.
+  /// A device with the factory defaults.
   Builder();
 
-  /// Out of the box with so many channels; before the other functions.
+  /// The factory defaults with these numbers of channels. Replaces the settings
+  /// made before.
   Builder& Channels(int tx, int rx);
-  /// The state of a file. Throws BadDocument, std::runtime_error.
+  /// Reads a state document; members that it lacks keep their values. Throws
+  /// std::runtime_error, "FILE:LINE: reason" for an invalid document.
   Builder& StateFile(const std::string& file);
-  /// The state of a document in memory. Throws BadDocument.
-  Builder& StateText(const std::string& text);
+  /// The same from a string, whose name in errors is "state".
+  Builder& StateJson(const std::string& document);
   /// Runs `change` with the model.
   Builder& With(const std::function<void(Device&)>& change);
-  /// In the text form. Throws BadFault.
-  Builder& Inject(const std::string& fault);
-  /// 0, as without this: a free port.
+  /// Throws BadFault.
+  Builder& Inject(const Fault& fault);
+  /// The same, from the string form.
+  Builder& Inject(const std::string& fault) { return Inject(ParseFault(fault)); }
+  /// 0, the default: a free port.
   Builder& Ports(int network_manager, int dapi);
 
-  /// Starts it; may be called again for another device of the same state.
-  /// Throws std::runtime_error when a port cannot be had.
+  /// Starts the device; may be called again for another one with the same state.
+  /// Throws std::runtime_error if a daemon cannot listen on its port.
   Simulator Start() const;
 
  private:
   Options options;
-  State state;
+  Device device;
+  std::vector<Fault> faults;
 };
 
 }  // namespace simulator

@@ -18,14 +18,14 @@
 namespace simulator {
 namespace {
 
-// A peer that says nothing must not keep the others waiting.
+// A silent peer must not keep the others waiting.
 constexpr timeval kServerLimit{2, 0};
 constexpr timeval kClientLimit{20, 0};
 constexpr std::size_t kLongestRequest = 65536;
 constexpr std::size_t kLongestAnswer = std::size_t{256} * 1024 * 1024;
 
 [[noreturn]] void Throw(const std::string& what, const std::string& path, const std::string& why) {
-  throw std::runtime_error("cannot " + what + " the control socket " + path + ": " + why);
+  throw std::runtime_error("cannot " + what + " control socket " + path + ": " + why);
 }
 
 [[noreturn]] void Throw(const std::string& what, const std::string& path) {
@@ -36,12 +36,12 @@ sockaddr_un AddressOf(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.empty() || path.size() >= sizeof address.sun_path)
-    Throw("use", path, "its path has to have 1 to 107 bytes");
+    Throw("use", path, "its path must have 1 to 107 bytes");
   std::memcpy(static_cast<char*>(address.sun_path), path.data(), path.size());
   return address;
 }
 
-// A file that closes itself.
+// A descriptor that is closed with the object.
 class Socket {
  public:
   Socket() : file(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
@@ -80,7 +80,8 @@ bool SendLine(const Socket& socket, std::string line) {
   return true;
 }
 
-// False when none came, or too long a one.
+// False if the peer closed or the time limit passed before a newline, or if the line
+// is too long.
 bool ReceiveLine(const Socket& socket, std::size_t longest, std::string& line) {
   std::array<char, 4096> part{};
   while (line.size() <= longest) {
@@ -98,17 +99,17 @@ bool ReceiveLine(const Socket& socket, std::size_t longest, std::string& line) {
 void MakePrivateFolder(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-  if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) Throw("make the folder of", path);
+  if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) Throw("create the folder of", path);
   struct stat found {};
   if (stat(folder.c_str(), &found) != 0) Throw("use the folder of", path);
   if (found.st_uid != geteuid() || (found.st_mode & 077U) != 0)
-    Throw("use", path, "others have access to its folder, whose mode has to be 0700");
+    Throw("use", path, "others have access to its folder; use a folder of yours with mode 0700");
 }
 
-// Removes what a simulator that was killed has left.
+// Removes the socket of a simulator that was killed.
 void RemoveStale(const std::string& path, const sockaddr_un& address) {
   const Socket socket;
-  if (Connect(socket, address)) Throw("listen on", path, "a simulator does already");
+  if (Connect(socket, address)) Throw("listen on", path, "another simulator listens on it");
   struct stat found {};
   if (errno == ECONNREFUSED && stat(path.c_str(), &found) == 0 && S_ISSOCK(found.st_mode))
     unlink(path.c_str());
@@ -161,12 +162,12 @@ void ControlSocket::Run(const std::function<std::string(const std::string&)>& an
 std::string AskControl(const std::string& path, const std::string& request) {
   const Socket socket;
   if (!Connect(socket, AddressOf(path)))
-    Throw("reach a simulator at", path,
-          std::string(std::strerror(errno)) + "; is there one that was started with --control?");
+    Throw("connect to", path,
+          std::string(std::strerror(errno)) + "; start a simulator with --control");
   SetLimit(socket, kClientLimit);
   std::string answer;
   if (!SendLine(socket, request) || !ReceiveLine(socket, kLongestAnswer, answer))
-    Throw("hear from", path, "no answer in time");
+    Throw("use", path, "no answer");
   return answer;
 }
 

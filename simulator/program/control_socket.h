@@ -1,4 +1,4 @@
-// A unix socket on which one line is asked and one line answered.
+// A Unix socket that answers each connection's line with one line.
 #pragma once
 
 #include <functional>
@@ -9,11 +9,11 @@ namespace simulator {
 
 class ControlSocket {
  public:
-  /// Listens at `path`, which only this user can reach: makes the folder with
-  /// mode 0700 when it is not there, and the socket with mode 0600. To be called
-  /// before other threads start, as it changes the process' umask for a moment.
-  /// Throws std::runtime_error, also when others have access to the folder or
-  /// another simulator listens there.
+  /// Listens on `path`, which only this user can connect to: creates the folder
+  /// with mode 0700 if it does not exist, and the socket with mode 0600. To be
+  /// called before other threads start, because it changes the umask of the process
+  /// for a moment. Throws std::runtime_error, also if others have access to the
+  /// folder or another simulator listens on the socket.
   explicit ControlSocket(std::string path);
   /// Stops answering, and removes the socket.
   ~ControlSocket();
@@ -21,9 +21,7 @@ class ControlSocket {
   ControlSocket(const ControlSocket&) = delete;
   ControlSocket& operator=(const ControlSocket&) = delete;
 
-  const std::string& Path() const { return path; }
-
-  /// From now on, in a thread of its own; once.
+  /// Answers requests from now on, in a thread of its own. To be called once.
   void Serve(std::function<std::string(const std::string& request)> answer);
 
  private:
@@ -35,8 +33,8 @@ class ControlSocket {
   std::thread thread;
 };
 
-/// Asks one line of the socket at `path` and gives the answer. Throws
-/// std::runtime_error when nobody answers within 20 seconds.
+/// Sends one line to the socket at `path` and returns the answer. Throws
+/// std::runtime_error if there is none within 20 seconds.
 std::string AskControl(const std::string& path, const std::string& request);
 
 }  // namespace simulator

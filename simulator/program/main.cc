@@ -1,9 +1,10 @@
-// networkgrpc-simulator: the simulated device as a program. It says where it
-// listens in one line on standard output and serves until SIGTERM or SIGINT.
-// With `ctl`, it asks or changes another one that runs.
+// networkgrpc-simulator: the simulated device as a program. It prints one line with
+// its endpoints to standard output and serves until SIGTERM or SIGINT. With `ctl`,
+// it sends commands to a running simulator.
 //
-// Exit status: 0 ended by a signal, or --help or --version, or ctl is done; 1 it
-// cannot serve or save, or ctl failed; 2 bad options.
+// Exit status: 0 ended by a signal, --help, --version, or all commands of ctl
+// succeeded; 1 it cannot serve or save, or a command of ctl failed; 2 the command
+// line is wrong.
 #include <pthread.h>
 
 #include <csignal>
@@ -15,41 +16,42 @@
 
 #include "simulator/factory_defaults.h"
 #include "simulator/json.h"
-#include "simulator/program/control.h"
+#include "simulator/program/control_commands.h"
 #include "simulator/program/control_socket.h"
 #include "simulator/program/program_options.h"
+#include "simulator/state.h"
 #include "terminal/printable.h"
 
 namespace {
 
-using simulator::Devices;
+using simulator::Builder;
 using simulator::Json;
 using simulator::ProgramOptions;
-using simulator::State;
+using simulator::Simulator;
 
 constexpr int kFailed = 1;
 
-// Everything is read before anything starts.
-std::vector<State> InitialStates(const ProgramOptions& options) {
-  std::vector<State> states;
-  for (int number = 1; number <= options.devices; ++number) {
-    State state{
-        simulator::FactoryDefaults(options.device.tx_channels, options.device.rx_channels, number),
-        {}};
-    if (!options.states.empty()) {
-      const std::size_t own = options.states.size() == 1 ? 0 : static_cast<std::size_t>(number - 1);
-      state = simulator::LoadState(options.states[own], state);
-    }
-    state.faults.insert(state.faults.end(), options.faults.begin(), options.faults.end());
-    states.push_back(std::move(state));
+// Reads everything before anything starts.
+std::vector<Builder> Prepare(const ProgramOptions& options) {
+  const simulator::Options& wanted = options.device;
+  std::vector<Builder> devices(static_cast<std::size_t>(options.devices));
+  for (std::size_t i = 0; i < devices.size(); ++i) {
+    devices[i].Ports(wanted.network_manager_port, wanted.dapi_port);
+    devices[i].With([&](simulator::Device& it) {
+      const int number = static_cast<int>(i) + 1;
+      it = simulator::FactoryDefaults(wanted.tx_channels, wanted.rx_channels, number);
+    });
+    if (!options.states.empty())
+      devices[i].StateFile(options.states[options.states.size() == 1 ? 0 : i]);
+    for (const simulator::Fault& fault : options.faults) devices[i].Inject(fault);
   }
-  return states;
+  return devices;
 }
 
-void PrintReadyLines(const Devices& devices, const std::string& control) {
-  for (const auto& device : devices) {
-    std::cout << "ready network_manager_url=" << device->NetworkManagerUrl()
-              << " grpc_dapi_url=" << device->DapiUrl();
+void PrintReadyLines(const std::vector<Simulator>& devices, const std::string& control) {
+  for (const Simulator& device : devices) {
+    std::cout << "ready network_manager_url=" << device.NetworkManagerUrl()
+              << " grpc_dapi_url=" << device.DapiUrl();
     if (!control.empty()) std::cout << " control=unix:" << control;
     std::cout << '\n';
   }
@@ -65,32 +67,30 @@ sigset_t EndingSignals() {
 }
 
 int Serve(const ProgramOptions& options) {
-  const std::vector<State> states = InitialStates(options);
+  const std::vector<Builder> prepared = Prepare(options);
   for (const std::string& file : options.saves) simulator::CheckSavable(file);
   // Before any thread starts, so that every thread leaves the signals to sigwait.
   const sigset_t ending = EndingSignals();
   pthread_sigmask(SIG_BLOCK, &ending, nullptr);
-  // A port that is taken is told below; gRPC's own lines about it tell less. Who
+  // gRPC's own lines about a port in use say less than the error below. A user who
   // wants them sets the variable.
   setenv("GRPC_VERBOSITY", "NONE", 0);
 
-  Devices devices;
+  std::vector<Simulator> devices;
   std::optional<simulator::ControlSocket> control;
   if (!options.control.empty()) control.emplace(options.control);
-  for (const State& state : states)
-    devices.push_back(std::make_unique<simulator::Simulator>(options.device, state));
+  for (const Builder& builder : prepared) devices.push_back(builder.Start());
   if (control.has_value())
     control->Serve([&devices](const std::string& request) {
-      return simulator::AnswerControl(devices, request);
+      return simulator::AnswerControlRequest(devices, request);
     });
   PrintReadyLines(devices, options.control);
   int signal = 0;
   sigwait(&ending, &signal);
 
   control.reset();
-  for (const auto& device : devices) device->Stop();
-  for (std::size_t i = 0; i < options.saves.size(); ++i)
-    simulator::SaveState(options.saves[i], devices[i]->CurrentState());
+  for (Simulator& device : devices) device.Stop();
+  for (std::size_t i = 0; i < options.saves.size(); ++i) devices[i].SaveState(options.saves[i]);
   return EXIT_SUCCESS;
 }
 

@@ -13,7 +13,7 @@ inline constexpr const char* kProgramName = "networkgrpc-simulator";
 
 /// A request to a running simulator.
 struct CtlRequest {
-  std::string command;   // as in control.h
+  std::string command;   // as in control_commands.h
   std::string argument;  // empty when the command has none
   int device = 1;
 };

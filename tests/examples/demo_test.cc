@@ -3,11 +3,12 @@
 
 #include <cstdlib>
 
-#include "simulator/dante_service.h"
+#include "ostrevan/grpcdapi.pb.h"
 #include "simulator/factory_defaults.h"
-#include "simulator/loopback_server.h"
+#include "simulator/method_table.h"
 #include "simulator/simulator.h"
 #include "tests/support/child.h"
+#include "tests/support/device.h"
 
 namespace {
 
@@ -100,26 +101,21 @@ TEST(Demo, ChangeIsRejected_ExitsWithOneAndChangesNothingElse) {
   EXPECT_EQ(Settings(device), before);
 }
 
-// Replies that the latency was set, but does not set it.
-class IgnoresLatency : public simulator::DanteService {
- public:
-  using DanteService::DanteService;
-
-  grpc::Status SetLatency(grpc::ServerContext* /*context*/,
-                          const ostrevan::grpcdapi::Latency* /*request*/,
-                          ostrevan::grpcdapi::Success* reply) override {
-    reply->set_success(true);
-    return grpc::Status::OK;
-  }
-};
-
 TEST(Demo, ChangeIsIgnored_ExitsWithOneAndReportsBothValues) {
   const simulator::Simulator device;
   simulator::SharedDevice dante_device(simulator::FactoryDefaults(1, 1));
-  IgnoresLatency dante(dante_device);
-  const simulator::LoopbackServer server(dante, 0);
+  support::ScriptedDaemon dante;
+  for (const simulator::Method& method : MethodsOf(simulator::Daemon::kDapi))
+    dante.ScriptEach(support::DapiPath(method.name), [&](const std::string& request) {
+      support::Answer answer;
+      answer.status = method.answer(dante_device, request, answer.bytes);
+      return answer;
+    });
+  ostrevan::grpcdapi::Success success;
+  success.set_success(true);
+  dante.Script(support::DapiPath("SetLatency"), support::Reply(success));
 
-  const Finished finished = RunDemo(device, "127.0.0.1:" + std::to_string(server.Port()));
+  const Finished finished = RunDemo(device, dante.Url());
 
   EXPECT_EQ(finished.status, 1);
   EXPECT_EQ(finished.err, "networkgrpc-demo: Latency: 2000 was set, but 1000 was read back\n");

@@ -1,8 +1,9 @@
-// The builder that other people's tests begin with.
+// The builder, with which tests of applications start.
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
 #include <cstdio>
-#include <fstream>
 #include <optional>
 
 #include "tests/simulator/simulated_device.h"
@@ -13,27 +14,27 @@ using simulator::Builder;
 using simulator::Device;
 using simulator::Simulator;
 using support::Ask;
+using support::DanteStub;
+using support::NetworkStub;
 using support::Stubs;
 using testing::IsEmpty;
 using testing::SizeIs;
-using DanteStub = ostrevan::grpcdapi::DAPI::Stub;
-using NetworkStub = ostrevan::networkmanager::NetworkManager::Stub;
 
 int PortOf(const std::string& url) { return std::stoi(url.substr(url.rfind(':') + 1)); }
 
-TEST(Builder, NothingTold_IsADeviceOutOfTheBox) {
+TEST(Builder, NothingSet_HasTheFactoryDefaults) {
   Simulator built = Builder().Start();
   Simulator plain;
 
-  EXPECT_EQ(WriteState(built.CurrentState()), WriteState(plain.CurrentState()));
+  EXPECT_EQ(built.StateJson(), plain.StateJson());
   EXPECT_NE(built.DapiUrl(), built.NetworkManagerUrl());
   EXPECT_NE(built.DapiUrl(), plain.DapiUrl());
 }
 
-TEST(Builder, EverythingTold_IsWhatClientsMeet) {
+TEST(Builder, EverythingSet_ClientsReadIt) {
   Simulator device = Builder()
                          .Channels(2, 3)
-                         .StateText(R"({"schema": 1, "network": {"hostname": "hall"}})")
+                         .StateJson(R"({"schema": 1, "network": {"hostname": "hall"}})")
                          .With([](Device& it) { it.dante.name = "Hall"; })
                          .Inject("SetName:refuse,times=1")
                          .Start();
@@ -63,7 +64,7 @@ TEST(Builder, StartedTwice_TheDevicesShareNothing) {
   EXPECT_THAT(other.Calls(), SizeIs(1));
 }
 
-TEST(Builder, PortsTold_ServesOnThem) {
+TEST(Builder, PortsSet_ServesOnThem) {
   std::optional<Simulator> before(std::in_place);
   const int network_manager = PortOf(before->NetworkManagerUrl());
   const int dapi = PortOf(before->DapiUrl());
@@ -76,23 +77,23 @@ TEST(Builder, PortsTold_ServesOnThem) {
   EXPECT_EQ(PortOf(device.DapiUrl()), dapi);
 }
 
-TEST(Builder, StateFile_IsWhatAnotherDeviceSaved) {
+TEST(Builder, StateFile_HasTheStateThatAnotherDeviceSaved) {
   Simulator first = Builder().Channels(1, 1).Inject("GetName:drop").Start();
   const std::string file = testing::TempDir() + "builder_test." + std::to_string(getpid());
-  SaveState(file, first.CurrentState());
+  first.SaveState(file);
 
   Simulator second = Builder().StateFile(file).Start();
   std::remove(file.c_str());
 
-  EXPECT_EQ(WriteState(second.CurrentState()), WriteState(first.CurrentState()));
+  EXPECT_EQ(second.StateJson(), first.StateJson());
   ASSERT_THAT(second.ListFaults(), SizeIs(1));
-  EXPECT_EQ(ToText(second.CurrentState().faults.at(0)), "GetName:drop");
+  EXPECT_EQ(ToString(second.ListFaults().at(0)), "GetName:drop");
   EXPECT_THROW(Builder().StateFile(file), std::runtime_error);
 }
 
-TEST(Builder, BadWishes_AreRefusedAtOnce) {
+TEST(Builder, InvalidFaultOrState_IsRejectedAtOnce) {
   EXPECT_THROW(Builder().Inject("GetBogus:drop"), simulator::BadFault);
-  EXPECT_THROW(Builder().StateText("{}"), simulator::BadDocument);
+  EXPECT_THROW(Builder().StateJson("{}"), std::runtime_error);
 }
 
 }  // namespace

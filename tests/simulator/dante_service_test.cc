@@ -14,6 +14,22 @@ class DanteService : public support::SimulatedDevice {
 
   LinkInfo LinkOf(int id) { return Ask(&Stub::GetRxChannelLink, Numbered(id)); }
   bool SetLink(const LinkInfo& link) { return Ask(&Stub::SetRxChannelLink, link).success(); }
+  bool SetTxName(int id, const std::string& name) {
+    return Ask(&Stub::SetTxChannelName, Numbered(id, name)).success();
+  }
+  bool SetRxName(int id, const std::string& name) {
+    return Ask(&Stub::SetRxChannelName, Numbered(id, name)).success();
+  }
+  bool SetRate(std::uint32_t hertz) {
+    SampleRate request;
+    request.set_samplerate(hertz);
+    return Ask(&Stub::SetSampleRate, request).success();
+  }
+  bool SetLatency(std::uint32_t microseconds) {
+    Latency request;
+    request.set_latency(microseconds);
+    return Ask(&Stub::SetLatency, request).success();
+  }
 
   static Channel Numbered(int id, const std::string& name = "") {
     Channel channel;
@@ -66,21 +82,15 @@ TEST_F(DanteService, Readers_FactoryDevice_DescribeTheModule) {
 TEST_F(DanteService, SetSampleRate_EveryListedRate_IsRead) {
   const AvailableSampleRates available = Ask(&Stub::GetAvailableSampleRates);
   for (const std::uint32_t rate : available.samplerates()) {
-    SampleRate request;
-    request.set_samplerate(rate);
-
-    EXPECT_TRUE(Ask(&Stub::SetSampleRate, request).success()) << rate;
-
+    EXPECT_TRUE(SetRate(rate)) << rate;
     EXPECT_EQ(Ask(&Stub::GetSampleRate).samplerate(), rate);
   }
 }
 
-TEST_F(DanteService, SetLatency_TheMinimum_IsRead) {
-  const Latency minimum = Ask(&Stub::GetMinLatency);
+TEST_F(DanteService, SetLatency_Minimum_IsRead) {
+  EXPECT_TRUE(SetLatency(250));
 
-  EXPECT_TRUE(Ask(&Stub::SetLatency, minimum).success());
-
-  EXPECT_EQ(Ask(&Stub::GetLatency).latency(), minimum.latency());
+  EXPECT_EQ(Ask(&Stub::GetLatency).latency(), 250U);
 }
 
 TEST_F(DanteService, SetName_AnyName_IsRead) {
@@ -113,16 +123,16 @@ TEST_F(DanteService, SetFlags_OneByOne_ChangeTheirOwnFlagOnly) {
 }
 
 TEST_F(DanteService, SetChannelName_KnownChannels_LabelTheirOwnListAndKeepTheDefault) {
-  EXPECT_TRUE(Ask(&Stub::SetTxChannelName, Numbered(2, "Main")).success());
-  EXPECT_TRUE(Ask(&Stub::SetRxChannelName, Numbered(3, "Sub")).success());
+  EXPECT_TRUE(SetTxName(4, "Main"));
+  EXPECT_TRUE(SetRxName(8, "Sub"));
 
   const Channels tx = Ask(&Stub::GetTxChannels);
   const Channels rx = Ask(&Stub::GetRxChannels);
-  EXPECT_EQ(tx.channels(1).name(), "Main");
-  EXPECT_EQ(tx.channels(1).defaultname(), "02");
+  EXPECT_EQ(tx.channels(3).name(), "Main");
+  EXPECT_EQ(tx.channels(3).defaultname(), "04");
   EXPECT_EQ(tx.channels(2).name(), "03");
-  EXPECT_EQ(rx.channels(2).name(), "Sub");
-  EXPECT_EQ(rx.channels(1).name(), "02");
+  EXPECT_EQ(rx.channels(7).name(), "Sub");
+  EXPECT_EQ(rx.channels(3).name(), "04");
 }
 
 TEST_F(DanteService, GetRxChannelLink_FactoryDevice_IsNotSubscribed) {
@@ -180,6 +190,56 @@ TEST_F(DanteService, GetRxChannelLink_UnknownChannel_IsNotFound) {
   const auto status = support::Call(*stubs.dante, &Stub::GetRxChannelLink, Numbered(9), reply);
 
   EXPECT_EQ(status.error_code(), grpc::StatusCode::NOT_FOUND);
+}
+
+// --- Rejected requests ---------------------------------------------------------
+
+TEST_F(DanteService, SettingsRejected_ChangeNothing) {
+  const std::string before = device.StateJson();
+
+  for (const std::uint32_t rate : {47999U, 0U}) EXPECT_FALSE(SetRate(rate)) << rate;
+  EXPECT_FALSE(SetLatency(249));
+  EXPECT_FALSE(SetTxName(5, "x"));
+  EXPECT_FALSE(SetTxName(0, "x"));
+  EXPECT_FALSE(SetTxName(1, ""));
+  EXPECT_FALSE(SetRxName(9, "x"));
+  EXPECT_FALSE(SetRxName(1, ""));
+
+  EXPECT_EQ(device.StateJson(), before);
+}
+
+TEST_F(DanteService, SetRxChannelLink_InvalidLinks_AreRejectedAndChangeNothing) {
+  const std::string before = device.StateJson();
+  LinkInfo bare;
+  bare.set_id(9);
+  LinkInfo only_device = ByNames(1);
+  only_device.clear_channelname();
+  LinkInfo only_channel = ByNames(1);
+  only_channel.clear_devicename();
+  LinkInfo without_address = ByStream(1);
+  without_address.mutable_raw()->clear_ip();
+  LinkInfo unknown_encoding = ByStream(1);
+  unknown_encoding.mutable_raw()->set_encoding(static_cast<Encoding>(2));
+
+  EXPECT_FALSE(SetLink(ByNames(9)));
+  EXPECT_FALSE(SetLink(bare));
+  EXPECT_FALSE(SetLink(only_device));
+  EXPECT_FALSE(SetLink(only_channel));
+  EXPECT_FALSE(SetLink(without_address));
+  EXPECT_FALSE(SetLink(unknown_encoding));
+
+  EXPECT_EQ(device.StateJson(), before);
+}
+
+TEST_F(DanteService, SetAES67Status_ModuleWithoutAES67_RejectsTurningItOn) {
+  device.WithDevice([](simulator::Device& it) { it.dante.aes67_available = false; });
+  Status on;
+  on.set_status(true);
+
+  EXPECT_FALSE(Ask(&Stub::SetAES67Status, on).success());
+
+  EXPECT_FALSE(Ask(&Stub::GetAES67Status).status());
+  EXPECT_TRUE(Ask(&Stub::SetAES67Status).success());
 }
 
 }  // namespace

@@ -1,15 +1,8 @@
-// Each fault as a client meets it, and the calls that are recorded.
+// Faults: their string form, and each one as a client sees it.
 #include <gmock/gmock.h>
-#include <grpcpp/create_channel.h>
-#include <grpcpp/generic/generic_stub.h>
-#include <grpcpp/security/credentials.h>
-#include <grpcpp/support/byte_buffer.h>
 
-#include <chrono>
 #include <future>
-#include <thread>
 
-#include "simulator/loopback_port.h"
 #include "tests/simulator/simulated_device.h"
 
 namespace {
@@ -17,8 +10,11 @@ namespace {
 using grpc::StatusCode;
 using simulator::BadFault;
 using simulator::Daemon;
+using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
+
+constexpr const char* kDefaultName = "Amplifier-520001";
 
 class FaultsOfDevice : public support::SimulatedDevice {
  protected:
@@ -33,76 +29,90 @@ class FaultsOfDevice : public support::SimulatedDevice {
     request.set_name(to);
     return Ask(&DanteStub::SetName, request).success();
   }
-  // A connection takes its time to end and to be made again.
+  std::string NameOfModel() {
+    return device.WithDevice([](simulator::Device& it) { return it.dante.name; });
+  }
+
+  // GetName in a thread of its own; the device has received it when this returns.
+  // `context` can cancel it.
+  std::future<StatusCode> StartGetName() {
+    auto code = std::async(std::launch::async, [this] {
+      return stubs.dante->GetName(&context, {}, &name).error_code();
+    });
+    EXPECT_TRUE(device.WaitForCalls("GetName"));
+    return code;
+  }
+
+  // It takes time until a connection has ended and a new one is made.
   bool GetsNameAgain() {
     for (int attempt = 0; attempt < 50; ++attempt) {
-      grpc::ClientContext context;
-      context.set_wait_for_ready(true);
-      context.set_deadline(std::chrono::system_clock::now() + std::chrono::seconds(20));
-      if (stubs.dante->GetName(&context, {}, &name).ok()) return name.name() == "Amplifier-520001";
+      grpc::ClientContext patient;
+      patient.set_wait_for_ready(true);
+      patient.set_deadline(support::In20Seconds());
+      if (stubs.dante->GetName(&patient, {}, &name).ok()) return name.name() == kDefaultName;
     }
     return false;
   }
   static bool Connects(const std::string& url) {
-    return grpc::CreateChannel(url, grpc::InsecureChannelCredentials())
-        ->WaitForConnected(std::chrono::system_clock::now() + std::chrono::seconds(20));
+    return support::ChannelTo(url)->WaitForConnected(support::In20Seconds());
   }
-  // Calls a method of the Dante API daemon with these bytes.
-  StatusCode CallWithBytes(const std::string& method, const std::string& bytes) {
-    grpc::GenericStub stub(
-        grpc::CreateChannel(device.DapiUrl(), grpc::InsecureChannelCredentials()));
-    const grpc::Slice slice(bytes);
-    const grpc::ByteBuffer request(&slice, 1);
-    grpc::ByteBuffer reply;
-    grpc::ClientContext context;
-    context.set_deadline(std::chrono::system_clock::now() + std::chrono::seconds(20));
-    std::promise<grpc::Status> status;
-    stub.UnaryCall(&context, "/ostrevan.grpcdapi.DAPI/" + method, {}, &request, &reply,
-                   [&](grpc::Status ended) { status.set_value(std::move(ended)); });
-    return status.get_future().get().error_code();
-  }
-  std::string ModelName() {
-    return device.WithDevice([](simulator::Device& it) { return it.dante.name; });
-  }
+
+  grpc::ClientContext context;
   ostrevan::grpcdapi::Name name;
 };
 
-TEST_F(FaultsOfDevice, StatusTwice_ThenAnswersAsUsual) {
-  device.Inject("GetName:status=DATA_LOSS,times=2");
+// --- Replies and statuses ------------------------------------------------------
 
-  EXPECT_EQ(GetName(), StatusCode::DATA_LOSS);
-  EXPECT_EQ(GetName(), StatusCode::DATA_LOSS);
-  EXPECT_EQ(GetName(), StatusCode::OK);
-  EXPECT_EQ(name.name(), "Amplifier-520001");
-  EXPECT_THAT(device.ListFaults(), SizeIs(0));
+struct Outcome {
+  const char* fault;
+  std::vector<StatusCode> of_get_name;  // of the first call, of the second, ...
+  StatusCode of_get_hostname;
+};
+
+std::ostream& operator<<(std::ostream& out, const Outcome& outcome) { return out << outcome.fault; }
+
+class FaultOutcomes : public FaultsOfDevice, public testing::WithParamInterface<Outcome> {};
+
+TEST_P(FaultOutcomes, CallsOfBothDaemons_HaveTheirStatus) {
+  device.Inject(GetParam().fault);
+
+  for (const StatusCode expected : GetParam().of_get_name) EXPECT_EQ(GetName(), expected);
+  EXPECT_EQ(GetHostname(), GetParam().of_get_hostname);
 }
 
-TEST_F(FaultsOfDevice, StatusWithMessage_TellsIt) {
+INSTANTIATE_TEST_SUITE_P(
+    All, FaultOutcomes,
+    testing::Values(
+        Outcome{"GetName:status=DATA_LOSS,times=2",
+                {StatusCode::DATA_LOSS, StatusCode::DATA_LOSS, StatusCode::OK},
+                StatusCode::OK},
+        Outcome{"*:status=ABORTED", {StatusCode::ABORTED}, StatusCode::ABORTED},
+        Outcome{"NetworkManager.*:status=ABORTED", {StatusCode::OK}, StatusCode::ABORTED},
+        Outcome{"GetName:status=ABORTED,delay=1,times=1",
+                {StatusCode::ABORTED, StatusCode::OK},
+                StatusCode::OK},
+        Outcome{
+            "*:oversize,times=1", {StatusCode::RESOURCE_EXHAUSTED, StatusCode::OK}, StatusCode::OK},
+        Outcome{"GetName:drop,times=1", {StatusCode::UNAVAILABLE}, StatusCode::OK},
+        Outcome{"DAPI.*:stop", {StatusCode::UNAVAILABLE}, StatusCode::OK},
+        Outcome{"DAPI.*:refuse", {StatusCode::OK}, StatusCode::OK}));
+
+TEST_F(FaultsOfDevice, StatusWithMessage_ClientReceivesIt) {
   device.Inject("GetName:status=ABORTED,message=restarting, come back=later");
 
-  const grpc::Status status = CallGetName();
-
-  EXPECT_EQ(status.error_code(), StatusCode::ABORTED);
-  EXPECT_EQ(status.error_message(), "restarting, come back=later");
+  EXPECT_EQ(CallGetName().error_message(), "restarting, come back=later");
 }
 
-TEST_F(FaultsOfDevice, TwoForOneMethod_TheFirstActsUntilItIsUsedUp) {
+TEST_F(FaultsOfDevice, TwoForOneMethod_FirstActsUntilItsTimesAreOver) {
   device.Inject("GetName:status=ABORTED,times=1");
   device.Inject("*:status=DATA_LOSS");
 
   EXPECT_EQ(GetName(), StatusCode::ABORTED);
   EXPECT_EQ(GetName(), StatusCode::DATA_LOSS);
-  EXPECT_EQ(GetHostname(), StatusCode::DATA_LOSS);
+  EXPECT_THAT(device.ListFaults(), SizeIs(1));
 }
 
-TEST_F(FaultsOfDevice, ForOneDaemon_TheOtherAnswersAsUsual) {
-  device.Inject("NetworkManager.*:status=ABORTED");
-
-  EXPECT_EQ(GetHostname(), StatusCode::ABORTED);
-  EXPECT_EQ(GetName(), StatusCode::OK);
-}
-
-TEST_F(FaultsOfDevice, OneCleared_TheOthersStay) {
+TEST_F(FaultsOfDevice, OneCleared_OthersStay) {
   device.Inject("*:status=ABORTED");
   device.Inject("GetName:status=DATA_LOSS");
 
@@ -113,24 +123,12 @@ TEST_F(FaultsOfDevice, OneCleared_TheOthersStay) {
   EXPECT_THROW(device.ClearFaults("GetBogus"), BadFault);
 }
 
-TEST_F(FaultsOfDevice, CodeThatGrpcLacks_IsRefused) {
-  for (const int code : {-1, 17}) {
-    simulator::Fault fault;
-    fault.method = "GetName";
-    fault.kind = simulator::FaultKind::kStatus;
-    fault.status = code;
-    EXPECT_THROW(device.Inject(fault), BadFault) << code;
-  }
-  EXPECT_THAT(device.ListFaults(), IsEmpty());
-}
-
-TEST_F(FaultsOfDevice, Refuse_ChangesNothing) {
+TEST_F(FaultsOfDevice, Refuse_RepliesFalseAndChangesNothing) {
   device.Inject("DAPI.*:refuse");
 
   EXPECT_FALSE(SetName("refused"));
 
-  EXPECT_EQ(GetName(), StatusCode::OK);
-  EXPECT_EQ(name.name(), "Amplifier-520001");
+  EXPECT_EQ(NameOfModel(), kDefaultName);
 }
 
 TEST_F(FaultsOfDevice, EmptyReply_HasZeroValues) {
@@ -146,114 +144,86 @@ TEST_F(FaultsOfDevice, MalformedReply_CannotBeParsed) {
   EXPECT_NE(GetName(), StatusCode::OK);
 }
 
-TEST_F(FaultsOfDevice, OversizeReply_ExceedsTheClientsLimit) {
-  device.Inject("*:oversize,times=1");
-
-  EXPECT_EQ(GetName(), StatusCode::RESOURCE_EXHAUSTED);
-}
-
 TEST_F(FaultsOfDevice, DelayOver_AnswersAsUsual) {
   device.Inject("SetName:delay=1");
 
   EXPECT_TRUE(SetName("late"));
-  EXPECT_EQ(ModelName(), "late");
+  EXPECT_EQ(NameOfModel(), "late");
 }
 
-TEST_F(FaultsOfDevice, DelayAndStatus_BothAct) {
-  device.Inject("GetName:status=ABORTED,delay=1,times=1");
+// --- Calls that wait -----------------------------------------------------------
 
-  EXPECT_EQ(GetName(), StatusCode::ABORTED);
-  EXPECT_EQ(GetName(), StatusCode::OK);
-}
+class WaitingCalls : public FaultsOfDevice, public testing::WithParamInterface<const char*> {};
 
-TEST_F(FaultsOfDevice, DelayOfAnHour_ClientGivesUp_ChangesNothing) {
-  device.Inject("SetName:delay=3600000");
-  ostrevan::grpcdapi::Name request;
-  request.set_name("late");
-  ostrevan::grpcdapi::Success reply;
-  grpc::ClientContext context;
-  std::promise<StatusCode> code;
-  std::thread client(
-      [&] { code.set_value(stubs.dante->SetName(&context, request, &reply).error_code()); });
-  EXPECT_TRUE(device.WaitForCalls("SetName"));
-  EXPECT_EQ(GetName(), StatusCode::OK);  // others are answered meanwhile
+TEST_P(WaitingCalls, ClientCancels_CallEndsAndDeviceServesOthers) {
+  device.Inject(GetParam());
+  auto code = StartGetName();
+  Ask(&DanteStub::GetModelName);
 
   context.TryCancel();
 
-  client.join();
-  EXPECT_EQ(code.get_future().get(), StatusCode::CANCELLED);
-  EXPECT_EQ(ModelName(), "Amplifier-520001");
+  EXPECT_EQ(code.get(), StatusCode::CANCELLED);
+  device.ClearFaults();
+  EXPECT_EQ(GetName(), StatusCode::OK);
 }
 
-TEST_F(FaultsOfDevice, DelayOfAnHour_DeviceStopped_EndsTheCall) {
-  device.Inject("GetName:delay=3600000");
-  StatusCode code = StatusCode::OK;
-  std::thread client([&] { code = GetName(); });
-  EXPECT_TRUE(device.WaitForCalls("GetName"));
+TEST_P(WaitingCalls, DeviceStopped_CallFails) {
+  device.Inject(GetParam());
+  auto code = StartGetName();
 
   device.Stop();
 
-  client.join();
-  EXPECT_NE(code, StatusCode::OK);
+  EXPECT_NE(code.get(), StatusCode::OK);
 }
 
-TEST_F(FaultsOfDevice, Freeze_Cleared_AnswersTheFrozenCall) {
-  device.Inject("GetName:freeze");
-  StatusCode code = StatusCode::UNKNOWN;
-  std::thread client([&] { code = GetName(); });
-  EXPECT_TRUE(device.WaitForCalls("GetName"));
+INSTANTIATE_TEST_SUITE_P(All, WaitingCalls,
+                         testing::Values("GetName:delay=3600000", "GetName:freeze",
+                                         "GetName:freeze,delay=3600000"));
 
-  device.ClearFaults();
+TEST_F(FaultsOfDevice, DelayOfAnHour_ClientCancels_ChangesNothing) {
+  device.Inject("SetName:delay=3600000");
+  ostrevan::grpcdapi::Success reply;
+  auto code = std::async(std::launch::async,
+                         [&] { return stubs.dante->SetName(&context, {}, &reply).error_code(); });
+  EXPECT_TRUE(device.WaitForCalls("SetName"));
 
-  client.join();
-  EXPECT_EQ(code, StatusCode::OK);
+  context.TryCancel();
+
+  EXPECT_EQ(code.get(), StatusCode::CANCELLED);
+  EXPECT_EQ(NameOfModel(), kDefaultName);
 }
 
-TEST_F(FaultsOfDevice, Freeze_AnotherFaultCleared_StaysFrozen) {
-  device.Inject("GetName:freeze,times=1");
+class Thaws : public FaultsOfDevice, public testing::WithParamInterface<const char*> {};
+
+TEST_P(Thaws, ClearedByItsMethodAfterAnother_CallIsAnsweredThen) {
+  device.Inject(GetParam());
   device.Inject("SetName:refuse");
-  StatusCode code = StatusCode::UNKNOWN;
-  std::thread client([&] { code = GetName(); });
-  EXPECT_TRUE(device.WaitForCalls("GetName"));
+  auto code = StartGetName();
 
   device.ClearFaults("SetName");
   device.WithDevice([](simulator::Device& it) { it.dante.name = "thawed"; });
   device.ClearFaults("GetName");
 
-  client.join();
-  EXPECT_EQ(code, StatusCode::OK);
+  EXPECT_EQ(code.get(), StatusCode::OK);
   EXPECT_EQ(name.name(), "thawed");
 }
 
-TEST_F(FaultsOfDevice, Freeze_ClientGivesUp_TheDeviceServesOnAndThaws) {
-  device.Inject("GetName:freeze");
-  grpc::ClientContext context;
-  std::promise<StatusCode> code;
-  std::thread client(
-      [&] { code.set_value(stubs.dante->GetName(&context, {}, &name).error_code()); });
-  EXPECT_TRUE(device.WaitForCalls("GetName"));
+INSTANTIATE_TEST_SUITE_P(All, Thaws,
+                         testing::Values("GetName:freeze", "GetName:freeze,times=1",
+                                         "GetName:freeze,delay=200"));
 
-  context.TryCancel();
+TEST_F(FaultsOfDevice, Freeze_AllCleared_AnswersTheCall) {
+  device.Inject("*:freeze");
+  auto code = StartGetName();
 
-  client.join();
-  EXPECT_EQ(code.get_future().get(), StatusCode::CANCELLED);
   device.ClearFaults();
-  EXPECT_EQ(GetName(), StatusCode::OK);
+
+  EXPECT_EQ(code.get(), StatusCode::OK);
 }
 
-TEST_F(FaultsOfDevice, Freeze_DeviceStopped_EndsTheFrozenCall) {
-  device.Inject("GetName:freeze");
-  StatusCode code = StatusCode::OK;
-  std::thread client([&] { code = GetName(); });
-  EXPECT_TRUE(device.WaitForCalls("DAPI.GetName"));
+// --- Connections and daemons ---------------------------------------------------
 
-  device.Stop();
-
-  client.join();
-  EXPECT_NE(code, StatusCode::OK);
-}
-
-TEST_F(FaultsOfDevice, Drop_CutsTheConnectionAndServesTheNext) {
+TEST_F(FaultsOfDevice, Drop_ServesTheNextConnection) {
   device.Inject("GetName:drop,times=1");
 
   EXPECT_EQ(GetName(), StatusCode::UNAVAILABLE);
@@ -263,151 +233,65 @@ TEST_F(FaultsOfDevice, Drop_CutsTheConnectionAndServesTheNext) {
 
 TEST_F(FaultsOfDevice, ConnectionsDropped_EndsCallsOfThatDaemonOnly) {
   device.Inject("*:freeze");
-  StatusCode dante = StatusCode::UNKNOWN;
-  StatusCode network = StatusCode::UNKNOWN;
-  std::thread dante_client([&] { dante = GetName(); });
-  std::thread network_client([&] { network = GetHostname(); });
-  EXPECT_TRUE(device.WaitForCalls("GetName"));
+  auto dante = StartGetName();
+  auto network = std::async(std::launch::async, [this] { return GetHostname(); });
   EXPECT_TRUE(device.WaitForCalls("GetHostname"));
 
   device.DropConnections(Daemon::kDapi);
 
-  dante_client.join();
-  EXPECT_EQ(dante, StatusCode::UNAVAILABLE);
+  EXPECT_EQ(dante.get(), StatusCode::UNAVAILABLE);
   device.ClearFaults();
-  network_client.join();
-  EXPECT_EQ(network, StatusCode::OK);
+  EXPECT_EQ(network.get(), StatusCode::OK);
   EXPECT_TRUE(GetsNameAgain());
 }
 
-TEST_F(FaultsOfDevice, StopInjected_IsListedAndTakenBackByClearing) {
+TEST_F(FaultsOfDevice, StopInjected_PortIsFreeUntilItIsCleared) {
   device.Inject("NetworkManager.*:stop");
 
+  device.ClearFaults("GetName");  // no fault was given for it
   EXPECT_EQ(GetHostname(), StatusCode::UNAVAILABLE);
-  EXPECT_EQ(GetName(), StatusCode::OK);
-  device.ClearFaults("GetName");  // not told, hence nothing to take back
   const std::string url = device.NetworkManagerUrl();
-  EXPECT_NO_THROW(simulator::RequireFreePort(std::stoi(url.substr(url.rfind(':') + 1))));
-  ASSERT_THAT(device.ListFaults(), SizeIs(1));
+  const int port = std::stoi(url.substr(url.rfind(':') + 1));
+  EXPECT_NO_THROW(simulator::Simulator({port, 0, 1, 1}));
 
   device.ClearFaults("NetworkManager.*");
-
-  EXPECT_TRUE(Connects(device.NetworkManagerUrl()));
+  EXPECT_TRUE(Connects(url));
   EXPECT_THAT(device.ListFaults(), IsEmpty());
 }
 
-TEST_F(FaultsOfDevice, DaemonStoppedTwice_StartsAtOnce) {
+TEST_F(FaultsOfDevice, DaemonStoppedTwice_IsListedOnceAndStartsAtOnce) {
   device.StopDaemon(Daemon::kDapi);
   device.StopDaemon(Daemon::kDapi);
+  EXPECT_EQ(GetName(), StatusCode::UNAVAILABLE);
+  EXPECT_EQ(GetHostname(), StatusCode::OK);
   EXPECT_THAT(device.ListFaults(), SizeIs(1));
 
   device.StartDaemon(Daemon::kDapi);
 
-  EXPECT_TRUE(Connects(device.DapiUrl()));
+  EXPECT_TRUE(GetsNameAgain());
   EXPECT_THAT(device.ListFaults(), IsEmpty());
 }
 
-TEST_F(FaultsOfDevice, BothDaemonsStopped_AreListedAndClearedTogether) {
+TEST_F(FaultsOfDevice, BothDaemonsStopped_AllClearedStartsBoth) {
   device.StopDaemon(Daemon::kNetworkManager);
   device.StopDaemon(Daemon::kDapi);
-
   EXPECT_THAT(device.ListFaults(), SizeIs(2));
-  EXPECT_EQ(GetName(), StatusCode::UNAVAILABLE);
-  EXPECT_EQ(GetHostname(), StatusCode::UNAVAILABLE);
 
   device.ClearFaults();
+
   EXPECT_TRUE(Connects(device.NetworkManagerUrl()));
   EXPECT_TRUE(Connects(device.DapiUrl()));
 }
 
-TEST_F(FaultsOfDevice, DaemonStopped_OnlyThatOneIsUnreachableUntilStarted) {
-  device.StopDaemon(simulator::Daemon::kDapi);
+// --- The string form -----------------------------------------------------------
 
-  EXPECT_EQ(GetName(), StatusCode::UNAVAILABLE);
-  EXPECT_EQ(Ask(&NetworkStub::GetHostname).hostname(), "amplifier");
+class FaultStrings : public testing::TestWithParam<const char*> {};
 
-  device.StartDaemon(simulator::Daemon::kDapi);
-  EXPECT_TRUE(GetsNameAgain());
+TEST_P(FaultStrings, Parsed_AreWrittenTheSame) {
+  EXPECT_EQ(ToString(simulator::ParseFault(GetParam())), GetParam());
 }
 
-TEST_F(FaultsOfDevice, Calls_AreRecordedWithDecodedRequestAndFault) {
-  device.Inject("SetName:refuse,times=1");
-
-  SetName("x");
-  SetName("y");
-
-  const auto calls = device.Calls();
-  ASSERT_THAT(calls, SizeIs(2));
-  EXPECT_EQ(calls[0].method, "DAPI.SetName");
-  EXPECT_EQ(calls[0].request, R"({"name":"x"})");
-  EXPECT_EQ(calls[0].fault, "SetName:refuse,times=1");
-  EXPECT_EQ(calls[0].number, 1U);
-  EXPECT_EQ(calls[1].number, 2U);
-  EXPECT_EQ(calls[1].fault, "");
-}
-
-TEST_F(FaultsOfDevice, CallsForgotten_TheNextOneKeepsItsNumber) {
-  GetName();
-
-  device.ForgetCalls();
-  EXPECT_FALSE(device.WaitForCalls("GetName", 1, std::chrono::milliseconds(0)));
-  GetHostname();
-
-  const auto calls = device.Calls();
-  ASSERT_THAT(calls, SizeIs(1));
-  EXPECT_EQ(calls[0].number, 2U);
-  EXPECT_EQ(calls[0].method, "NetworkManager.GetHostname");
-}
-
-TEST_F(FaultsOfDevice, WaitForCalls_CountsThoseOfTheMethodAlone) {
-  constexpr std::chrono::milliseconds kNow{0};
-  GetName();
-  GetName();
-  GetHostname();
-
-  EXPECT_TRUE(device.WaitForCalls("GetName", 2, kNow));
-  EXPECT_FALSE(device.WaitForCalls("GetName", 3, kNow));
-  EXPECT_TRUE(device.WaitForCalls("DAPI.*", 2, kNow));
-  EXPECT_FALSE(device.WaitForCalls("DAPI.*", 3, kNow));
-  EXPECT_TRUE(device.WaitForCalls("NetworkManager.GetHostname", 1, kNow));
-  EXPECT_FALSE(device.WaitForCalls("DAPI.GetHostname", 1, kNow));
-  EXPECT_TRUE(device.WaitForCalls("*", 3, kNow));
-}
-
-TEST_F(FaultsOfDevice, RequestThatCannotBeParsed_IsAnsweredSoAndRecordedAsNull) {
-  EXPECT_EQ(CallWithBytes("SetName", "\x0a\x7f"), StatusCode::INTERNAL);
-  EXPECT_EQ(CallWithBytes("SetName", "\x0a\x01\xff"), StatusCode::INTERNAL);  // no UTF-8
-
-  for (const auto& call : device.Calls()) EXPECT_EQ(call.request, "null");
-  EXPECT_THAT(device.Calls(), SizeIs(2));
-  EXPECT_EQ(ModelName(), "Amplifier-520001");
-}
-
-TEST_F(FaultsOfDevice, MethodThatNoDaemonHas_IsUnimplementedAlsoUnderAFault) {
-  device.Inject("*:status=ABORTED");
-
-  EXPECT_EQ(CallWithBytes("GetBogus", ""), StatusCode::UNIMPLEMENTED);
-  EXPECT_EQ(CallWithBytes("GetHostname", ""), StatusCode::UNIMPLEMENTED);
-  EXPECT_THAT(device.Calls(), IsEmpty());
-}
-
-TEST(Faults, MoreCallsThanAreKept_ForgetsTheOldest) {
-  simulator::Faults faults;
-  for (int i = 0; i < 10002; ++i) faults.Record({0, "DAPI.GetName", "{}", ""});
-
-  const auto calls = faults.Calls();
-  ASSERT_THAT(calls, SizeIs(10000));
-  EXPECT_EQ(calls.front().number, 3U);
-  EXPECT_EQ(calls.back().number, 10002U);
-}
-
-class FaultTexts : public testing::TestWithParam<const char*> {};
-
-TEST_P(FaultTexts, AreWrittenAsTheyAreRead) {
-  EXPECT_EQ(ToText(simulator::ParseFault(GetParam())), GetParam());
-}
-
-INSTANTIATE_TEST_SUITE_P(All, FaultTexts,
+INSTANTIATE_TEST_SUITE_P(All, FaultStrings,
                          testing::Values("GetName:status=UNAUTHENTICATED",
                                          "DAPI.GetName:status=CANCELLED,delay=5,times=4294967295",
                                          "*:status=ABORTED,message=a, b=c:d", "SetName:refuse",
@@ -416,12 +300,12 @@ INSTANTIATE_TEST_SUITE_P(All, FaultTexts,
                                          "NetworkManager.*:freeze", "GetName:drop", "DAPI.*:stop",
                                          "*:delay=250"));
 
-class BadFaults : public testing::TestWithParam<const char*> {};
+class BadFaultStrings : public testing::TestWithParam<const char*> {};
 
-TEST_P(BadFaults, AreRefused) { EXPECT_THROW(simulator::ParseFault(GetParam()), BadFault); }
+TEST_P(BadFaultStrings, AreRejected) { EXPECT_THROW(simulator::ParseFault(GetParam()), BadFault); }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, BadFaults,
+    All, BadFaultStrings,
     testing::Values("", "GetName", "GetName:", "GetBogus:drop", "GetName:refuse", "GetName:bogus",
                     "GetName:status=NO", "GetName:status=OK", "GetName:drop,freeze",
                     "GetName:delay=x", "GetName:drop,times=1x", "GetName:delay=-1",
@@ -430,5 +314,15 @@ INSTANTIATE_TEST_SUITE_P(
                     "DAPI.*:stop,times=1", "DAPI.*:stop,delay=1", "NetworkManager.GetName:drop",
                     "getname:drop", "GetName:drop,message=x", "GetName:message=x",
                     "GetName:drop,status=ABORTED"));
+
+TEST(Faults, StatusCodeThatGrpcLacks_IsRejected) {
+  for (const int code : {-1, 17}) {
+    simulator::Fault fault;
+    fault.method = "GetName";
+    fault.kind = simulator::FaultKind::kStatus;
+    fault.status = code;
+    EXPECT_THROW(Check(fault), BadFault) << code;
+  }
+}
 
 }  // namespace

@@ -1,5 +1,4 @@
-// The simulator and the library in one process, as tests of applications use
-// them.
+// The simulator and the library in one process, as in tests of applications.
 #include <gmock/gmock.h>
 
 #include <cstdlib>
@@ -54,7 +53,7 @@ TEST_F(InProcess, Facades_SwitchModeWithBothDantePorts_SeeTwoDanteInterfaces) {
   EXPECT_EQ(both[1].ip, "169.254.82.3");
 }
 
-TEST_F(InProcess, WithDevice_ModelChanged_TheNextCallTellsIt) {
+TEST_F(InProcess, WithDevice_ModelChanged_NextCallReadsIt) {
   device.WithDevice([](simulator::Device& it) { it.dante.name = "changed"; });
 
   std::string name;
@@ -77,7 +76,7 @@ TEST_F(InProcess, WithDevice_ClientsAndTestAtOnce_EveryChangeIsKept) {
         Ask(&DanteStub::SetRxChannelLink, link);
         device.WithDevice([](simulator::Device& it) {
           const std::uint32_t before = it.dante.latency;
-          std::this_thread::yield();  // an invitation to come in between
+          std::this_thread::yield();  // lets another thread run in between
           it.dante.latency = before + 1;
         });
       }
@@ -91,8 +90,9 @@ TEST_F(InProcess, WithDevice_ClientsAndTestAtOnce_EveryChangeIsKept) {
   });
 }
 
-TEST_F(InProcess, Stop_ServingDevice_EndsBothDaemonsAndKeepsTheModel) {
-  support::Everything(stubs);
+TEST_F(InProcess, Stop_EndsBothDaemonsAndKeepsTheModel) {
+  Ask(&DanteStub::GetName);
+  Ask(&NetworkStub::GetHostname);
   device.WithDevice([](simulator::Device& it) { it.network.hostname = "kept"; });
 
   device.Stop();

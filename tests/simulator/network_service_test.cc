@@ -10,6 +10,7 @@ using support::kControl;
 using support::kPrimary;
 using support::kSecondary;
 using support::kService;
+using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -23,6 +24,12 @@ class NetworkService : public support::SimulatedDevice {
     return Ask(&Stub::SetNetworkConfig, config).success();
   }
   bool Reload() { return Ask(&Stub::ReloadNetworkConfig).success(); }
+  bool SetMode(int id) { return Ask(&Stub::SetSwitchMode, Numbered(id)).success(); }
+  bool SetHostname(const std::string& name) {
+    Hostname request;
+    request.set_hostname(name);
+    return Ask(&Stub::SetHostname, request).success();
+  }
   std::string GatewayOf(int id) {
     return Ask(&Stub::GetRoutingForInterface, Numbered(id)).gateway();
   }
@@ -194,7 +201,7 @@ TEST_F(NetworkService, GetAvailableSwitchModes_FactoryDevice_ListsIdsFromZeroWit
 }
 
 TEST_F(NetworkService, SetSwitchMode_ListedMode_IsStoredAndTakesEffectWithReload) {
-  EXPECT_TRUE(Ask(&Stub::SetSwitchMode, Numbered(1)).success());
+  EXPECT_TRUE(SetMode(1));
   EXPECT_EQ(Ask(&Stub::GetSwitchMode).id(), 1);
   EXPECT_EQ(Ask(&Stub::GetSwitchMode).name(), "Redundant");
   EXPECT_EQ(Ask(&Stub::GetSwitchModeStatus).id(), 0);
@@ -206,12 +213,11 @@ TEST_F(NetworkService, SetSwitchMode_ListedMode_IsStoredAndTakesEffectWithReload
 }
 
 TEST_F(NetworkService, SetHostname_LongestName_IsRead) {
-  Hostname request;
-  request.set_hostname(std::string(64, 'a'));
+  const std::string longest(64, 'a');
 
-  EXPECT_TRUE(Ask(&Stub::SetHostname, request).success());
+  EXPECT_TRUE(SetHostname(longest));
 
-  EXPECT_EQ(Ask(&Stub::GetHostname).hostname(), request.hostname());
+  EXPECT_EQ(Ask(&Stub::GetHostname).hostname(), longest);
 }
 
 TEST_F(NetworkService, SetNTPServer_TwoServers_AreStoredAndTakeEffectWithReload) {
@@ -230,21 +236,18 @@ TEST_F(NetworkService, SetNTPServer_TwoServers_AreStoredAndTakeEffectWithReload)
 }
 
 TEST_F(NetworkService, FactoryReset_EverythingChanged_RestoresNetworkAndLeavesDante) {
-  const std::string before = support::Everything(stubs);
+  const std::string before = device.StateJson();
   ASSERT_TRUE(Store(Static(kControl)));
-  ASSERT_TRUE(Ask(&Stub::SetSwitchMode, Numbered(2)).success());
+  ASSERT_TRUE(SetMode(2));
   ASSERT_TRUE(Ask(&Stub::SetNTPServer).success());
-  ASSERT_TRUE(Ask(&Stub::SetHostname).success());
+  ASSERT_TRUE(SetHostname("stage"));
   ASSERT_TRUE(Reload());
   ASSERT_TRUE(Ask(&Stub::ReloadNTPConfig).success());
-  ASSERT_NE(support::Everything(stubs), before);
+  ASSERT_NE(device.StateJson(), before);
 
   EXPECT_TRUE(Ask(&Stub::FactoryReset).success());
 
-  EXPECT_EQ(support::Everything(stubs), before);
-  device.WithDevice([](const simulator::Device& it) {
-    EXPECT_EQ(it.network.live_ntp, it.factory_network.live_ntp);
-  });
+  EXPECT_EQ(device.StateJson(), before);
 }
 
 TEST_F(NetworkService, FactoryReset_DanteNameChanged_KeepsTheName) {
@@ -255,6 +258,50 @@ TEST_F(NetworkService, FactoryReset_DanteNameChanged_KeepsTheName) {
   EXPECT_TRUE(Ask(&Stub::FactoryReset).success());
 
   EXPECT_EQ(Ask(&DanteStub::GetName).name(), "Stage left");
+}
+
+// --- Rejected requests ---------------------------------------------------------
+
+TEST_F(NetworkService, SetNetworkConfig_InvalidConfigs_AreRejectedAndChangeNothing) {
+  const std::string before = device.StateJson();
+  InterfaceConfig wireless = Static(kControl);
+  wireless.mutable_wifi()->set_ssid("stage");
+  InterfaceConfig bad_gateway = Static(kControl);
+  bad_gateway.set_gateway("router");
+  InterfaceConfig bad_second_dns = Static(kControl);
+  bad_second_dns.add_dns("");
+
+  EXPECT_FALSE(Store(Static(99)));
+  EXPECT_FALSE(Store(Static(-1)));
+  EXPECT_FALSE(Store(Mode(kControl, static_cast<EnInterfaceMode>(4))));
+  EXPECT_FALSE(Store(wireless));
+  EXPECT_FALSE(Store(bad_gateway));
+  EXPECT_FALSE(Store(bad_second_dns));
+
+  EXPECT_EQ(device.StateJson(), before);
+}
+
+TEST_F(NetworkService, SetNetworkConfig_InvalidAddressOrNetmask_IsRejected) {
+  InterfaceConfig config = Static(kControl);
+  for (const std::string& ip : {""s, "0.0.0.0"s, "10.1.2"s, "10.1.2.256"s, "10.1.2.3/16"s,
+                                "10.1.2.3 "s, "::1"s, "10.1.2.3\0."s}) {
+    config.set_ip(ip);
+    EXPECT_FALSE(Store(config)) << ip;
+  }
+  config = Static(kControl);
+  for (const char* mask : {"", "0.0.0.0", "255.0.255.0", "0.0.0.255", "16"}) {
+    config.set_netmask(mask);
+    EXPECT_FALSE(Store(config)) << mask;
+  }
+}
+
+TEST_F(NetworkService, SettingsRejected_ChangeNothing) {
+  const std::string before = device.StateJson();
+
+  for (const int mode : {3, -1}) EXPECT_FALSE(SetMode(mode)) << mode;
+  EXPECT_FALSE(SetHostname(std::string(65, 'a')));
+
+  EXPECT_EQ(device.StateJson(), before);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
-# The program from a shell: states, control socket, and what is installed of the
+# The program from a shell: invalid states, control socket, and the installed
 # library.
 #
-# ctest gives: SIMULATOR, the program; SOURCE_TREE; BUILD_TREE, LIBDIR and DATADIR,
+# ctest sets: SIMULATOR, the program; SOURCE_TREE; BUILD_TREE, LIBDIR and DATADIR,
 # what is installed and where; CMAKE, CXX and CXXFLAGS, the tools and flags.
 
 bats_require_minimum_version 1.5.0
@@ -12,11 +12,11 @@ teardown() {
   fi
 }
 
-# start OPTION...: waits for the first ready line and takes its endpoints.
+# start OPTION...: starts the program and waits for its ready line, in READY.
 start() {
   local word
   mkfifo "$BATS_TEST_TMPDIR/ready$((++STARTS))"
-  # Descriptor 3 is bats' own: held open, it would keep bats waiting.
+  # Descriptor 3 belongs to bats, which would wait until it is closed.
   "$SIMULATOR" "$@" >"$BATS_TEST_TMPDIR/ready$STARTS" 3>&- &
   DEVICE_PID=$!
   exec 4<"$BATS_TEST_TMPDIR/ready$STARTS"
@@ -24,7 +24,7 @@ start() {
   [ "$word" = ready ]
 }
 
-# end: ends it as a user would, and passes on its status.
+# end: terminates the program; its status is that of the program.
 end() {
   kill -TERM "$DEVICE_PID"
   wait "$DEVICE_PID"
@@ -33,17 +33,7 @@ end() {
 
 ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control" "$@"; }
 
-@test "a saved state is what the next run begins with" {
-  cd "$BATS_TEST_TMPDIR"
-  start --tx-channels 2 --fault SetName:refuse,times=3 --save first.json
-  end
-  start --state first.json --save second.json
-  end
-  diff first.json second.json
-  jq -e '.faults[0].times == 3 and (.dante.tx_channels | length) == 2' first.json
-}
-
-@test "a bad state is refused with file, line and reason before anything starts" {
+@test "an invalid state is rejected with file, line and reason before anything starts" {
   printf '{"schema": 1,\n"bogus": 2}\n' >"$BATS_TEST_TMPDIR/bad.json"
   run -1 --separate-stderr "$SIMULATOR" --state "$BATS_TEST_TMPDIR/bad.json"
   [ -z "$output" ]
@@ -51,7 +41,7 @@ ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control
   [ "$stderr" = "networkgrpc-simulator: $BATS_TEST_TMPDIR/bad.json:2: bogus: unknown member" ]
 }
 
-@test "the control socket is private, adds and takes back faults, and goes with the program" {
+@test "the control socket is private, adds and clears faults, and is removed at exit" {
   start --control "$BATS_TEST_TMPDIR/private/control"
   [[ "$READY" == *" control=unix:$BATS_TEST_TMPDIR/private/control" ]]
   [ "$(stat -c %a "$BATS_TEST_TMPDIR/private")" = 700 ]
@@ -78,20 +68,20 @@ ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control
   end
   [ ! -e "$BATS_TEST_TMPDIR/private/control" ]
   run -1 ctl state
-  [[ "$output" == *"No such file or directory; is there one that was started with --control?" ]]
+  [[ "$output" == *"No such file or directory; start a simulator with --control" ]]
 }
 
-# state_of_connection_to PORT: as the kernel numbers them, of this side.
+# state_of_connection_to PORT: the number that the kernel has for it, on this side.
 state_of_connection_to() {
   awk -v port="$(printf ':%04X$' "$1")" '$3 ~ port { print $4 }' /proc/net/tcp
 }
 
-@test "dropping cuts the connections of one daemon and leaves the other's" {
+@test "dropping the connections of one daemon leaves the other's" {
   start --control "$BATS_TEST_TMPDIR/private/control"
   local network_manager_url grpc_dapi_url
   eval "${READY% control=*}"
   exec 5<>"/dev/tcp/${network_manager_url/://}" 6<>"/dev/tcp/${grpc_dapi_url/://}"
-  # The daemons have taken the connections when their first frames are here.
+  # The daemons have accepted the connections when their first frames arrive.
   timeout 20 head -c 9 <&5 >"$BATS_TEST_TMPDIR/frame"
   timeout 20 head -c 9 <&6 >"$BATS_TEST_TMPDIR/frame"
   ctl drop NetworkManager
@@ -103,10 +93,10 @@ state_of_connection_to() {
   end
 }
 
-@test "a control socket that is in use is left alone, one that was left behind is replaced" {
+@test "a control socket in use is left alone, that of a killed simulator is replaced" {
   start --control "$BATS_TEST_TMPDIR/private/control"
   run -1 timeout 20 "$SIMULATOR" --control "$BATS_TEST_TMPDIR/private/control"
-  [[ "$output" == *"a simulator does already"* ]]
+  [[ "$output" == *"another simulator listens on it"* ]]
   [ "$(ctl state | jq .schema)" = 1 ]
   kill -KILL "$DEVICE_PID"
   wait "$DEVICE_PID" || true
@@ -116,7 +106,7 @@ state_of_connection_to() {
   end
 }
 
-@test "the automatic control socket needs XDG_RUNTIME_DIR, and both sides find it" {
+@test "the automatic control socket requires XDG_RUNTIME_DIR, and both sides find it" {
   unset XDG_RUNTIME_DIR
   run -2 "$SIMULATOR" --control auto
   [[ "$output" == *"XDG_RUNTIME_DIR is not set; give a path"* ]]
@@ -127,36 +117,15 @@ state_of_connection_to() {
   end
 }
 
-@test "a control socket in a folder that others can enter is refused" {
+@test "a control socket in a folder that others can enter is rejected" {
   mkdir -m 755 "$BATS_TEST_TMPDIR/open"
   run -1 timeout 20 "$SIMULATOR" --control "$BATS_TEST_TMPDIR/open/control"
   [[ "$output" == *"others have access"* ]]
 }
 
-@test "a control socket whose path is too long is refused" {
+@test "a control socket whose path is too long is rejected" {
   run -1 timeout 20 "$SIMULATOR" --control "$BATS_TEST_TMPDIR/$(printf '%0120d' 0)/control"
-  [[ "$output" == *"its path has to have 1 to 107 bytes"* ]]
-}
-
-@test "several devices have names, addresses and ready lines of their own" {
-  start --devices 3 --control "$BATS_TEST_TMPDIR/private/control"
-  local word line
-  for line in 2 3; do
-    read -r -t 20 word READY <&4
-    [ "$word" = ready ]
-  done
-  for line in 1 2 3; do
-    ctl --device "$line" state | jq -r '.dante.name, .network.hostname, .network.interfaces[].mac'
-  done >"$BATS_TEST_TMPDIR/names"
-  [ "$(wc -l <"$BATS_TEST_TMPDIR/names")" -eq 18 ]
-  [ -z "$(sort "$BATS_TEST_TMPDIR/names" | uniq -d)" ]
-  end
-}
-
-@test "options that do not go together are refused" {
-  run -2 "$SIMULATOR" --devices 2 --dapi-port 5000
-  run -2 "$SIMULATOR" --devices 2 --save one.json
-  run -2 "$SIMULATOR" --fault GetBogus:drop
+  [[ "$output" == *"its path must have 1 to 107 bytes"* ]]
 }
 
 @test "the installed library builds the installed example, which passes" {
@@ -187,7 +156,7 @@ state_of_connection_to() {
     "$CXX" -std=c++17 -fsyntax-only -I "$prefix/include/NetworkgRPC" -x c++ "$header"
   done
 
-  # What is missing is told of the component that was asked for.
+  # The message names the component that was asked for and what is missing.
   run ! configure --fresh -DPKG_CONFIG_EXECUTABLE=/nonexistent
   [[ "$(tr -s ' \n' ' ' <<<"$output")" == *"component Simulator needs what is not installed: pkg-config "* ]]
   rm "$prefix/$LIBDIR"/cmake/NetworkgRPC/NetworkgRPCSimulatorTargets*

@@ -1,4 +1,4 @@
-// The simulator as a program: options, ready line, signals, exit status.
+// The simulator as a program: options, ready line, signals, exit status, ctl.
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <set>
 
 #include "simulator/simulator.h"
@@ -18,6 +19,8 @@
 namespace {
 
 using support::Ask;
+using support::DanteStub;
+using support::NetworkStub;
 using support::SimulatorProcess;
 using support::Stubs;
 using testing::ElementsAre;
@@ -25,8 +28,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::StartsWith;
-using DanteStub = ostrevan::grpcdapi::DAPI::Stub;
-using NetworkStub = ostrevan::networkmanager::NetworkManager::Stub;
 
 support::Finished RunSimulator(std::vector<std::string> options) {
   options.insert(options.begin(), support::SimulatorProgram());
@@ -46,39 +47,27 @@ bool HasIpv6Loopback() {
   return bound;
 }
 
-TEST(Program, Started_PrintsOneReadyLineWithWorkingEndpoints) {
+TEST(Program, Started_PrintsOneReadyLine) {
   const SimulatorProcess simulator;
 
   EXPECT_THAT(simulator.ReadyLine(),
               MatchesRegex("ready network_manager_url=127\\.0\\.0\\.1:[0-9]+ "
                            "grpc_dapi_url=127\\.0\\.0\\.1:[0-9]+\n"));
-  const Stubs stubs(simulator.NetworkManagerUrl(), simulator.DapiUrl());
-  EXPECT_EQ(Ask(*stubs.network, &NetworkStub::GetHostname).hostname(), "amplifier");
-  EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetSampleRate).samplerate(), 48000U);
 }
 
-TEST(Program, AskedByTheNameLocalhost_Answers) {
+TEST(Program, CalledByEveryNameOfTheLoopback_Answers) {
   const SimulatorProcess simulator;
+  std::vector<std::string> hosts{"127.0.0.1:", "localhost:"};
+  if (HasIpv6Loopback()) hosts.emplace_back("[::1]:");
 
-  const Stubs stubs("localhost:" + Port(simulator.NetworkManagerUrl()),
-                    "localhost:" + Port(simulator.DapiUrl()));
-
-  EXPECT_EQ(Ask(*stubs.network, &NetworkStub::GetHostname).hostname(), "amplifier");
-  EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetSampleRate).samplerate(), 48000U);
+  for (const std::string& host : hosts) {
+    const Stubs stubs(host + Port(simulator.NetworkManagerUrl()), host + Port(simulator.DapiUrl()));
+    EXPECT_EQ(Ask(*stubs.network, &NetworkStub::GetHostname).hostname(), "amplifier") << host;
+    EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetSampleRate).samplerate(), 48000U) << host;
+  }
 }
 
-TEST(Program, AskedAtTheIpv6Loopback_Answers) {
-  const SimulatorProcess simulator;
-  // Where there is none, the simulator must not need it.
-  const std::string host = HasIpv6Loopback() ? "[::1]:" : "127.0.0.1:";
-
-  const Stubs stubs(host + Port(simulator.NetworkManagerUrl()), host + Port(simulator.DapiUrl()));
-
-  EXPECT_EQ(Ask(*stubs.network, &NetworkStub::GetHostname).hostname(), "amplifier");
-  EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetSampleRate).samplerate(), 48000U);
-}
-
-TEST(Program, ChannelCountsGiven_HasThatManyChannelsWithDefaultNames) {
+TEST(Program, ChannelCountsGiven_HasAsManyChannelsWithDefaultNames) {
   const SimulatorProcess simulator({"--tx-channels", "0", "--rx-channels", "12"});
 
   const Stubs stubs(simulator.NetworkManagerUrl(), simulator.DapiUrl());
@@ -92,23 +81,19 @@ TEST(Program, ChannelCountsGiven_HasThatManyChannelsWithDefaultNames) {
 }
 
 TEST(Program, PortsGiven_ServesOnThem) {
-  // given two ports that were free a moment ago
-  std::string network_manager_port;
-  std::string dapi_port;
-  {
-    const simulator::Simulator other;
-    network_manager_port = Port(other.NetworkManagerUrl());
-    dapi_port = Port(other.DapiUrl());
-  }
+  std::optional<simulator::Simulator> other(std::in_place);
+  const std::string network_manager = Port(other->NetworkManagerUrl());
+  const std::string dapi = Port(other->DapiUrl());
+  other.reset();  // both ports are free again
 
   const SimulatorProcess simulator(
-      {"--network-manager-port", network_manager_port, "--dapi-port", dapi_port});
+      {"--network-manager-port", network_manager, "--dapi-port", dapi});
 
-  EXPECT_EQ(simulator.ReadyLine(), "ready network_manager_url=127.0.0.1:" + network_manager_port +
-                                       " grpc_dapi_url=127.0.0.1:" + dapi_port + "\n");
+  EXPECT_EQ(Port(simulator.NetworkManagerUrl()), network_manager);
+  EXPECT_EQ(Port(simulator.DapiUrl()), dapi);
 }
 
-TEST(Program, TerminatedOrInterrupted_EndsWithStatusZero) {
+TEST(Program, TerminatedOrInterrupted_ExitsWithStatusZero) {
   for (const int signal : {SIGTERM, SIGINT}) {
     SimulatorProcess simulator;
     const Stubs stubs(simulator.NetworkManagerUrl(), simulator.DapiUrl());
@@ -118,7 +103,7 @@ TEST(Program, TerminatedOrInterrupted_EndsWithStatusZero) {
   }
 }
 
-TEST(Program, PortInUse_SaysWhichAndEndsWithStatusOne) {
+TEST(Program, PortInUse_PrintsWhichAndExitsWithStatusOne) {
   const simulator::Simulator other;
   const std::string port = Port(other.DapiUrl());
 
@@ -127,11 +112,11 @@ TEST(Program, PortInUse_SaysWhichAndEndsWithStatusOne) {
   EXPECT_EQ(finished.status, 1);
   EXPECT_THAT(finished.out, IsEmpty());
   EXPECT_EQ(finished.err, "networkgrpc-simulator: cannot listen on 127.0.0.1:" + port +
-                              ": Address already in use; choose another port, or 0 for a free "
-                              "one\n");
+                              ": Address already in use; use another port, or 0 for a free "
+                              "port\n");
 }
 
-TEST(Program, Help_NamesEveryOptionAndEndsWithStatusZero) {
+TEST(Program, Help_NamesEveryOption) {
   const support::Finished finished = RunSimulator({"--help"});
 
   EXPECT_EQ(finished.status, 0);
@@ -141,7 +126,7 @@ TEST(Program, Help_NamesEveryOptionAndEndsWithStatusZero) {
     EXPECT_THAT(finished.out, HasSubstr(option));
 }
 
-TEST(Program, Version_IsTheProjects) {
+TEST(Program, Version_IsThatOfTheProject) {
   const support::Finished finished = RunSimulator({"--version"});
 
   EXPECT_EQ(finished.status, 0);
@@ -159,12 +144,18 @@ class ProgramInFolder : public testing::Test {
   }
   ~ProgramInFolder() override {
     for (const char* file : {"first.json", "second.json"}) std::remove(Path(file).c_str());
+    std::remove(Path("control").c_str());  // of a simulator that was killed
     rmdir(folder.c_str());
   }
   ProgramInFolder(const ProgramInFolder&) = delete;
   ProgramInFolder& operator=(const ProgramInFolder&) = delete;
 
   std::string Path(const std::string& name) const { return folder + '/' + name; }
+
+  std::string Content(const std::string& name) const {
+    std::ifstream stream(Path(name));
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
 
   // What ctl prints.
   std::string Ctl(std::vector<std::string> words) {
@@ -183,42 +174,27 @@ bool SetName(const Stubs& stubs, const std::string& to) {
   return Ask(*stubs.dante, &DanteStub::SetName, name).success();
 }
 
-void ChangeMuch(const Stubs& stubs) {
-  EXPECT_TRUE(SetName(stubs, "Hall"));
-  ostrevan::grpcdapi::LinkInfo link;
-  link.set_id(2);
-  link.set_devicename("Desk");
-  link.set_channelname("05");
-  EXPECT_TRUE(Ask(*stubs.dante, &DanteStub::SetRxChannelLink, link).success());
-  ostrevan::networkmanager::InterfaceConfig config;
-  config.set_id(1);
-  config.set_mode(ostrevan::networkmanager::STATIC);
-  config.set_ip("10.0.0.2");
-  config.set_netmask("255.0.0.0");
-  EXPECT_TRUE(Ask(*stubs.network, &NetworkStub::SetNetworkConfig, config).success());
+TEST_F(ProgramInFolder, StateSaved_NextRunStartsWithIt) {
+  SimulatorProcess first({"--save", Path("first.json"), "--fault", "GetHostname:drop,times=3"});
+  const Stubs stubs(first.NetworkManagerUrl(), first.DapiUrl());
   ostrevan::networkmanager::Id mode;
   mode.set_id(2);
+  EXPECT_TRUE(SetName(stubs, "Hall"));
   EXPECT_TRUE(Ask(*stubs.network, &NetworkStub::SetSwitchMode, mode).success());  // not in effect
+  EXPECT_EQ(first.End(SIGTERM), 0);
+
+  SimulatorProcess second({"--state", Path("first.json"), "--save", Path("second.json")});
+  const Stubs next(second.NetworkManagerUrl(), second.DapiUrl());
+
+  EXPECT_EQ(Ask(*next.dante, &DanteStub::GetName).name(), "Hall");
+  EXPECT_EQ(Ask(*next.network, &NetworkStub::GetSwitchMode).id(), 2);
+  EXPECT_EQ(Ask(*next.network, &NetworkStub::GetSwitchModeStatus).id(), 0);
+  EXPECT_EQ(second.End(SIGTERM), 0);
+  EXPECT_EQ(Content("second.json"), Content("first.json"));
+  EXPECT_EQ(nlohmann::json::parse(Content("first.json"))["faults"][0]["times"], 3);
 }
 
-TEST_F(ProgramInFolder, StateSaved_TheNextRunAnswersIdentically) {
-  std::string before;
-  {
-    SimulatorProcess first({"--save", Path("first.json")});
-    const Stubs stubs(first.NetworkManagerUrl(), first.DapiUrl());
-    ChangeMuch(stubs);
-    before = Everything(stubs);
-    EXPECT_EQ(first.End(SIGTERM), 0);
-  }
-
-  const SimulatorProcess second({"--state", Path("first.json")});
-
-  const Stubs stubs(second.NetworkManagerUrl(), second.DapiUrl());
-  EXPECT_EQ(Everything(stubs), before);
-  EXPECT_THAT(before, HasSubstr("Hall"));
-}
-
-TEST_F(ProgramInFolder, OneFault_ActsAlikeFromFileOptionAndCtl) {
+TEST_F(ProgramInFolder, OneFault_ActsTheSameFromFileOptionAndCtl) {
   std::ofstream(Path("first.json")) << R"({"schema": 1, "faults": [ // one
              {"method": "SetName", "fault": "refuse", "times": 1}]})";
   const SimulatorProcess by_file({"--state", Path("first.json")});
@@ -234,7 +210,7 @@ TEST_F(ProgramInFolder, OneFault_ActsAlikeFromFileOptionAndCtl) {
   }
 }
 
-TEST_F(ProgramInFolder, CtlCalls_TellsMethodRequestAndFaultUntilForgotten) {
+TEST_F(ProgramInFolder, CtlCalls_PrintsMethodRequestAndFaultUntilForgotten) {
   const SimulatorProcess simulator(
       {"--control", Path("control"), "--fault", "SetName:refuse,times=1"});
   const Stubs stubs(simulator.NetworkManagerUrl(), simulator.DapiUrl());
@@ -250,7 +226,7 @@ TEST_F(ProgramInFolder, CtlCalls_TellsMethodRequestAndFaultUntilForgotten) {
   EXPECT_EQ(Ctl({"calls"}), "");
 }
 
-TEST_F(ProgramInFolder, CtlState_IsTheModelAtThatMoment) {
+TEST_F(ProgramInFolder, CtlState_PrintsTheCurrentState) {
   const SimulatorProcess simulator({"--control", Path("control")});
   const Stubs stubs(simulator.NetworkManagerUrl(), simulator.DapiUrl());
   SetName(stubs, "Hall");
@@ -261,7 +237,7 @@ TEST_F(ProgramInFolder, CtlState_IsTheModelAtThatMoment) {
   EXPECT_EQ(state["network"]["interfaces"].size(), 4U);
 }
 
-TEST_F(ProgramInFolder, ThreeDevices_EachHasItsPortsStateAndFaults) {
+TEST_F(ProgramInFolder, ThreeDevices_EachHasItsOwnPortsStateAndFaults) {
   SimulatorProcess simulator({"--devices", "3", "--control", Path("control")});
   std::vector<Stubs> devices;
   std::set<std::string> urls;
@@ -284,7 +260,7 @@ TEST_F(ProgramInFolder, ThreeDevices_EachHasItsPortsStateAndFaults) {
   EXPECT_EQ(Ctl({"faults", "--device", "1"}), "");
 }
 
-TEST_F(ProgramInFolder, TwoDevicesOneStateEach_AreSavedEach) {
+TEST_F(ProgramInFolder, TwoDevicesWithAStateEach_EachIsSaved) {
   std::ofstream(Path("first.json")) << R"({"schema": 1, "dante": {"name": "one"}})";
   std::ofstream(Path("second.json")) << R"({"schema": 1, "dante": {"name": "two"}})";
   SimulatorProcess simulator({"--devices", "2", "--state", Path("first.json"), "--state",
@@ -294,14 +270,12 @@ TEST_F(ProgramInFolder, TwoDevicesOneStateEach_AreSavedEach) {
   EXPECT_EQ(simulator.End(SIGINT), 0);
 
   std::vector<std::string> names;
-  for (const char* file : {"first.json", "second.json"}) {
-    std::ifstream stream(Path(file));
-    names.push_back(nlohmann::json::parse(stream)["dante"]["name"]);
-  }
+  for (const char* file : {"first.json", "second.json"})
+    names.push_back(nlohmann::json::parse(Content(file))["dante"]["name"]);
   EXPECT_THAT(names, ElementsAre("two", "one"));
 }
 
-TEST_F(ProgramInFolder, SaveImpossible_IsToldBeforeAnythingStarts) {
+TEST_F(ProgramInFolder, FileCannotBeSaved_FailsBeforeAnythingStarts) {
   const support::Finished finished = RunSimulator({"--save", Path("none/state.json")});
 
   EXPECT_EQ(finished.status, 1);
@@ -310,44 +284,27 @@ TEST_F(ProgramInFolder, SaveImpossible_IsToldBeforeAnythingStarts) {
                               ": No such file or directory\n");
 }
 
-struct BadWish {
-  std::string name;
-  std::vector<std::string> words;
-  std::string told;
-};
+TEST_F(ProgramInFolder, CtlRequestsThatFail_PrintTheReason) {
+  const SimulatorProcess simulator({"--devices", "2", "--control", Path("control")});
+  const std::vector<std::pair<std::vector<std::string>, std::string>> requests{
+      {{"--device", "3", "state"}, "unknown device 3; use 1 to 2"},
+      {{"stop", "dapi"}, "unknown daemon 'dapi'; use NetworkManager or DAPI"},
+      {{"fault", "GetName:drop,freeze"}, "'freeze' is a second fault; METHOD:FAULT has only one"},
+      {{"clear", "GetBogus"},
+       "unknown method 'GetBogus'; DAPI.* and NetworkManager.* match all methods of a daemon, * "
+       "all methods"}};
 
-std::ostream& operator<<(std::ostream& out, const BadWish& bad) { return out << bad.name; }
+  for (const auto& [request, reason] : requests) {
+    std::vector<std::string> words{"ctl", "--control", Path("control")};
+    words.insert(words.end(), request.begin(), request.end());
 
-class BadWishes : public testing::TestWithParam<BadWish> {};
+    const support::Finished finished = RunSimulator(words);
 
-TEST_P(BadWishes, AreToldByTheSimulator) {
-  std::string folder = testing::TempDir() + "program_test.XXXXXX";
-  ASSERT_NE(mkdtemp(folder.data()), nullptr);
-  SimulatorProcess simulator({"--devices", "2", "--control", folder + "/control"});
-  std::vector<std::string> words{"ctl", "--control", folder + "/control"};
-  words.insert(words.end(), GetParam().words.begin(), GetParam().words.end());
-
-  const support::Finished finished = RunSimulator(words);
-
-  EXPECT_EQ(finished.status, 1);
-  EXPECT_THAT(finished.out, IsEmpty());
-  EXPECT_EQ(finished.err, "networkgrpc-simulator: " + GetParam().told + "\n");
-  simulator.End(SIGTERM);
-  rmdir(folder.c_str());
+    EXPECT_EQ(finished.status, 1) << reason;
+    EXPECT_THAT(finished.out, IsEmpty());
+    EXPECT_EQ(finished.err, "networkgrpc-simulator: " + reason + "\n");
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    All, BadWishes,
-    testing::Values(
-        BadWish{"Device", {"--device", "3", "state"}, "there is no device 3, only 1 to 2"},
-        BadWish{"Daemon", {"stop", "dapi"}, "'dapi' is no daemon: NetworkManager, DAPI"},
-        BadWish{
-            "Fault", {"fault", "GetName:drop,freeze"}, "one fault is enough, 'freeze' is another"},
-        BadWish{"Method",
-                {"clear", "GetBogus"},
-                "no method is called 'GetBogus'; DAPI.* and NetworkManager.* stand for all of a "
-                "daemon, * for all"}),
-    [](const auto& instance) { return instance.param.name; });
 
 struct BadOptions {
   std::string name;
@@ -359,7 +316,7 @@ std::ostream& operator<<(std::ostream& out, const BadOptions& bad) { return out 
 
 class BadOptionsOfProgram : public testing::TestWithParam<BadOptions> {};
 
-TEST_P(BadOptionsOfProgram, AreNamedAndEndItWithStatusTwo) {
+TEST_P(BadOptionsOfProgram, AreNamedAndExitStatusIsTwo) {
   const support::Finished finished = RunSimulator(GetParam().options);
 
   EXPECT_EQ(finished.status, 2);

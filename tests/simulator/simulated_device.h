@@ -1,14 +1,12 @@
-// The fixture of tests that talk to a simulator in their own process.
+// The fixture of tests with a simulator in their own process.
 #pragma once
-
-#include <gtest/gtest.h>
 
 #include "simulator/simulator.h"
 #include "tests/simulator/stubs.h"
 
 namespace support {
 
-// The factory's interfaces.
+// The interfaces of the factory defaults.
 inline constexpr int kPrimary = 1;    // lan0
 inline constexpr int kControl = 2;    // lan1
 inline constexpr int kSecondary = 3;  // lan2
@@ -16,10 +14,10 @@ inline constexpr int kService = 4;    // lan3
 
 class SimulatedDevice : public testing::Test {
  protected:
-  using NetworkStub = ostrevan::networkmanager::NetworkManager::Stub;
-  using DanteStub = ostrevan::grpcdapi::DAPI::Stub;
+  using NetworkStub = support::NetworkStub;
+  using DanteStub = support::DanteStub;
 
-  /// The reply of a call that must succeed.
+  /// The reply to a call that must succeed.
   template <class Request, class Reply>
   Reply Ask(grpc::Status (NetworkStub::*method)(grpc::ClientContext*, const Request&, Reply*),
             const Request& request = {}) {

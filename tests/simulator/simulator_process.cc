@@ -74,7 +74,7 @@ std::string SimulatorProcess::Value(const std::string& key) const {
   return ready_line.substr(start + key.size(), end - start - key.size());
 }
 
-// It prints nothing more, so that its output becomes readable when it ends.
+// It prints nothing more, so its output becomes readable when it ends.
 int SimulatorProcess::End(int signal) {
   kill(process, signal);
   if (!WaitFor(out)) kill(process, SIGKILL);

@@ -55,7 +55,7 @@ TEST(State, EverythingChanged_IsReadBackAsWritten) {
   EXPECT_EQ(read.device.dante.links.at(4).raw->session_id, 18446744073709551615U);
   EXPECT_EQ(read.device.network.interfaces[0].stored.addresses.ip, "10.0.0.2");
   ASSERT_THAT(read.faults, SizeIs(1));
-  EXPECT_EQ(ToText(read.faults[0]), "GetName:status=ABORTED,delay=5,times=2");
+  EXPECT_EQ(ToString(read.faults[0]), "GetName:status=ABORTED,delay=5,times=2");
 }
 
 TEST(State, OnlySchemaGiven_IsTheDefaults) {

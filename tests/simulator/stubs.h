@@ -2,6 +2,8 @@
 #pragma once
 
 #include <grpcpp/client_context.h>
+#include <grpcpp/create_channel.h>
+#include <grpcpp/security/credentials.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -13,11 +15,25 @@
 
 namespace support {
 
-struct Stubs {
-  Stubs(const std::string& network_manager_url, const std::string& dapi_url);
+using DanteStub = ostrevan::grpcdapi::DAPI::Stub;
+using NetworkStub = ostrevan::networkmanager::NetworkManager::Stub;
 
-  std::unique_ptr<ostrevan::networkmanager::NetworkManager::Stub> network;
-  std::unique_ptr<ostrevan::grpcdapi::DAPI::Stub> dante;
+inline std::shared_ptr<grpc::Channel> ChannelTo(const std::string& url) {
+  return grpc::CreateChannel(url, grpc::InsecureChannelCredentials());
+}
+
+/// How long a test waits for what should happen at once.
+inline std::chrono::system_clock::time_point In20Seconds() {
+  return std::chrono::system_clock::now() + std::chrono::seconds(20);
+}
+
+struct Stubs {
+  Stubs(const std::string& network_manager_url, const std::string& dapi_url)
+      : network(ostrevan::networkmanager::NetworkManager::NewStub(ChannelTo(network_manager_url))),
+        dante(ostrevan::grpcdapi::DAPI::NewStub(ChannelTo(dapi_url))) {}
+
+  std::unique_ptr<NetworkStub> network;
+  std::unique_ptr<DanteStub> dante;
 };
 
 /// One call, which fails after 20 seconds.
@@ -26,11 +42,11 @@ grpc::Status Call(Stub& stub,
                   grpc::Status (Stub::*method)(grpc::ClientContext*, const Request&, Reply*),
                   const Request& request, Reply& reply) {
   grpc::ClientContext context;
-  context.set_deadline(std::chrono::system_clock::now() + std::chrono::seconds(20));
+  context.set_deadline(In20Seconds());
   return (stub.*method)(&context, request, &reply);
 }
 
-/// The reply of a call that must succeed.
+/// The reply to a call that must succeed.
 template <class Stub, class Request, class Reply>
 Reply Ask(Stub& stub, grpc::Status (Stub::*method)(grpc::ClientContext*, const Request&, Reply*),
           const Request& request = {}) {
@@ -39,9 +55,5 @@ Reply Ask(Stub& stub, grpc::Status (Stub::*method)(grpc::ClientContext*, const R
   EXPECT_TRUE(status.ok()) << status.error_code() << ' ' << status.error_message();
   return reply;
 }
-
-/// What the readers of both daemons answer, as bytes: two texts are equal when
-/// nothing that a client can see has changed in between.
-std::string Everything(const Stubs& stubs);
 
 }  // namespace support

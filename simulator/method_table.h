@@ -1,0 +1,34 @@
+// The RPCs of both daemons by name: the dispatcher answers them, the faults and
+// the call log name them.
+#pragma once
+
+#include <grpcpp/support/status.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "simulator/fault.h"
+#include "simulator/json.h"
+#include "simulator/shared_device.h"
+
+namespace simulator {
+
+struct Method {
+  std::string name;              // "GetName"
+  bool replies_success = false;  // the reply is the message Success
+
+  /// Answers a serialized request with a serialized reply.
+  std::function<grpc::Status(SharedDevice& device, const std::string& request, std::string& reply)>
+      answer;
+
+  /// The request as JSON; null if it cannot be parsed.
+  std::function<Json(const std::string& request)> show;
+};
+
+const std::vector<Method>& MethodsOf(Daemon daemon);
+
+/// Null if the daemon has no such method.
+const Method* FindMethod(Daemon daemon, const std::string& name);
+
+}  // namespace simulator
