@@ -1,5 +1,5 @@
-// A test of an application that renames its device: what does it do when the
-// device refuses once?
+// A test of an application that sets the name of its device: what does it do when
+// the device rejects the first request?
 #include <simulator/simulator.h>
 
 #include <cstdlib>
@@ -9,7 +9,7 @@
 #include "DantegRPC.h"
 
 int main() {
-  // Starts on free ports; the library finds it through the environment.
+  // Listens on free ports; the library reads them from the environment.
   simulator::Simulator device = simulator::Builder()
                                     .Channels(2, 4)
                                     .With([](simulator::Device& it) { it.dante.name = "Hall"; })
@@ -20,12 +20,12 @@ int main() {
 
   const bool first = DantegRPC::SetName("Stage");
   const bool second = DantegRPC::SetName("Stage");
-  const bool seen = device.WaitForCalls("SetName", 2);
+  const bool received = device.WaitForCalls("SetName", 2);
   const std::string name = device.WithDevice([](simulator::Device& it) { return it.dante.name; });
 
   std::cout << "first: " << first << ", second: " << second << ", name: " << name << '\n';
   for (const simulator::ReceivedCall& call : device.Calls())
     std::cout << call.method << ' ' << call.request << ' ' << call.fault << '\n';
   device.Stop();
-  return !first && second && seen && name == "Stage" ? EXIT_SUCCESS : EXIT_FAILURE;
+  return !first && second && received && name == "Stage" ? EXIT_SUCCESS : EXIT_FAILURE;
 }
