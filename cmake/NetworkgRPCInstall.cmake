@@ -58,6 +58,7 @@ configure_package_config_file(
 write_basic_package_version_file(
   "${CMAKE_CURRENT_BINARY_DIR}/NetworkgRPCConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES
+  cmake/NetworkgRPCGrpc.cmake
   "${CMAKE_CURRENT_BINARY_DIR}/NetworkgRPCConfig.cmake"
   "${CMAKE_CURRENT_BINARY_DIR}/NetworkgRPCConfigVersion.cmake"
   DESTINATION "${package_directory}")

@@ -1,13 +1,11 @@
-# networkgrpc_grpc: gRPC without TLS and protobuf's lite runtime.
 # networkgrpc_wire: messages, stubs and server base classes, generated from proto/ in
 # NETWORKGRPC_GENERATED_DIR.
 
-# By pkg-config, because gRPC's CMake package requires TLS and full protobuf.
-find_package(PkgConfig REQUIRED)
-pkg_check_modules(NetworkgRPC_grpc REQUIRED IMPORTED_TARGET grpc++_unsecure protobuf-lite)
-add_library(networkgrpc_grpc INTERFACE)
-target_link_libraries(networkgrpc_grpc INTERFACE PkgConfig::NetworkgRPC_grpc)
-
+include(NetworkgRPCGrpc)
+NetworkgRPC_find_grpc(missing)
+if(missing)
+  message(FATAL_ERROR "NetworkgRPC requires what is not installed: ${missing}")
+endif()
 find_program(NETWORKGRPC_PROTOC protoc REQUIRED)
 find_program(NETWORKGRPC_GRPC_PLUGIN grpc_cpp_plugin REQUIRED)
 
@@ -49,7 +47,7 @@ networkgrpc_generate(ostrevan/grpcdapi .pb.cc .pb.h .grpc.pb.cc .grpc.pb.h)
 add_library(networkgrpc_wire OBJECT ${generated_sources} ${NETWORKGRPC_GENERATED_HEADERS})
 target_compile_features(networkgrpc_wire PUBLIC cxx_std_17)
 target_include_directories(networkgrpc_wire SYSTEM PUBLIC "${NETWORKGRPC_GENERATED_DIR}")
-target_link_libraries(networkgrpc_wire PUBLIC networkgrpc_grpc PRIVATE networkgrpc_hardening networkgrpc_small)
+target_link_libraries(networkgrpc_wire PUBLIC NetworkgRPC::grpc PRIVATE networkgrpc_hardening networkgrpc_small)
 # Applications and daemons use the classes, so they are visible; their inline functions
 # need not be, as every user compiles them.
 set_target_properties(networkgrpc_wire PROPERTIES
