@@ -1,13 +1,58 @@
 # How this project's own code is compiled and linked. Not exported: users compile their
 # code with their own flags.
 
+# The user's flags come before these on the command line, so each option is only added where
+# they do not set the same.
+
+# networkgrpc_users_flags(<result> <language> <configuration>): the user's flags, without the
+# optimisation that CMake itself chooses for a configuration.
+function(networkgrpc_users_flags result language configuration)
+  string(TOUPPER "${configuration}" suffix)
+  set(flags "${CMAKE_${language}_FLAGS_${suffix}}")
+  string(STRIP "${CMAKE_${language}_FLAGS_${suffix}_INIT}" initial)
+  if(flags STREQUAL initial)
+    string(REGEX REPLACE "-(O[^ ]*|g)( |$)" "" flags "${flags}")
+  endif()
+  get_directory_property(options COMPILE_OPTIONS)
+  get_directory_property(definitions COMPILE_DEFINITIONS)
+  set(${result} "${CMAKE_${language}_FLAGS} ${flags} ${options} ${definitions}" PARENT_SCOPE)
+endfunction()
+
+# networkgrpc_compile_options(<target> UNLESS <pattern> <option...>): the options, for each
+# language and configuration whose flags do not match the pattern.
+function(networkgrpc_compile_options target unless pattern)
+  foreach(language IN ITEMS C CXX)
+    foreach(configuration IN ITEMS ${CMAKE_CONFIGURATION_TYPES} "${CMAKE_BUILD_TYPE}")
+      networkgrpc_users_flags(flags ${language} "${configuration}")
+      if(NOT flags MATCHES "${pattern}")
+        target_compile_options(${target} INTERFACE
+          "$<$<AND:$<COMPILE_LANGUAGE:${language}>,$<CONFIG:${configuration}>>:${ARGN}>")
+      endif()
+    endforeach()
+  endforeach()
+endfunction()
+
+# networkgrpc_link_option(<target> UNLESS <pattern> <option>): the same for linking anything.
+function(networkgrpc_link_option target unless pattern option)
+  get_directory_property(flags LINK_OPTIONS)
+  foreach(type IN ITEMS EXE MODULE SHARED)
+    string(APPEND flags " ${CMAKE_${type}_LINKER_FLAGS}")
+  endforeach()
+  if(NOT flags MATCHES "${pattern}")
+    target_link_options(${target} INTERFACE ${option})
+  endif()
+endfunction()
+
 add_library(networkgrpc_hardening INTERFACE)
 # The same as Debian's packages. Fortified functions require optimisation.
-target_compile_options(networkgrpc_hardening INTERFACE
-  -fstack-protector-strong -Wformat -Werror=format-security
+networkgrpc_compile_options(networkgrpc_hardening UNLESS "-f(no-)?stack-protector" -fstack-protector-strong)
+networkgrpc_compile_options(networkgrpc_hardening UNLESS "-W(no-)?format([ ;=]|$)" -Wformat)
+networkgrpc_compile_options(networkgrpc_hardening UNLESS "format-security|-Wno-format" -Werror=format-security)
+networkgrpc_compile_options(networkgrpc_hardening UNLESS "_FORTIFY_SOURCE|-O0"
   $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
-target_link_options(networkgrpc_hardening INTERFACE
-  LINKER:-z,relro LINKER:-z,now LINKER:--as-needed)
+networkgrpc_link_option(networkgrpc_hardening UNLESS "norelro" LINKER:-z,relro)
+networkgrpc_link_option(networkgrpc_hardening UNLESS "lazy" LINKER:-z,now)
+target_link_options(networkgrpc_hardening INTERFACE LINKER:--as-needed)
 # Releases do not contain the paths of the build machine, so that builds in different
 # folders are identical. Debug builds keep them for the debugger.
 target_compile_options(networkgrpc_hardening INTERFACE
@@ -28,10 +73,16 @@ target_link_libraries(networkgrpc_compile INTERFACE networkgrpc_hardening)
 # and most of the code is generated classes that run a few times per call. With one
 # section per function and object the linker can drop what is unreachable.
 add_library(networkgrpc_small INTERFACE)
-# The debug information is for the record of the binary interface; the linker strips it
-# from releases.
-target_compile_options(networkgrpc_small INTERFACE
-  $<$<NOT:$<CONFIG:Debug>>:-Os> $<$<CONFIG:Release>:-g> -ffunction-sections -fdata-sections)
+networkgrpc_compile_options(networkgrpc_small UNLESS "(^|[ ;])-O" $<$<NOT:$<CONFIG:Debug>>:-Os>)
+target_compile_options(networkgrpc_small INTERFACE -ffunction-sections -fdata-sections)
+# The debug information of releases is for the record of the binary interface: the linker
+# strips it with ${networkgrpc_strip}.
+networkgrpc_compile_options(networkgrpc_small UNLESS "(^|[ ;])-g" $<$<CONFIG:Release>:-g>)
+networkgrpc_users_flags(flags CXX Release)
+set(networkgrpc_strip)
+if(NOT flags MATCHES "(^|[ ;])-g")
+  set(networkgrpc_strip $<$<CONFIG:Release>:LINKER:--strip-debug>)
+endif()
 # Calls of its own exported functions are bound at link time, as in a static program, so
 # that the loader looks up less than half as many symbols. Objects, such as the one
 # instance of each client, are still looked up.
