@@ -126,6 +126,7 @@ ENDPOINTS
 }
 
 @test "Colour_OutputIsATerminal_IsUsedUnlessForbidden" {
+  require_terminal
   start_simulator
   run -0 on_terminal "$TOOL interface list"
   [[ $output == *$'\033[1m'* ]]
@@ -134,6 +135,7 @@ ENDPOINTS
 }
 
 @test "Confirmation_AnsweredWithNo_ChangesNothing" {
+  require_terminal
   start_simulator
   tool hostname set kept >/dev/null
   run -1 on_terminal "$TOOL factory-reset" <<<n
@@ -142,6 +144,7 @@ ENDPOINTS
 }
 
 @test "Confirmation_AnsweredWithYes_RunsTheCommand" {
+  require_terminal
   start_simulator
   tool hostname set lost >/dev/null
   run -0 on_terminal "$TOOL factory-reset" <<<y
@@ -149,6 +152,7 @@ ENDPOINTS
 }
 
 @test "Confirmation_AnsweredAfterTheTimeLimit_RunsTheCommand" {
+  require_terminal
   start_simulator
   answer() { read -r -t 2.5 -u "$device_input" || echo y; }
   run -0 on_terminal "$TOOL factory-reset --timeout 2" < <(answer)
@@ -188,4 +192,11 @@ ENDPOINTS
   run -0 tool interface set --help
   [[ $output == "Usage: networkgrpc interface set [OPTION]..."* ]]
   run -0 tool --version
+}
+
+@test "RequireTerminal_NoPseudoTerminal_NamesIt" {
+  printf '#!/bin/sh\nexit 1\n' >"$BATS_TEST_TMPDIR/script"
+  chmod +x "$BATS_TEST_TMPDIR/script"
+  PATH="$BATS_TEST_TMPDIR:$PATH" run -1 require_terminal
+  [ "$output" = "this test needs a pseudo-terminal: mount /dev/pts" ]
 }

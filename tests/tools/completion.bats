@@ -125,12 +125,14 @@ in_fish() {
 }
 
 @test "Complete_InBash_CompletesWithValuesOfTheDevice" {
+  require_terminal
   start_simulator
   # The endpoint is an option because bash splits it at the colon.
   wait_until has_completed in_bash
 }
 
 @test "Complete_InZsh_CompletesWithValuesOfTheDevice" {
+  require_terminal
   start_simulator
   wait_until has_completed in_zsh
 }
@@ -142,12 +144,14 @@ in_fish() {
 }
 
 @test "Complete_OptionWithItsValueInBash_CompletesTheValue" {
+  require_terminal
   start_simulator
   run -0 in_bash $'networkgrpc interface set --name=lan\t3 --ip 10.9.9.9 --netmask 255.0.0.0 --y\t'
   [ "$(tool interface stored lan3 --json | jq -r .result.ip)" = 10.9.9.9 ]
 }
 
 @test "Complete_FileArgumentInEveryShell_OffersFiles" {
+  require_terminal
   start_simulator
   tool export >"$BATS_TEST_TMPDIR/one-state.json"
   run -0 in_bash $'networkgrpc diff one\t >bash-did'
@@ -158,6 +162,7 @@ in_fish() {
 }
 
 @test "Complete_DaemonUnreachable_NoShellOffersFiles" {
+  require_terminal
   absent_device
   touch "$BATS_TEST_TMPDIR/one"
   [ -z "$(in_fish 'networkgrpc interface stored o')" ]

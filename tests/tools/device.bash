@@ -58,6 +58,13 @@ absent_device() {
 # The time limit ends a tool that hangs.
 tool() { timeout 30 "$TOOL" "$@" </dev/null; }
 
+# require_terminal: for tests that run a program on a terminal.
+require_terminal() {
+  script --quiet --command true /dev/null </dev/null >/dev/null 2>&1 && return
+  echo "this test needs a pseudo-terminal: mount /dev/pts"
+  return 1
+}
+
 # wait_until COMMAND...: repeats the command until it succeeds.
 wait_until() {
   local end=$((SECONDS + patience))

@@ -64,6 +64,7 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
 }
 
 @test "ConfirmWithin_TerminalIsLost_RollsBack" {
+  require_terminal
   # The end of script closes the terminal; its processes receive a hangup.
   script --quiet --command "$TOOL ${change[*]} --confirm-within 60" /dev/null \
     <&"$device_input" >/dev/null 2>&1 3>&- &
