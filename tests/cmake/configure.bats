@@ -83,3 +83,20 @@ readonly DEFAULTS="-Os -D_FORTIFY_SOURCE=2 -fstack-protector-strong -Wformat -g 
   own Release | grep -e ' -Os ' | grep -v -e ' -O1 '
   own Custom | grep -e ' -O1 ' | grep -v -e ' -Os '
 }
+
+# commands ARGUMENT...: configures a cross build with programs, and prints its commands.
+commands() {
+  configure -DCMAKE_SYSTEM_NAME=Linux -DNETWORKGRPC_BUILD_TOOLS=ON -DNETWORKGRPC_BUILD_SIMULATOR=ON "$@" &&
+    "$CMAKE" --build "$BATS_TEST_TMPDIR/build" -- -t commands all
+}
+
+@test "ManualPages_CrossBuildWithoutAnEmulator_AreLeftOut" {
+  commands >"$BATS_TEST_TMPDIR/commands"
+  grep -F /tools/main.cc "$BATS_TEST_TMPDIR/commands"
+  grep -F 'CMAKE_CROSSCOMPILING_EMULATOR is not set: no manual pages' "$BATS_TEST_TMPDIR/commands"
+  run ! grep -F make-page "$BATS_TEST_TMPDIR/commands"
+}
+
+@test "ManualPages_CrossBuildWithAnEmulator_AreMadeByIt" {
+  commands -DCMAKE_CROSSCOMPILING_EMULATOR=/usr/bin/env | grep -F make-page | grep -F ' /usr/bin/env '
+}
