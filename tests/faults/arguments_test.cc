@@ -256,10 +256,10 @@ TEST_P(Numbers, InterfaceIdThatNobodyHas_HasNoLabel) {
                                  std::to_string(GetParam()) + "\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Arguments, Numbers, testing::Values(INT_MIN, INT_MAX, -2), [](const auto& test) {
-      return std::vector<std::string>{"Smallest", "Largest", "MinusTwo"}.at(test.index);
-    });
+std::string NameOf(const testing::TestParamInfo<int>& number) {
+  return std::vector<std::string>{"Smallest", "Largest", "MinusTwo"}.at(number.index);
+}
+INSTANTIATE_TEST_SUITE_P(Arguments, Numbers, testing::Values(INT_MIN, INT_MAX, -2), NameOf);
 
 TEST(LargestNumbers, ReachTheDaemonAndComeBackWhole) {
   Device device;
