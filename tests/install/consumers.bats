@@ -194,6 +194,30 @@ words() { tr -s ' \n' ' ' <<<"$output"; }
     '  message(FATAL_ERROR "not the facades alone")' 'endif()'
 }
 
+# count_pkg_config: CMake's questions to pkg-config are recorded; asked_pkg_config: how many
+# there were, except for its version.
+count_pkg_config() {
+  printf '#!/bin/sh\necho "$*" >>"%s"\nexec pkg-config "$@"\n' "$BATS_TEST_TMPDIR/asked" \
+    >"$BATS_TEST_TMPDIR/pkg-config"
+  chmod +x "$BATS_TEST_TMPDIR/pkg-config"
+  export PKG_CONFIG="$BATS_TEST_TMPDIR/pkg-config"
+  touch "$BATS_TEST_TMPDIR/asked"
+}
+asked_pkg_config() { grep -vcx -e --version "$BATS_TEST_TMPDIR/asked"; }
+
+@test "FindPackage_WithoutComponentsAndTwice_RunsPkgConfigOnce" {
+  count_pkg_config
+  find_in_project 'find_package(NetworkgRPC REQUIRED)' \
+    'find_package(NetworkgRPC REQUIRED COMPONENTS Client)'
+  [ "$(asked_pkg_config)" -eq 1 ]
+}
+
+@test "FindPackage_FacadesOnly_DoesNotRunPkgConfig" {
+  count_pkg_config
+  find_in_project 'find_package(NetworkgRPC REQUIRED COMPONENTS NetworkgRPC)'
+  [ ! -s "$BATS_TEST_TMPDIR/asked" ]
+}
+
 @test "asking for what does not exist fails" {
   run ! find_in_project 'find_package(NetworkgRPC REQUIRED COMPONENTS Server)'
   run ! find_in_project 'find_package(NetworkgRPC 2.0 REQUIRED)'
