@@ -4,7 +4,6 @@
 #include "NetworkManagerClient.h"
 
 namespace tool {
-namespace {
 
 grpc::Status Probe(Daemon daemon) {
   if (daemon == Daemon::kDante) {
@@ -15,19 +14,28 @@ grpc::Status Probe(Daemon daemon) {
   return NetworkManagerClient::GetInstance().GetHostname(&hostname);
 }
 
-}  // namespace
-
-bool IsOutOfReach(Daemon daemon, const grpc::Status& status) {
+bool IsUnreachable(Daemon daemon, const grpc::Status& status) {
   return status.error_code() == grpc::StatusCode::UNAVAILABLE || Endpoint(daemon).empty();
 }
 
 Failure Explain(Daemon daemon, const std::string& action) {
-  const std::string who = std::string("the ") + Name(daemon) + " daemon";
-  if (!IsOutOfReach(daemon, Probe(daemon)))
-    return {ExitStatus::kRefused, who + " refused to " + action, daemon};
-  return {ExitStatus::kUnreachable,
-          "cannot " + action + ": " + who + " at " + Endpoint(daemon) + " cannot be reached",
-          daemon};
+  const std::string failed = "cannot " + action + ": " + The(daemon);
+  if (IsUnreachable(daemon, Probe(daemon)))
+    return {ExitStatus::kUnreachable, failed + " at " + Endpoint(daemon) + " cannot be reached",
+            daemon};
+  return {ExitStatus::kRejected, failed + " rejected the request, or the request failed", daemon};
+}
+
+void DoTo(const Listing& listing, Daemon daemon, const std::string& action,
+          const std::function<bool()>& function) {
+  try {
+    Do(daemon, action, function);
+  } catch (const Failure& failure) {
+    if (failure.status != ExitStatus::kRejected || listing.has_object()) throw;
+    throw Failure(ExitStatus::kNotFound,
+                  "cannot " + action + ": not found; see 'networkgrpc " + listing.command + "'",
+                  daemon);
+  }
 }
 
 }  // namespace tool

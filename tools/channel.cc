@@ -1,18 +1,17 @@
 // networkgrpc channel: the module's transmit and receive channels.
 #include "DantegRPC.h"
-#include "terminal/printable.h"
+#include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
-#include "tools/dante_settings.h"
+#include "tools/dante.h"
 #include "tools/tool.h"
 
 namespace tool {
 namespace {
 
 constexpr auto kDaemon = Daemon::kDante;
-using Channels = std::vector<DantegRPC::Channel>;
 
-Json ToJson(const Channels& channels) {
+Json ToJson(const std::vector<DantegRPC::Channel>& channels) {
   Json list = Json::array();
   for (const auto& channel : channels) list.push_back({{"id", channel.id}, {"name", channel.name}});
   return list;
@@ -25,9 +24,9 @@ Json List() {
 std::string ShowList(const Json& result) {
   terminal::Table table({"DIRECTION", "ID", "NAME"});
   for (const Json& channel : result["tx_channels"])
-    table.Add({"transmit", channel["id"].dump(), channel["name"]});
+    table.Add({"transmit", Text(channel["id"]), channel["name"]});
   for (const Json& channel : result["rx_channels"])
-    table.Add({"receive", channel["id"].dump(), channel["name"]});
+    table.Add({"receive", Text(channel["id"]), channel["name"]});
   return table.Text();
 }
 
@@ -39,45 +38,42 @@ Json Count() {
 }
 
 std::string ShowCount(const Json& result) {
-  return result["tx"].dump() + " transmit, " + result["rx"].dump() + " receive\n";
+  return Text(result["tx"]) + " transmit, " + Text(result["rx"]) + " receive\n";
 }
 
 Json Rename(int id, const std::string& name) {
-  if (name.empty()) throw Failure(ExitStatus::kUsage, "a channel's name cannot be empty");
-  deadline::Asking(kDaemon);
-  if (!DantegRPC::SetTxChannelName({id, name})) {
-    const Failure failure = Explain(kDaemon, "rename transmit channel " + std::to_string(id));
-    Channels channels;
-    if (failure.status == ExitStatus::kUnreachable || !DantegRPC::GetTxChannels(channels))
-      throw failure;
-    for (const auto& channel : channels)
-      if (channel.id == id) throw failure;
-    throw Failure(ExitStatus::kNotFound, "there is no transmit channel " + std::to_string(id),
-                  kDaemon);
-  }
+  if (name.empty()) throw Failure(ExitStatus::kUsage, "NAME must not be empty");
+  DoTo(ListedBy(DantegRPC::GetTxChannels, id, "channel list"), kDaemon,
+       "rename transmit channel " + std::to_string(id), [&] {
+         return DantegRPC::SetTxChannelName({id, name});
+       });
   return {{"id", id}, {"name", name}};
+}
+
+std::string ShowRename(const Json& result) {
+  return "transmit channel " + Text(result["id"]) + " is named '" + Text(result["name"]) + "'\n";
 }
 
 }  // namespace
 
 void AddChannel(Tool& tool) {
-  CLI::App& noun = tool.AddNoun("channel", "Transmit and receive channels.", "list");
-  tool.AddVerb(noun, "list", {"Lists the channels.", List, ShowList, {"networkgrpc channel list"}});
+  CLI::App& noun =
+      tool.AddNoun("channel", "List the channels and rename transmit channels", "list");
+  tool.AddVerb(
+      noun, "list",
+      {"List the transmit and receive channels", List, ShowList, {"networkgrpc channel list"}});
   tool.AddVerb(noun, "count",
-               {"Counts the channels.", Count, ShowCount, {"networkgrpc channel count"}});
+               {"Show the number of channels", Count, ShowCount, {"networkgrpc channel count"}});
   const auto id = std::make_shared<int>(0);
   const auto name = std::make_shared<std::string>();
-  CLI::App& rename =
-      tool.AddVerb(noun, "rename",
-                   {"Renames a transmit channel.",
-                    [id, name] { return Rename(*id, *name); },
-                    [](const Json& result) {
-                      return "transmit channel " + result["id"].dump() + " is now '" +
-                             terminal::Printable(result["name"].get<std::string>()) + "'\n";
-                    },
-                    {"networkgrpc channel rename 1 'Main left'"}});
-  tool.Offer(rename.add_option("ID", *id, "The channel's id in 'channel list'")->required(),
-             Candidates::kTxChannels);
+  CLI::App& rename = tool.AddVerb(noun, "rename",
+                                  {"Rename a transmit channel",
+                                   [id, name] { return Rename(*id, *name); },
+                                   ShowRename,
+                                   {"networkgrpc channel rename 1 'Main left'"}});
+  tool.Offer(
+      terminal::AddInteger(rename, "ID", *id, "The channel's id in 'channel list'")->required(),
+      Candidates::kTxChannels);
   rename.add_option("NAME", *name, "The new name")->required();
 }
 

@@ -1,4 +1,4 @@
-// What a shell asks when its user presses the completion key.
+// Completion of a command line: the shells' scripts call `networkgrpc __complete`.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -13,7 +13,7 @@
 namespace tool {
 namespace {
 
-// Less than what a person takes for a hang, with room for starting.
+// Shorter than what a person perceives as a hang, with time to start.
 constexpr double kLimit = 0.25;
 
 struct Candidate {
@@ -55,7 +55,7 @@ List SampleRates() {
   return list;
 }
 
-List Ask(Candidates what) {
+List Read(Candidates what) {
   switch (what) {
     case Candidates::kInterfaceNames:
       return Interfaces(false);
@@ -72,7 +72,7 @@ List Ask(Candidates what) {
     case Candidates::kOnOff:
       return {{"on", ""}, {"off", ""}};
     case Candidates::kFiles:
-      return {{"", "a file"}};  // the shells know them
+      return {{"", "a file"}};  // the shell completes it
     case Candidates::kNothing:
       break;
   }
@@ -81,7 +81,7 @@ List Ask(Candidates what) {
 
 bool IsOption(const std::string& word) { return word.size() > 1 && word[0] == '-'; }
 
-// Where in the command line its last word stands.
+// What the last word of a command line can be.
 class Position {
  public:
   Position(const CLI::App& root, const std::vector<std::string>& words)
@@ -92,8 +92,7 @@ class Position {
 
   const CLI::App& Command() const { return *command; }
 
-  /// The option whose value is wanted, else the argument whose turn it is, else
-  /// none.
+  /// The option that requires a value, else the next argument, else null.
   const CLI::Option* Wanted() const {
     if (option != nullptr) return option;
     std::size_t left = arguments;
@@ -103,12 +102,12 @@ class Position {
   }
   bool WantsOption() const { return option == nullptr && start[0] == '-'; }
 
-  /// What is typed already of what is wanted, and what stands before it in the
-  /// same word.
+  /// What has been typed of the wanted value, and what precedes it in the same
+  /// word.
   const std::string& Start() const { return start; }
   const std::string& Prefix() const { return prefix; }
 
-  /// The value that an option of the whole tool has so far.
+  /// The value given for an option of every command; empty if none.
   std::string ValueOf(const CLI::Option& it) const {
     const auto found = values.find(&it);
     return found != values.end() ? found->second : "";
@@ -162,7 +161,7 @@ class Position {
   std::map<const CLI::Option*, std::string> values;
 };
 
-// Those of the command and of every command, each once.
+// The options of the command and those of every command, each once.
 List Options(const CLI::App& command, const CLI::App& root) {
   std::map<std::string, std::string> options;
   for (const CLI::App* of : {&command, &root})
@@ -174,7 +173,7 @@ List Options(const CLI::App& command, const CLI::App& root) {
   return list;
 }
 
-// One candidate a line; none that a line cannot hold.
+// One candidate per line, without those that are not printable.
 std::string Lines(const List& list, const Position& position) {
   const std::string& start = position.Start();
   std::string text;
@@ -186,7 +185,7 @@ std::string Lines(const List& list, const Position& position) {
   return text;
 }
 
-// The library's lines have no place in the middle of a command line.
+// The library's error lines would appear in the middle of the command line.
 void Silence() {
   const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC);
   if (nothing >= 0) dup2(nothing, STDERR_FILENO);
@@ -197,7 +196,7 @@ void Silence() {
 int Tool::Complete(const std::vector<std::string>& words) {
   if (words.empty()) return 0;
   Silence();
-  deadline::StartQuiet(kLimit);
+  time_limit::StartQuiet(kLimit);
   const Position position(app, words);
   network_manager = position.ValueOf(*app.get_option("--network-manager"));
   dapi = position.ValueOf(*app.get_option("--dapi"));
@@ -209,13 +208,13 @@ int Tool::Complete(const std::vector<std::string>& words) {
     list = Options(position.Command(), app);
   } else if (wanted != nullptr) {
     const auto found = candidates.find(wanted);
-    if (found != candidates.end()) list = Ask(found->second);
+    if (found != candidates.end()) list = Read(found->second);
   } else {
     for (const CLI::App* it : position.Command().get_subcommands(nullptr))
       list.push_back({it->get_name(), it->get_description()});
   }
   const std::string text = Lines(list, position);
-  deadline::Stop();
+  time_limit::Stop();
   std::cout << text << std::flush;
   return 0;
 }

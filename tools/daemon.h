@@ -1,19 +1,24 @@
-// The two daemons that own the settings, and where they are.
+// The two daemons that own the settings.
 #pragma once
 
 #include <string>
+
+#include "client/environment.h"
 
 namespace tool {
 
 enum class Daemon { kNone, kNetworkManager, kDante };
 
-/// As in a JSON error object: "network-manager", "dante-api", or "".
+/// As in a JSON error object: "network-manager", "dante-api", or "" for none.
 const char* Name(Daemon daemon);
 
-/// The environment variable that tells the library where the daemon is.
-const char* EndpointVariable(Daemon daemon);
+/// "the network-manager daemon"
+std::string The(Daemon daemon);
 
-/// Where the library looks for the daemon: the variable, or its default.
+/// The environment variable that configures where the library finds the daemon.
+const client::Setting& EndpointSetting(Daemon daemon);
+
+/// Where the library finds the daemon.
 std::string Endpoint(Daemon daemon);
 
 }  // namespace tool

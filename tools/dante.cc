@@ -1,17 +1,18 @@
-// networkgrpc dante: the settings of the Dante audio-network module.
-#include "DantegRPC.h"
-#include "terminal/printable.h"
+// networkgrpc dante: the settings of the Dante module.
+#include "tools/dante.h"
+
+#include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
-#include "tools/dante_settings.h"
 #include "tools/tool.h"
 
 namespace tool {
 namespace {
 
 constexpr auto kDaemon = Daemon::kDante;
+using Channels = std::vector<DantegRPC::Channel>;
 
-// A setting is read by its command alone, and set by an argument.
+// A command without its argument shows the setting, with it sets it.
 struct Argument {
   std::string text;
   std::uint32_t number = 0;
@@ -45,7 +46,7 @@ Json Latency(const Argument& latency) {
 
 Json Aes67(const Argument& state) {
   if (state.IsGiven())
-    Do(kDaemon, "turn AES67 " + state.text, [&] { return DantegRPC::SetAES67(state.IsOn()); });
+    Do(kDaemon, "switch AES67 " + state.text, [&] { return DantegRPC::SetAES67(state.IsOn()); });
   const bool available =
       Get<bool>(kDaemon, "read whether AES67 is available", DantegRPC::GetAES67Available);
   return {{"aes67", state.IsGiven() ? state.IsOn() : ReadAes67()}, {"available", available}};
@@ -53,14 +54,14 @@ Json Aes67(const Argument& state) {
 
 Json Transmit(const Argument& state) {
   if (state.IsGiven())
-    Do(kDaemon, "turn transmission " + state.text,
+    Do(kDaemon, "switch transmission " + state.text,
        [&] { return DantegRPC::SetDisableTx(!state.IsOn()); });
   return {{"transmit", state.IsGiven() ? state.IsOn() : !ReadTransmitDisabled()}};
 }
 
 Json PtpSlaveOnly(const Argument& state) {
   if (state.IsGiven())
-    Do(kDaemon, "turn PTP slave-only " + state.text,
+    Do(kDaemon, "switch PTP slave-only mode " + state.text,
        [&] { return DantegRPC::SetPtpSlaveOnly(state.IsOn()); });
   return {{"ptp_slave_only", state.IsGiven() ? state.IsOn() : ReadPtpSlaveOnly()}};
 }
@@ -79,34 +80,21 @@ Json Model() {
 }
 
 Json Reboot(Tool& tool) {
-  tool.Confirm("restarting the Dante side interrupts audio", "Restart it?");
-  Do(Daemon::kNetworkManager, "restart the Dante side", DantegRPC::Reboot);
+  tool.Confirm("restarting the Dante module interrupts audio", "Restart it?");
+  Do(Daemon::kNetworkManager, "restart the Dante module", DantegRPC::Reboot);
   return {{"rebooted", true}};
 }
 
 // --- Text ----------------------------------------------------------------------
 
-std::function<std::string(const Json&)> Switch(const char* member) {
-  return [member](const Json& result) { return result[member] ? "on\n" : "off\n"; };
-}
-
-std::function<std::string(const Json&)> Number(const char* member) {
-  return [member](const Json& result) { return result[member].dump() + "\n"; };
-}
-
-std::string ShowName(const Json& result) {
-  return terminal::Printable(result["name"].get<std::string>()) + "\n";
-}
-
 std::string ShowSampleRate(const Json& result) {
   std::string others;
-  for (const Json& rate : result["available"]) others += (others.empty() ? "" : ", ") + rate.dump();
-  return result["sample_rate"].dump() + " (of " + others + ")\n";
+  for (const Json& rate : result["available"]) others += (others.empty() ? "" : ", ") + Text(rate);
+  return Text(result["sample_rate"]) + " (available: " + others + ")\n";
 }
 
 std::string ShowAes67(const Json& result) {
-  return std::string(result["aes67"] ? "on" : "off") +
-         (result["available"] ? "\n" : " (not available)\n");
+  return std::string(OnOff(result["aes67"])) + (result["available"] ? "\n" : " (not available)\n");
 }
 
 std::string ShowPairs(const Json& result) {
@@ -121,7 +109,7 @@ struct Setting {
   const char* name;
   const char* description;
   Json (*run)(const Argument&);
-  std::function<std::string(const Json&)> show;
+  ToText show;
   const char* example;
 };
 
@@ -144,56 +132,96 @@ void AddText(Tool& tool, CLI::App& noun, const Setting& setting) {
 
 void AddNumber(Tool& tool, CLI::App& noun, const Setting& setting, Candidates candidates) {
   const auto argument = std::make_shared<Argument>();
-  argument->option = AddSetting(tool, noun, setting, argument)
-                         .add_option("VALUE", argument->number, "The new value");
+  argument->option = terminal::AddInteger(AddSetting(tool, noun, setting, argument), "VALUE",
+                                          argument->number, "The new value");
   tool.Offer(argument->option, candidates);
 }
 
 void AddSwitch(Tool& tool, CLI::App& noun, const Setting& setting) {
   const auto argument = std::make_shared<Argument>();
-  argument->option =
-      AddSetting(tool, noun, setting, argument)
-          .add_option("STATE", argument->text, "on or off")
-          ->check(CLI::Validator(
-              [](const std::string& text) {
-                return text == "on" || text == "off" ? "" : "'" + text + "' is not on or off";
-              },
-              ""));
+  argument->option = AddSetting(tool, noun, setting, argument)
+                         .add_option("STATE", argument->text, "on or off")
+                         ->check(terminal::OneOf({"on", "off"}));
   tool.Offer(argument->option, Candidates::kOnOff);
 }
 
 }  // namespace
 
+std::string ReadDeviceName() {
+  return Get<std::string>(kDaemon, "read the device name", DantegRPC::GetName);
+}
+
+std::uint32_t ReadSampleRate() {
+  return static_cast<std::uint32_t>(
+      Get<int>(kDaemon, "read the sample rate", DantegRPC::GetSampleRate));
+}
+
+std::vector<std::uint32_t> ReadSampleRates() {
+  const auto rates =
+      Get<std::vector<int>>(kDaemon, "list the sample rates", DantegRPC::GetAvailableSampleRates);
+  return {rates.begin(), rates.end()};
+}
+
+std::uint32_t ReadLatency() {
+  return static_cast<std::uint32_t>(Get<int>(kDaemon, "read the latency", DantegRPC::GetLatency));
+}
+
+bool ReadAes67() {
+  return Get<bool>(kDaemon, "read whether AES67 is on", DantegRPC::GetAES67Status);
+}
+
+bool ReadTransmitDisabled() {
+  return Get<bool>(kDaemon, "read whether transmission is disabled", DantegRPC::GetDisableTx);
+}
+
+bool ReadPtpSlaveOnly() {
+  return Get<bool>(kDaemon, "read the PTP slave-only mode", DantegRPC::GetPtpSlaveOnly);
+}
+
+Channels ReadTxChannels() {
+  return Get<Channels>(kDaemon, "list the transmit channels", DantegRPC::GetTxChannels);
+}
+
+Channels ReadRxChannels() {
+  return Get<Channels>(kDaemon, "list the receive channels", DantegRPC::GetRxChannels);
+}
+
+std::vector<DantegRPC::ChannelLink> ReadRouting() {
+  return Get<std::vector<DantegRPC::ChannelLink>>(kDaemon, "read the routing",
+                                                  DantegRPC::GetTapping);
+}
+
 void AddDante(Tool& tool) {
-  CLI::App& noun = tool.AddNoun("dante", "The Dante audio-network module.", "");
-  AddText(tool, noun, {"name", "Tells or sets the device name.", Name, ShowName, "'Studio A'"});
+  CLI::App& noun = tool.AddNoun("dante", "Show and set the settings of the Dante module", "");
+  AddText(tool, noun,
+          {"name", "Show or set the device name", Name, ShowMember("name"), "'Studio A'"});
   tool.AddVerb(noun, "version",
-               {"Tells the software's and the firmware's versions.",
+               {"Show the software and firmware versions",
                 Version,
                 ShowPairs,
                 {"networkgrpc dante version"}});
-  tool.AddVerb(noun, "model", {"Tells the model.", Model, ShowPairs, {"networkgrpc dante model"}});
+  tool.AddVerb(noun, "model",
+               {"Show the model name and version", Model, ShowPairs, {"networkgrpc dante model"}});
   AddNumber(tool, noun,
-            {"sample-rate", "Tells or sets the sample rate, and tells which there are.", SampleRate,
+            {"sample-rate", "Show or set the sample rate; list the available rates", SampleRate,
              ShowSampleRate, "96000"},
             Candidates::kSampleRates);
   AddNumber(tool, noun,
-            {"latency", "Tells or sets the latency, in the daemon's unit.", Latency,
-             Number("latency"), "2000"},
+            {"latency", "Show or set the latency, in the daemon's unit", Latency,
+             ShowMember("latency"), "2000"},
             Candidates::kNothing);
-  AddSwitch(tool, noun, {"aes67", "Tells or sets whether AES67 is on.", Aes67, ShowAes67, "on"});
+  AddSwitch(tool, noun, {"aes67", "Show or set AES67 mode", Aes67, ShowAes67, "on"});
   AddSwitch(tool, noun,
-            {"transmit", "Tells or sets whether the module transmits.", Transmit,
-             Switch("transmit"), "off"});
+            {"transmit", "Show or set whether the module transmits", Transmit,
+             ShowMember("transmit"), "off"});
   AddSwitch(tool, noun,
-            {"ptp-slave-only", "Tells or sets whether the module is a PTP slave only.",
-             PtpSlaveOnly, Switch("ptp_slave_only"), "on"});
-  CLI::App& reboot =
-      tool.AddVerb(noun, "reboot",
-                   {"Restarts the Dante side: the network configuration is reloaded; asks before.",
-                    [&tool] { return Reboot(tool); },
-                    [](const Json&) { return "the Dante side restarts\n"; },
-                    {"networkgrpc dante reboot --yes"}});
+            {"ptp-slave-only", "Show or set PTP slave-only mode", PtpSlaveOnly,
+             ShowMember("ptp_slave_only"), "on"});
+  CLI::App& reboot = tool.AddVerb(noun, "reboot",
+                                  {"Restart the Dante module: reload the network configuration",
+                                   [&tool] { return Reboot(tool); },
+                                   [](const Json&) { return "the Dante module restarts\n"; },
+                                   {"networkgrpc dante reboot --yes"}});
   tool.AddYes(reboot);
 }
 

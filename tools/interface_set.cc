@@ -1,14 +1,12 @@
-#include "tools/interface_set.h"
-
+// networkgrpc interface set: stores addresses, and can roll them back.
 #include <iostream>
 #include <optional>
 
-#include "NetworkgRPC.h"
-#include "terminal/printable.h"
+#include "terminal/arguments.h"
 #include "terminal/prompt.h"
 #include "tools/call.h"
-#include "tools/guardian.h"
-#include "tools/interfaces.h"
+#include "tools/interface.h"
+#include "tools/rollback.h"
 
 namespace tool {
 namespace {
@@ -34,31 +32,34 @@ void Check(const Arguments& arguments) {
   const auto& info = arguments.info;
   if (!arguments.control && !arguments.dante_primary && !arguments.dante_secondary &&
       arguments.name.empty())
-    Misused("which interface? --control, --dante-primary, --dante-secondary or --name");
+    Misused("--control, --dante-primary, --dante-secondary or --name is required");
   const bool addresses =
       !info.ip.empty() || !info.netmask.empty() || !info.gateway.empty() || !info.dns.empty();
-  if (arguments.dynamic && addresses) Misused("--dynamic takes no addresses");
-  // The library would store dynamic addressing for half of an address.
+  if (arguments.dynamic && addresses) Misused("--dynamic cannot be combined with addresses");
+  // The library would store dynamic addressing for an incomplete address.
   if (!arguments.dynamic && (info.ip.empty() || info.netmask.empty()))
-    Misused("give --dynamic, or both --ip and --netmask");
+    Misused("--dynamic, or both --ip and --netmask are required");
   if (arguments.confirm_within != 0 && !arguments.reload)
-    Misused("--confirm-within needs --reload: what is only stored can be looked at in peace");
+    Misused(
+        "--confirm-within requires --reload: without it nothing is applied, so there is nothing "
+        "to roll back");
 }
 
 NetworkgRPC::InterfaceInfo Target(const Arguments& arguments) {
   if (!arguments.name.empty()) return FindInterface(arguments.name);
-  const std::string role = arguments.control         ? "control"
-                           : arguments.dante_primary ? "dante-primary"
-                                                     : "dante-secondary";
+  const auto& setting = arguments.control         ? client::kControlInterface
+                        : arguments.dante_primary ? client::kDantePrimaryInterface
+                                                  : client::kDanteSecondaryInterface;
   for (const auto& interface : AllInterfaces())
-    if (RoleOf(interface.id) == role) return interface;
-  throw Failure(ExitStatus::kNotFound, "there is no " + role + " interface", kDaemon);
+    if (RoleOf(interface.id) == setting.role) return interface;
+  throw Failure(ExitStatus::kNotFound,
+                std::string(setting.role) + " interface not found; see 'networkgrpc doctor'",
+                kDaemon);
 }
 
 void Store(const Arguments& arguments, const NetworkgRPC::InterfaceInfo& target) {
-  NetworkgRPC::InterfaceInfo info = arguments.info;
-  info.mode = arguments.dynamic ? 0 : 1;
-  Do(kDaemon, "configure interface " + target.name, [&] {
+  const auto& info = arguments.info;
+  Do(kDaemon, "configure interface '" + target.name + "'", [&] {
     if (arguments.control) return NetworkgRPC::SetControlIP(info, arguments.reload);
     if (arguments.dante_primary) return NetworkgRPC::SetDanteIP(info, 0, arguments.reload);
     if (arguments.dante_secondary) return NetworkgRPC::SetDanteIP(info, 1, arguments.reload);
@@ -66,38 +67,41 @@ void Store(const Arguments& arguments, const NetworkgRPC::InterfaceInfo& target)
   });
 }
 
-void ConfirmOrPutBack(Tool& tool, const Arguments& arguments, Guardian& guardian) {
-  deadline::Stop();
-  guardian.Restart(arguments.confirm_within);
+void ConfirmOrRestore(Tool& tool, const Arguments& arguments, Rollback& rollback) {
+  time_limit::Stop();
+  rollback.Restart(arguments.confirm_within);
   if (terminal::AnswersYesWithin(arguments.confirm_within, "Keep the new configuration?") &&
-      guardian.Keep())
+      rollback.Keep())
     return;
   std::cerr << '\n';
-  deadline::Start(tool.Limit());
-  deadline::Asking(kDaemon);
-  if (guardian.PutBack())
-    throw Failure(ExitStatus::kFailed, "not confirmed: the previous configuration is back");
-  throw Failure(ExitStatus::kFailed, "not confirmed, and the previous configuration is NOT back",
+  time_limit::Start(tool.Limit());
+  time_limit::Calling(kDaemon);
+  if (rollback.Restore())
+    throw Failure(ExitStatus::kFailed, "not confirmed: the previous configuration is restored");
+  throw Failure(ExitStatus::kFailed,
+                "not confirmed, and restoring the previous configuration failed; see 'networkgrpc "
+                "interface list'",
                 kDaemon);
 }
 
-Json Set(Tool& tool, const Arguments& arguments) {
+Json Set(Tool& tool, Arguments arguments) {
   Check(arguments);
-  // Before the first call: see Guardian.
-  std::optional<Guardian> guardian;
-  if (arguments.confirm_within != 0) guardian.emplace();
+  arguments.info.mode = arguments.dynamic ? kDynamic : kStatic;
+  // Before the first call: see Rollback.
+  std::optional<Rollback> rollback;
+  if (arguments.confirm_within != 0) rollback.emplace();
 
   const auto target = Target(arguments);
-  if (target.active && !guardian)
-    tool.Confirm("interface " + target.name + " is in use at " + target.ip, "Change it?");
-  if (guardian)
-    guardian->Arm(StoredConfiguration(target.id).SerializeAsString(),
+  if (target.active && !rollback)
+    tool.Confirm("interface '" + target.name + "' is in use at " + target.ip, "Change it?");
+  if (rollback)
+    rollback->Arm(StoredConfiguration(target.id).SerializeAsString(),
                   tool.Limit().seconds + arguments.confirm_within);
   Store(arguments, target);
-  if (guardian) ConfirmOrPutBack(tool, arguments, *guardian);
+  if (rollback) ConfirmOrRestore(tool, arguments, *rollback);
   return {{"id", target.id},
           {"name", target.name},
-          {"mode", arguments.dynamic ? "dynamic" : "static"},
+          {"mode", ModeToJson(arguments.info.mode)},
           {"ip", arguments.info.ip},
           {"netmask", arguments.info.netmask},
           {"gateway", arguments.info.gateway},
@@ -106,12 +110,9 @@ Json Set(Tool& tool, const Arguments& arguments) {
 }
 
 std::string Show(const Json& result) {
-  const std::string mode = result["mode"];
-  std::string text = result["name"].get<std::string>() + ": " + mode;
-  if (mode == "static")
-    text += " " + result["ip"].get<std::string>() + " " + result["netmask"].get<std::string>();
-  return terminal::Printable(text + (result["reload"] ? ", stored and applied" : ", stored")) +
-         "\n";
+  std::string text = Text(result["name"]) + ": " + Text(result["mode"]);
+  if (result["ip"] != "") text += " " + Text(result["ip"]) + " " + Text(result["netmask"]);
+  return text + (result["reload"] ? ", stored and applied\n" : ", stored\n");
 }
 
 void AddTarget(Tool& tool, CLI::App& verb, Arguments& arguments) {
@@ -135,25 +136,24 @@ void AddInterfaceSet(Tool& tool, CLI::App& noun) {
   const auto arguments = std::make_shared<Arguments>();
   CLI::App& verb =
       tool.AddVerb(noun, "set",
-                   {"Stores an interface's addresses; asks when the interface is in use.",
+                   {"Store the addresses of an interface; to be confirmed if it is in use",
                     [&tool, arguments] { return Set(tool, *arguments); },
                     Show,
                     {"networkgrpc interface set --control --ip 10.0.0.60 --netmask 255.0.0.0 --yes",
                      "networkgrpc interface set --dante-primary --dynamic --reload --yes"}});
   AddTarget(tool, verb, *arguments);
-  verb.add_flag("--dynamic", arguments->dynamic, "Let the network give the addresses");
+  verb.add_flag("--dynamic", arguments->dynamic, "Use the addresses that the network assigns");
   auto& info = arguments->info;
   verb.add_option("--ip", info.ip, "Static IPv4 address")->type_name("ADDRESS");
-  verb.add_option("--netmask", info.netmask, "Its netmask")->type_name("ADDRESS");
-  verb.add_option("--gateway", info.gateway, "Its default gateway")->type_name("ADDRESS");
-  verb.add_option("--dns", info.dns, "Its DNS server")->type_name("ADDRESS");
+  verb.add_option("--netmask", info.netmask, "Netmask")->type_name("ADDRESS");
+  verb.add_option("--gateway", info.gateway, "Default gateway")->type_name("ADDRESS");
+  verb.add_option("--dns", info.dns, "DNS server")->type_name("ADDRESS");
   verb.add_flag("--reload", arguments->reload, "Apply the stored configuration at once");
-  verb.add_option(
-          "--confirm-within", arguments->confirm_within,
-          "Ask afterwards instead: the previous configuration comes back unless 'y' is read "
-          "in time, also when networkgrpc is killed or its terminal lost")
+  verb.add_option("--confirm-within", arguments->confirm_within,
+                  "Ask after the change instead, and restore the previous configuration unless "
+                  "the answer is y in time; also if networkgrpc is killed or its terminal lost")
       ->type_name("SECONDS")
-      ->check(Seconds(0.1));
+      ->check(terminal::Seconds(0.1));
   tool.AddYes(verb);
 }
 

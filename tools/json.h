@@ -5,13 +5,15 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "terminal/printable.h"
+
 namespace tool {
 
 using Json = nlohmann::ordered_json;
 
-/// A name, or the number that stands for one that has none.
-inline std::string NameText(const Json& name) {
-  return name.is_string() ? name.get<std::string>() : name.dump();
+/// A string as a terminal can show it in one line; any other value as JSON.
+inline std::string Text(const Json& value) {
+  return value.is_string() ? terminal::Printable(value.get<std::string>()) : value.dump();
 }
 
 }  // namespace tool

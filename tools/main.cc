@@ -1,24 +1,23 @@
-// networkgrpc: reads and changes a device's settings from a shell.
+// networkgrpc: shows and changes the settings of a device from a shell.
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
 #include <string>
 #include <vector>
 
-#include "tools/guardian.h"
+#include "tools/rollback.h"
 #include "tools/tool.h"
 
 int main(int argc, char** argv) {
-  // Not for people: the shells' completion, and the process that puts an
-  // interface's configuration back.
+  // Two commands are not for people: completion by shells, and the rollback
+  // process.
   const std::string first = argc > 1 ? argv[1] : "";
-  if (first == tool::guardian::kCommand) return tool::guardian::Main();
+  if (first == tool::kRollbackCommand) return tool::RunRollback();
 
   tool::Tool tool;
   tool::AddInterface(tool);
   tool::AddSwitch(tool);
-  tool::AddHost(tool);
+  tool::AddHostSettings(tool);
   tool::AddDante(tool);
   tool::AddChannel(tool);
   tool::AddRouting(tool);
@@ -29,7 +28,7 @@ int main(int argc, char** argv) {
   if (first == "__complete") return tool.Complete({argv + 2, argv + argc});
 
   const int status = tool.Main(argc, argv);
-  if (tool.leave_at_once) {
+  if (tool.exit_at_once) {
     std::fflush(nullptr);
     _exit(status);
   }

@@ -1,11 +1,11 @@
-// networkgrpc routing: where each receive channel takes its audio from.
+// networkgrpc routing: what each receive channel is subscribed to.
 #include <algorithm>
 
 #include "DantegRPC.h"
-#include "terminal/printable.h"
+#include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
-#include "tools/dante_settings.h"
+#include "tools/dante.h"
 #include "tools/routing_json.h"
 #include "tools/tool.h"
 
@@ -15,18 +15,13 @@ namespace {
 constexpr auto kDaemon = Daemon::kDante;
 using Link = DantegRPC::ChannelLink;
 
-std::string NameOf(const std::vector<DantegRPC::Channel>& channels, int id) {
-  for (const auto& channel : channels)
-    if (channel.id == id) return channel.name;
-  return "";
-}
-
 Json List() {
   Json routing = Json::array();
   const auto channels = ReadRxChannels();
   for (const Link& link : ReadRouting()) {
     Json entry = ToJson(link);
-    entry["rx_name"] = NameOf(channels, link.rxChannelId);
+    const auto* channel = FindById(channels, link.rxChannelId);
+    entry["rx_name"] = channel != nullptr ? channel->name : "";
     routing.push_back(entry);
   }
   return {{"routing", routing}};
@@ -40,15 +35,15 @@ std::string ShowList(const Json& result) {
     terminal::Table::Row row = {it["rx_channel"].dump(), it["rx_name"], it["device"],
                                 it["channel"]};
     if (!raw.is_null())
-      row.insert(row.end(), {raw["ip"], NameText(raw["encoding"]), raw["sip"],
+      row.insert(row.end(), {raw["ip"], Text(raw["encoding"]), raw["sip"],
                              raw["session_id"].is_null() ? "" : raw["session_id"].dump()});
     table.Add(row);
   }
   return table.Text();
 }
 
-// Receive channels down, sources across; the sources' names, which can be long,
-// stand below.
+// One row per receive channel, one column per source; the names of the sources,
+// which can be long, follow in a table of their own.
 std::string ShowGrid(const Json& result) {
   std::vector<std::string> sources;
   for (const Json& it : result["routing"]) {
@@ -71,55 +66,49 @@ std::string ShowGrid(const Json& result) {
 }
 
 Json Subscribe(const Link& link) {
-  const std::string channel = "receive channel " + std::to_string(link.rxChannelId);
-  deadline::Asking(kDaemon);
-  if (!DantegRPC::SetTapping(link)) {
-    const Failure failure = Explain(kDaemon, "route " + channel);
-    std::vector<DantegRPC::Channel> channels;
-    if (failure.status == ExitStatus::kUnreachable || !DantegRPC::GetRxChannels(channels))
-      throw failure;
-    for (const auto& it : channels)
-      if (it.id == link.rxChannelId) throw failure;
-    throw Failure(ExitStatus::kNotFound, "there is no " + channel, kDaemon);
-  }
+  const int id = link.rxChannelId;
+  DoTo(ListedBy(DantegRPC::GetRxChannels, id, "channel list"), kDaemon,
+       "set the subscription of receive channel " + std::to_string(id),
+       [&] { return DantegRPC::SetTapping(link); });
   return ToJson(link);
 }
 
 std::string ShowSubscription(const Json& result) {
   const std::string source = SourceText(result);
-  const std::string channel = "receive channel " + result["rx_channel"].dump();
-  return source.empty() ? channel + " takes nothing\n"
-                        : channel + " takes " + terminal::Printable(source) + "\n";
+  const std::string channel = "receive channel " + Text(result["rx_channel"]);
+  return channel +
+         (source.empty() ? " is not subscribed\n" : " is subscribed to " + Text(source) + "\n");
 }
 
 Json Set(const Link& link) {
   // The library would remove the subscription.
   if (link.deviceName.empty() || link.channelName.empty())
-    throw Failure(ExitStatus::kUsage,
-                  "neither DEVICE nor CHANNEL can be empty; see 'routing clear'");
+    throw Failure(ExitStatus::kUsage, "DEVICE and CHANNEL must not be empty; see 'routing clear'");
   return Subscribe(link);
 }
 
 Json SetRaw(Link link) {
-  if (link.ip.empty()) throw Failure(ExitStatus::kUsage, "IP cannot be empty; see 'routing clear'");
+  if (link.ip.empty())
+    throw Failure(ExitStatus::kUsage, "IP must not be empty; see 'routing clear'");
   link.isRaw = true;
   return Subscribe(link);
 }
 
 void AddReceiver(Tool& tool, CLI::App& verb, int& id) {
-  tool.Offer(verb.add_option("RX", id, "The receive channel's id in 'channel list'")->required(),
+  tool.Offer(terminal::AddInteger(verb, "RX", id, "The receive channel's id in 'channel list'")
+                 ->required(),
              Candidates::kRxChannels);
 }
 
 void AddSetRaw(Tool& tool, CLI::App& noun) {
   const auto link = std::make_shared<Link>();
-  const auto l16 = std::make_shared<std::string>("L24");
+  const auto encoding = std::make_shared<std::string>("L24");
   const auto session = std::make_shared<CLI::Option*>(nullptr);
   CLI::App& raw =
       tool.AddVerb(noun, "set-raw",
-                   {"Subscribes a receive channel to a stream by its parameters.",
-                    [link, l16, session] {
-                      link->encoding = *l16 == "L16" ? 1 : 0;
+                   {"Subscribe a receive channel to a stream by its parameters",
+                    [link, encoding, session] {
+                      link->encoding = *encoding == "L16" ? 1 : 0;
                       link->hasSessionId = (*session)->count() != 0;
                       return SetRaw(*link);
                     },
@@ -133,35 +122,34 @@ void AddSetRaw(Tool& tool, CLI::App& noun) {
                                                                       {"--value5", &link->value5},
                                                                       {"--value6", &link->value6}};
   for (const auto& [name, value] : values)
-    raw.add_option(name, *value, "Parameter of the stream, passed through")->type_name("N");
-  raw.add_option("--encoding", *l16, "Sample encoding, L24 or L16; default L24")
+    terminal::AddInteger(raw, name, *value, "Parameter of the stream, passed unchanged")
+        ->type_name("N");
+  raw.add_option("--encoding", *encoding, "Sample encoding, L24 or L16; default L24")
       ->type_name("NAME")
-      ->check(CLI::Validator(
-          [](const std::string& text) {
-            return text == "L24" || text == "L16" ? "" : "'" + text + "' is not L24 or L16";
-          },
-          ""));
+      ->check(terminal::OneOf({"L24", "L16"}));
   raw.add_option("--sip", link->sip, "A second address of the stream")->type_name("ADDRESS");
-  *session = raw.add_option("--session-id", link->sessionId, "The stream's session identifier")
-                 ->type_name("N");
+  *session =
+      terminal::AddInteger(raw, "--session-id", link->sessionId, "Session identifier of the stream")
+          ->type_name("N");
 }
 
 }  // namespace
 
 void AddRouting(Tool& tool) {
-  CLI::App& noun = tool.AddNoun("routing", "Where receive channels take their audio from.", "list");
+  CLI::App& noun =
+      tool.AddNoun("routing", "Show and set what receive channels are subscribed to", "list");
   const auto grid = std::make_shared<bool>(false);
   CLI::App& list = tool.AddVerb(
       noun, "list",
-      {"Tells what each receive channel is subscribed to.",
+      {"Show what each receive channel is subscribed to",
        List,
        [grid](const Json& result) { return *grid ? ShowGrid(result) : ShowList(result); },
        {"networkgrpc routing list", "networkgrpc routing list --grid"}});
-  list.add_flag("--grid", *grid, "Show receive channels against sources");
+  list.add_flag("--grid", *grid, "Show a grid of receive channels and sources");
 
   const auto link = std::make_shared<Link>();
   CLI::App& set = tool.AddVerb(noun, "set",
-                               {"Subscribes a receive channel to a device's channel.",
+                               {"Subscribe a receive channel to a transmit channel",
                                 [link] { return Set(*link); },
                                 ShowSubscription,
                                 {"networkgrpc routing set 1 'Stage box' 'Mic 1'"}});
@@ -172,7 +160,7 @@ void AddRouting(Tool& tool) {
 
   const auto id = std::make_shared<int>(0);
   CLI::App& clear = tool.AddVerb(noun, "clear",
-                                 {"Removes a receive channel's subscription.",
+                                 {"Remove the subscription of a receive channel",
                                   [id] { return Subscribe(Unsubscribed(*id)); },
                                   ShowSubscription,
                                   {"networkgrpc routing clear 1"}});

@@ -1,9 +1,9 @@
 // Reads the state of the device as a document.
 #include "NetworkManagerClient.h"
 #include "tools/call.h"
-#include "tools/dante_settings.h"
-#include "tools/host.h"
-#include "tools/interfaces.h"
+#include "tools/dante.h"
+#include "tools/host_settings.h"
+#include "tools/interface.h"
 #include "tools/routing_json.h"
 #include "tools/state.h"
 

@@ -3,9 +3,9 @@
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
 #include "state_document/compare.h"
-#include "tools/interfaces.h"
+#include "tools/interface.h"
 #include "tools/routing_json.h"
-#include "tools/switch_mode.h"
+#include "tools/switch.h"
 
 namespace tool {
 namespace {
@@ -107,11 +107,12 @@ void PlanHost(Steps& steps, const Json& from, const Json& to) {
 // with none of it.
 Json AchievableInterface(const Json& wanted) {
   Json result = wanted;
-  if (wanted["mode"] == "static" && !IsEmpty(wanted["ip"]) && !IsEmpty(wanted["netmask"])) {
+  if (wanted["mode"] == ModeToJson(kStatic) && !IsEmpty(wanted["ip"]) &&
+      !IsEmpty(wanted["netmask"])) {
     while (result["dns"].size() > 1) result["dns"].erase(result["dns"].size() - 1);
     return result;
   }
-  result["mode"] = "dynamic";
+  result["mode"] = ModeToJson(kDynamic);
   for (const char* member : {"ip", "netmask", "gateway"}) result[member] = "";
   result["dns"] = Json::array();
   return result;
@@ -119,7 +120,7 @@ Json AchievableInterface(const Json& wanted) {
 
 NetworkgRPC::InterfaceInfo InfoFromJson(const Json& entry) {
   NetworkgRPC::InterfaceInfo info;
-  info.mode = entry["mode"] == "static" ? 1 : 0;
+  info.mode = entry["mode"] == ModeToJson(kStatic) ? kStatic : kDynamic;
   info.ip = entry["ip"];
   info.netmask = entry["netmask"];
   info.gateway = entry["gateway"];

@@ -1,14 +1,13 @@
-// networkgrpc status: all at a glance.
+// networkgrpc status: a summary of all settings.
 #include <array>
 #include <optional>
 
-#include "NetworkgRPC.h"
 #include "NetworkgRPC_c.h"
 #include "terminal/table.h"
 #include "tools/call.h"
-#include "tools/dante_settings.h"
-#include "tools/host.h"
-#include "tools/interfaces.h"
+#include "tools/dante.h"
+#include "tools/host_settings.h"
+#include "tools/interface.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -18,15 +17,13 @@ Json CurrentSwitchMode() {
   int id = 0;
   Do(Daemon::kNetworkManager, "read the switch mode in effect",
      [&] { return cGetCurrentSwitchMode(&id) == 0; });
-  std::vector<NetworkgRPC::SwitchMode> modes;
-  Do(Daemon::kNetworkManager, "list the switch modes",
-     [&] { return NetworkgRPC::GetSwitchModes(modes); });
-  for (const auto& mode : modes)
-    if (mode.id == id) return {{"id", id}, {"name", mode.name}};
-  return {{"id", id}, {"name", ""}};
+  const auto modes = Get<std::vector<NetworkgRPC::SwitchMode>>(
+      Daemon::kNetworkManager, "list the switch modes", NetworkgRPC::GetSwitchModes);
+  const auto* mode = FindById(modes, id);
+  return {{"id", id}, {"name", mode != nullptr ? mode->name : ""}};
 }
 
-// Null when there is no such interface.
+// Null if it cannot be read, also if there is no such interface.
 Json Control() {
   std::array<cInterfaceInfo, 1> control{};
   if (cGetControlInterface(control.data(), control.size()) != 1) return nullptr;
@@ -59,7 +56,7 @@ Json Dante() {
           {"subscribed", subscribed}};
 }
 
-// What one daemon does not tell must not hide what the other does.
+// If one daemon fails, the settings of the other are shown nevertheless.
 Json Part(Json (*read)(), std::optional<Failure>& first) {
   try {
     return read();
@@ -80,29 +77,27 @@ Json Run() {
 
 // --- Text ----------------------------------------------------------------------
 
-std::string OnOff(const Json& value) { return value ? "on" : "off"; }
-
 std::string ShowNetwork(const Json& network) {
-  if (network.is_null()) return "not known\n";
+  if (network.is_null()) return "unknown\n";
   terminal::Table table;
   const Json& mode = network["switch_mode"];
   table.Add({"hostname", network["hostname"]});
-  table.Add({"switch mode", mode["id"].dump() + " " + mode["name"].get<std::string>()});
+  table.Add({"switch mode", Text(mode["id"]) + " " + Text(mode["name"])});
   for (const char* member : {"ntp", "dns", "gateway"}) table.Add({member, network[member]});
   return table.Text() + "\n" + ShowInterfaces(network["interfaces"]);
 }
 
 std::string ShowDante(const Json& dante) {
-  if (dante.is_null()) return "not known\n";
+  if (dante.is_null()) return "unknown\n";
   terminal::Table table;
   table.Add({"name", dante["name"]});
-  table.Add({"sample rate", dante["sample_rate"].dump()});
-  table.Add({"latency", dante["latency"].dump()});
+  table.Add({"sample rate", Text(dante["sample_rate"])});
+  table.Add({"latency", Text(dante["latency"])});
   table.Add({"AES67", OnOff(dante["aes67"])});
   table.Add({"transmit", OnOff(dante["transmit"])});
   table.Add({"PTP slave only", OnOff(dante["ptp_slave_only"])});
-  table.Add({"channels", dante["tx_channels"].dump() + " transmit, " + dante["rx_channels"].dump() +
-                             " receive, " + dante["subscribed"].dump() + " subscribed"});
+  table.Add({"channels", Text(dante["tx_channels"]) + " transmit, " + Text(dante["rx_channels"]) +
+                             " receive, " + Text(dante["subscribed"]) + " subscribed"});
   return table.Text();
 }
 
@@ -115,7 +110,7 @@ std::string Show(const Json& result) {
 
 void AddStatus(Tool& tool) {
   tool.AddVerb(tool.app, "status",
-               {"Tells everything at a glance.", Run, Show, {"networkgrpc status"}});
+               {"Show a summary of all settings", Run, Show, {"networkgrpc status"}});
 }
 
 }  // namespace tool

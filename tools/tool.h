@@ -1,5 +1,5 @@
-// The frame that every command shares: global options, what a command does and
-// how its result reads, its examples, what can complete its arguments.
+// What all commands share: global options, how a command runs and how its result
+// is shown, its examples, what completes its arguments.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "tools/deadline.h"
 #include "tools/failure.h"
 #include "tools/json.h"
+#include "tools/time_limit.h"
 
 namespace tool {
 
@@ -27,14 +27,22 @@ enum class Candidates {
   kNothing,
 };
 
-/// What a command does. `run` asks the daemons and throws a Failure; `show`
-/// makes text of what `run` gave, and never asks.
+/// The text for a result.
+using ToText = std::function<std::string(const Json& result)>;
+
+/// A command. `run` calls the daemons and throws a Failure; `show` makes text of
+/// the result of `run` without further calls.
 struct Verb {
   std::string description;
   std::function<Json()> run;
-  std::function<std::string(const Json&)> show;
+  ToText show;
   std::vector<std::string> examples;
 };
+
+/// The value of one member, in a line: true and false as "on" and "off".
+ToText ShowMember(const char* member);
+
+const char* OnOff(bool on);
 
 class Tool {
  public:
@@ -44,36 +52,35 @@ class Tool {
   Tool(const Tool&) = delete;
   Tool& operator=(const Tool&) = delete;
 
-  /// A noun. Alone on the command line it stands for `verb`, unless that is "".
+  /// A noun. Without a verb it stands for `verb`, unless that is "".
   CLI::App& AddNoun(const std::string& name, const std::string& description,
                     const std::string& verb);
   /// A verb of a noun, or of the tool itself.
   CLI::App& AddVerb(CLI::App& parent, const std::string& name, Verb verb);
-  /// --yes, for a command that asks before it acts.
+  /// The option --yes of a command that calls Confirm.
   void AddYes(CLI::App& verb);
-  /// An on/off argument or option.
+  /// What completes the value of an argument or option.
   void Offer(CLI::Option* option, Candidates what) { candidates[option] = what; }
 
-  /// Says what is about to happen and asks the person at the terminal whether to
-  /// go on; throws when not. Without a terminal --yes is required.
+  /// Prints what is about to happen and asks whether to continue; throws if not.
+  /// Without a terminal --yes is required.
   void Confirm(const std::string& what, const std::string& question);
 
   /// Parses, runs, prints; returns the exit status.
   int Main(int argc, char** argv);
-  /// Prints what can complete the last of `words`, one candidate a line: its
-  /// text, a tab, its description. A line without text stands for the files that
-  /// there are.
+  /// Prints what can complete the last of `words`, one candidate per line: its
+  /// text, a tab, its description. A line without text stands for file names.
   int Complete(const std::vector<std::string>& words);
 
-  /// The time limit of the command that runs, for one that starts it anew.
-  deadline::Limit Limit() const;
+  /// The time limit of the running command, for one that restarts it.
+  time_limit::Limit Limit() const;
 
   CLI::App app;
   bool json = false;
   bool yes = false;
   /// Set by a command that leaves a thread in a call: the process must then end
-  /// without running destructors.
-  bool leave_at_once = false;
+  /// without destructors.
+  bool exit_at_once = false;
 
  private:
   struct Found;
@@ -94,13 +101,10 @@ class Tool {
   std::string dapi;
 };
 
-/// Accepts a number of seconds.
-CLI::Validator Seconds(double least);
-
-// One per file of the same name.
+// Each in the file of the same name.
 void AddInterface(Tool& tool);
 void AddSwitch(Tool& tool);
-void AddHost(Tool& tool);
+void AddHostSettings(Tool& tool);
 void AddDante(Tool& tool);
 void AddChannel(Tool& tool);
 void AddRouting(Tool& tool);

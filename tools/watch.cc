@@ -1,4 +1,4 @@
-// networkgrpc watch: prints what changes.
+// networkgrpc watch: prints changes.
 #include <poll.h>
 #include <unistd.h>
 
@@ -6,27 +6,25 @@
 #include <iostream>
 #include <optional>
 
-#include "NetworkgRPC.h"
+#include "terminal/arguments.h"
 #include "tools/call.h"
-#include "tools/envelope.h"
-#include "tools/host.h"
-#include "tools/interfaces.h"
+#include "tools/host_settings.h"
+#include "tools/interface.h"
+#include "tools/output.h"
 #include "tools/state.h"
+#include "tools/switch.h"
 #include "tools/tool.h"
 
 namespace tool {
 namespace {
 
-// Every line is written in one piece, so there is nothing to finish.
+// Every line is written at once, so that nothing remains to be written.
 void End(int) { _exit(static_cast<int>(ExitStatus::kDone)); }
 
-// What can be set, and what comes of it.
+// The settings, and what is in effect.
 Json Observe() {
   Json state = ReadState();
-  Json live = {{"switch_mode", Get<NetworkgRPC::SwitchMode>(Daemon::kNetworkManager,
-                                                            "read the switch mode in effect",
-                                                            NetworkgRPC::GetCurrentSwitchMode)
-                                   .id},
+  Json live = {{"switch_mode", ReadSwitchModeInEffect().id},
                {"dns", ReadDns()},
                {"gateway", ReadGateway()},
                {"interfaces", Json::array()}};
@@ -40,8 +38,8 @@ class Watcher {
  public:
   explicit Watcher(Tool& owner) : tool(owner) {}
 
-  void Look() {
-    deadline::Start(tool.Limit());
+  void Poll() {
+    time_limit::Start(tool.Limit());
     std::optional<Json> now;
     std::optional<Failure> failure;
     try {
@@ -49,22 +47,22 @@ class Watcher {
     } catch (const Failure& it) {
       failure = it;
     }
-    deadline::Stop();
+    time_limit::Stop();
     if (failure.has_value())
-      Tell(*failure);
+      Report(*failure);
     else
-      Tell(*now);
+      Report(*now);
   }
 
  private:
-  void Tell(const Failure& failure) {
+  void Report(const Failure& failure) {
     if (last_error == failure.what()) return;
     last_error = failure.what();
-    Write(tool.json ? JsonText(FailureEnvelope("watch", failure))
-                    : std::string(failure.what()) + "\n");
+    Write(tool.json ? JsonText(ErrorJson("watch", failure))
+                    : terminal::Printable(failure.what()) + "\n");
   }
 
-  void Tell(const Json& now) {
+  void Report(const Json& now) {
     if (!last_error.empty()) {
       last_error.clear();
       Event("daemons", nullptr, "answer again");
@@ -78,8 +76,7 @@ class Watcher {
 
   void Event(const std::string& path, const Json& from, const Json& to) {
     const Json event = {{"path", path}, {"from", from}, {"to", to}};
-    Write(tool.json ? JsonText(SuccessEnvelope("watch", event))
-                    : ShowDifferences(Json::array({event})));
+    Write(tool.json ? JsonText(ResultJson("watch", event)) : ShowDifferences(Json::array({event})));
   }
 
   void Write(const std::string& line) {
@@ -97,7 +94,7 @@ class Watcher {
   std::signal(SIGTERM, End);
   Watcher watcher(tool);
   while (true) {
-    watcher.Look();
+    watcher.Poll();
     poll(nullptr, 0, static_cast<int>(interval * 1000));
   }
 }
@@ -107,13 +104,13 @@ class Watcher {
 void AddWatch(Tool& tool) {
   const auto interval = std::make_shared<double>(2);
   CLI::App& verb = tool.AddVerb(tool.app, "watch",
-                                {"Prints what changes, a line each, until interrupted.",
+                                {"Print changes, one per line, until interrupted",
                                  [&tool, interval]() -> Json { Run(tool, *interval); },
                                  [](const Json&) { return std::string(); },
                                  {"timeout --preserve-status 1 networkgrpc watch --interval 0.2"}});
-  verb.add_option("--interval", *interval, "Time between two looks; default 2")
+  verb.add_option("--interval", *interval, "Time between two readings; default 2")
       ->type_name("SECONDS")
-      ->check(Seconds(0.05));
+      ->check(terminal::Seconds(0.05));
 }
 
 }  // namespace tool

@@ -21,24 +21,26 @@ code_block() {
   diff <(code_block python docs/python.md) python/examples/overview.py
 }
 
-# The variables that the library reads, each with its default.
+# settings: one line per variable that the library reads: VARIABLE|DEFAULT|MEANING.
 settings() {
-  sed -n 's/^inline constexpr Setting k[A-Za-z]*{"\(.*\)", "\(.*\)"};$/\1 \2/p' client/environment.h
+  tr -d '\n' <client/environment.h | grep -oE 'Setting k[A-Za-z]+\{[^}]*\}' |
+    sed -E 's/^[^"]*"([^"]*)", *"([^"]*)", *"[^"]*", *"([^"]*)"\}$/\1|\2|\3/'
 }
 
 @test "README lists the environment variables with the library's defaults" {
-  local variable fallback
-  [ "$(settings | wc -l)" -eq "$(grep -c '^inline constexpr Setting' client/environment.h)" ]
-  while read -r variable fallback; do
-    grep -qF "| \`$variable\` | \`$fallback\` |" README.md
+  local variable fallback meaning
+  [ "$(settings | wc -l)" -eq 5 ]
+  while IFS='|' read -r variable fallback meaning; do
+    grep -qE "^\| \`$variable\` \| \`$fallback\` \| $meaning\b" README.md
   done < <(settings)
 }
 
 @test "networkgrpc-environment(7) lists the environment variables with the library's defaults" {
-  local variable fallback
+  local variable fallback meaning
   [ "$(grep -c '^\.It Ev ' man/networkgrpc-environment.7)" -eq "$(settings | wc -l)" ]
-  while read -r variable fallback; do
-    grep -qxF ".It Ev $variable Pq default Li $fallback" man/networkgrpc-environment.7
+  while IFS='|' read -r variable fallback meaning; do
+    grep -xF -A1 ".It Ev $variable Pq default Li $fallback" man/networkgrpc-environment.7 |
+      grep -q "^${meaning^}"
   done < <(settings)
 }
 

@@ -5,6 +5,7 @@
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
+#include "client/environment.h"
 
 namespace support {
 namespace {
@@ -36,11 +37,9 @@ Device::Device(const std::string& network_manager_address, const std::string& da
   Add(list, kLan3, "lan3", kLan3Mac);
   interfaces = Reply(list);
   network_manager->Script(NetworkManagerPath("GetAvailableInterfaces"), interfaces);
-  setenv("network_manager_url", network_manager->Url().c_str(), 1);
-  setenv("grpc_dapi_url", dapi->Url().c_str(), 1);
-  for (const char* role :
-       {"dante_primary_interface_env", "dante_secondary_interface_env", "control_interface_env"})
-    unsetenv(role);
+  for (const client::Setting& it : client::kSettings) unsetenv(it.variable);
+  setenv(client::kNetworkManagerUrl.variable, network_manager->Url().c_str(), 1);
+  setenv(client::kDapiUrl.variable, dapi->Url().c_str(), 1);
 }
 
 void Device::BuildClients() {

@@ -14,7 +14,7 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   run --separate-stderr tool --timeout 0.3 dante name
   [ "$status" -eq 3 ]
   [ -z "$output" ]
-  [[ $stderr == "networkgrpc: no answer from the dante-api daemon at 127.0.0.1:"*" within 0.3 s" ]]
+  [[ $stderr == "networkgrpc: no reply from the dante-api daemon at 127.0.0.1:"*" within 0.3 s" ]]
 }
 
 @test "Timeout_DaemonNeverAnswersWithJson_PrintsOneErrorObject" {
@@ -66,6 +66,17 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   [ "$(tool hostname get)" = amplifier ]
 }
 
+@test "Arguments_NotAnInteger_AreNamedWithTheRange" {
+  run -2 --separate-stderr tool switch set 99999999999
+  [[ $stderr == "networkgrpc: ID: '99999999999' must be an integer from -2147483648 to 2147483647; see "* ]]
+}
+
+@test "ErrorMessage_NameIsNotPrintable_IsOneLineWithEscapes" {
+  start_simulator
+  run -10 --separate-stderr tool interface mac $'lan\n\e[1m'
+  [ "${stderr##*$'\n'}" = "networkgrpc: cannot read the MAC address of interface 'lan\n\x1b[1m': not found; see 'networkgrpc interface list'" ]
+}
+
 @test "Status_OneDaemonUnreachable_ShowsTheOther" {
   start_simulator
   export grpc_dapi_url=127.0.0.1:1
@@ -77,7 +88,7 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
 @test "Doctor_DaemonNeverAnswers_ReportsEverythingElse" {
   start_mute_device
   run -8 --separate-stderr tool --timeout 2 doctor
-  [[ $output == *"takes calls, but does not answer them"* ]]
+  [[ $output == *"no reply from the network-manager daemon"* ]]
   [[ $output == *"VARIABLE"* ]]
 }
 
@@ -102,21 +113,21 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
     [[ $output == *"Problem: grpc_dapi_url $problem"*"use host:port"* ]] || { echo "$endpoint: $output"; return 1; }
   done <<'ENDPOINTS'
 |is set, but empty
-http://127.0.0.1:1|is a web address
-127.0.0.1|names no port
+http://127.0.0.1:1|is a URL, not an endpoint
+127.0.0.1|has no port
 ENDPOINTS
 }
 
 @test "Doctor_RoleHasNoInterface_SuggestsItsVariable" {
   start_simulator
   control_interface_env=lan9 run -1 --separate-stderr tool doctor
-  [[ $output == *"no interface is called 'lan9', so the role control has none"*"set control_interface_env"* ]]
+  [[ $output == *"no interface is named 'lan9', so the role control has none"*"set control_interface_env"* ]]
 }
 
 @test "Doctor_NoProblem_ExitsWithZero" {
   start_simulator
   run -0 --separate-stderr tool doctor
-  [[ $output == *"Nothing is wrong." ]]
+  [[ $output == *"No problem found." ]]
 }
 
 @test "Colour_OutputIsAPipe_IsNotUsed" {
@@ -162,7 +173,7 @@ ENDPOINTS
   start_simulator
   tool hostname set kept >/dev/null
   run -2 --separate-stderr tool factory-reset
-  [[ $stderr == *"give --yes"* ]]
+  [[ $stderr == *"--yes is required"* ]]
   [ "$(tool hostname get)" = kept ]
 }
 

@@ -29,14 +29,14 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
 
 @test "ConfirmWithin_Declined_RollsBack" {
   run -1 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<n
-  [[ $stderr == *"not confirmed: the previous configuration is back" ]]
+  [[ $stderr == *"not confirmed: the previous configuration is restored" ]]
   is_back
   [ "$(in_use)" = 192.168.10.57 ]
 }
 
 @test "ConfirmWithin_NoAnswerInTime_RollsBack" {
   run -1 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 0.5 <&"$device_input"
-  [[ $stderr == *"the previous configuration is back" ]]
+  [[ $stderr == *"the previous configuration is restored" ]]
   is_back
 }
 

@@ -145,7 +145,7 @@ start_device_with_unknown_modes() {
 @test "Import_NoTerminalAndNoYes_ShowsTheDifferencesAndChangesNothing" {
   document '.dante.name = "Hall"'
   run -2 --separate-stderr tool import "$state"
-  [[ $stderr == *'dante.name: "Amplifier-520001" -> "Hall"'*"give --yes"* ]]
+  [[ $stderr == *'dante.name: "Amplifier-520001" -> "Hall"'*"--yes is required"* ]]
   [ "$(tool dante name)" != Hall ]
 }
 

@@ -59,7 +59,7 @@ teardown() {
   stop_devices
   start_mute_device
   run -3 --separate-stderr tool --timeout 0.3 watch
-  [[ $stderr == *"no answer from the network-manager daemon"* ]]
+  [[ $stderr == *"no reply from the network-manager daemon"* ]]
 }
 
 @test "Watch_Interrupted_ExitsWithZero" {

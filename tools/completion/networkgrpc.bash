@@ -1,8 +1,8 @@
-# bash completion of networkgrpc: the program itself knows what can come next.
+# bash completion of networkgrpc: `networkgrpc __complete` prints the candidates.
 
 _networkgrpc() {
   local words=() word joined='' line typed
-  # bash takes "--name=lan0" and "127.0.0.1:50007" apart; the program does not.
+  # bash splits "--name=lan0" and "127.0.0.1:50007" into several words.
   for word in "${COMP_WORDS[@]:1:COMP_CWORD}"; do
     if [[ ${#words[@]} -gt 0 && ( -n $joined || $word == [:=]* ) ]]; then
       words[-1]+=$word
@@ -11,7 +11,7 @@ _networkgrpc() {
     fi
     joined=${word##*[!:=]}
   done
-  # What stands before the last piece of such a word stays as it is.
+  # bash replaces only the last part of such a word.
   typed=${words[-1]}
   [[ $typed == *[:=]* ]] && typed=${typed%"${typed##*[:=]}"} || typed=''
   COMPREPLY=()

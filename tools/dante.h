@@ -1,4 +1,4 @@
-// The Dante module's settings as several commands read them.
+// The settings of the Dante module, as several commands read them.
 #pragma once
 
 #include <cstdint>
@@ -6,12 +6,11 @@
 #include <vector>
 
 #include "DantegRPC.h"
-#include "tools/json.h"
 
 namespace tool {
 
 std::string ReadDeviceName();
-/// Unsigned, as the daemon has it.
+/// Unsigned, as on the wire.
 std::uint32_t ReadSampleRate();
 std::vector<std::uint32_t> ReadSampleRates();
 /// In the daemon's unit.

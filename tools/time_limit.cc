@@ -1,4 +1,4 @@
-#include "tools/deadline.h"
+#include "tools/time_limit.h"
 
 #include <sys/time.h>
 #include <unistd.h>
@@ -8,38 +8,37 @@
 #include <csignal>
 #include <cstdio>
 
-#include "tools/envelope.h"
 #include "tools/failure.h"
+#include "tools/output.h"
 
-namespace tool::deadline {
+namespace tool::time_limit {
 namespace {
 
-// Written before the limit starts: a signal handler can only copy bytes.
-std::array<std::string, 3> last_words;
-int last_words_to = STDERR_FILENO;
-volatile std::sig_atomic_t asking = 0;
+// By daemon. Written before the limit starts: a signal handler can only copy bytes.
+std::array<std::string, 3> reports;
+int reports_to = STDERR_FILENO;
+volatile std::sig_atomic_t called = 0;
 volatile std::sig_atomic_t exit_status = 0;
 
 void Pass(int) {
-  const std::string& words = last_words[static_cast<std::size_t>(asking)];
+  const std::string& report = reports[static_cast<std::size_t>(called)];
   std::size_t written = 0;
-  while (written < words.size()) {
-    const ssize_t count = write(last_words_to, words.data() + written, words.size() - written);
+  while (written < report.size()) {
+    const ssize_t count = write(reports_to, report.data() + written, report.size() - written);
     if (count <= 0) break;
     written += static_cast<std::size_t>(count);
   }
   _exit(exit_status);
 }
 
-std::string LastWords(const Limit& limit, Daemon daemon) {
+std::string Report(const Limit& limit, Daemon daemon) {
   std::array<char, 32> seconds{};
   std::snprintf(seconds.data(), seconds.size(), "%g", limit.seconds);
-  const std::string who =
-      daemon == Daemon::kNone
-          ? "not done"
-          : std::string("no answer from the ") + Name(daemon) + " daemon at " + Endpoint(daemon);
-  const Failure failure(ExitStatus::kTimeLimit, who + " within " + seconds.data() + " s", daemon);
-  return limit.json ? JsonText(FailureEnvelope(limit.command, failure)) : ErrorLine(failure);
+  const std::string what = daemon == Daemon::kNone
+                               ? "not done"
+                               : "no reply from " + The(daemon) + " at " + Endpoint(daemon);
+  const Failure failure(ExitStatus::kTimeLimit, what + " within " + seconds.data() + " s", daemon);
+  return limit.json ? JsonText(ErrorJson(limit.command, failure)) : ErrorLine(failure);
 }
 
 void Arm(double seconds) {
@@ -59,15 +58,15 @@ void Arm(double seconds) {
 void Start(const Limit& limit) {
   Stop();
   for (const Daemon daemon : {Daemon::kNone, Daemon::kNetworkManager, Daemon::kDante})
-    last_words[static_cast<std::size_t>(daemon)] = LastWords(limit, daemon);
-  last_words_to = limit.json ? STDOUT_FILENO : STDERR_FILENO;
+    reports[static_cast<std::size_t>(daemon)] = Report(limit, daemon);
+  reports_to = limit.json ? STDOUT_FILENO : STDERR_FILENO;
   exit_status = static_cast<int>(ExitStatus::kTimeLimit);
   Arm(limit.seconds);
 }
 
 void StartQuiet(double seconds) {
   Stop();
-  last_words = {};
+  reports = {};
   exit_status = static_cast<int>(ExitStatus::kDone);
   Arm(seconds);
 }
@@ -77,6 +76,6 @@ void Stop() {
   setitimer(ITIMER_REAL, &none, nullptr);
 }
 
-void Asking(Daemon daemon) { asking = static_cast<std::sig_atomic_t>(daemon); }
+void Calling(Daemon daemon) { called = static_cast<std::sig_atomic_t>(daemon); }
 
-}  // namespace tool::deadline
+}  // namespace tool::time_limit

@@ -1,4 +1,4 @@
-// The host's settings as other commands show them.
+// The host's settings, as several commands read them.
 #pragma once
 
 #include <string>
@@ -6,11 +6,11 @@
 namespace tool {
 
 std::string ReadHostname();
-/// Empty when there is none.
+/// The first one; empty if there is none.
 std::string ReadNtpServer();
-/// Empty when there is none.
+/// The first one; empty if there is none.
 std::string ReadDns();
-/// Empty when there is none.
+/// Empty if there is none.
 std::string ReadGateway();
 
 }  // namespace tool

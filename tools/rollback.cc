@@ -1,4 +1,4 @@
-#include "tools/guardian.h"
+#include "tools/rollback.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -11,7 +11,6 @@
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <stdexcept>
 
 #include "NetworkManagerClient.h"
 #include "tools/failure.h"
@@ -20,7 +19,7 @@ namespace tool {
 namespace {
 
 constexpr int kMostBytes = 65536;
-constexpr char kArm = 'A';    // followed by milliseconds, a blank, the configuration
+constexpr char kArm = 'A';    // followed by milliseconds, a space, the configuration
 constexpr char kLimit = 'L';  // followed by milliseconds
 constexpr char kKeep = 'K';   // alone
 constexpr const char* kDone = "done";
@@ -43,23 +42,23 @@ void SendTo(int socket, const std::string& message) {
 
 }  // namespace
 
-// --- The side of networkgrpc ----------------------------------------------------
+// --- networkgrpc ----------------------------------------------------------------
 
-Guardian::Guardian() {
+Rollback::Rollback() {
   std::array<int, 2> ends{};
   if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
-    throw Failure(ExitStatus::kFailed, "cannot make a socket");
+    throw Failure(ExitStatus::kFailed, "cannot create a socket for the rollback process");
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);
   posix_spawn_file_actions_adddup2(&files, ends[1], STDIN_FILENO);
-  // A pipe that is read to its end must not wait for the guardian.
+  // Whoever reads networkgrpc's output to its end must not wait for this process.
   posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
   posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
   std::string name = "networkgrpc";
-  std::string command = guardian::kCommand;
+  std::string command = kRollbackCommand;
   std::array<char*, 3> arguments{name.data(), command.data(), nullptr};
   pid_t child = 0;
   const int error =
@@ -69,38 +68,37 @@ Guardian::Guardian() {
   close(ends[1]);
   socket = ends[0];
   if (error != 0 || Receive() != kDone)
-    throw Failure(ExitStatus::kFailed, "cannot start what would put the configuration back");
+    throw Failure(ExitStatus::kFailed, "cannot start the rollback process; nothing was changed");
 }
 
-Guardian::~Guardian() { close(socket); }
+Rollback::~Rollback() { close(socket); }
 
-void Guardian::Send(const std::string& message) const { SendTo(socket, message); }
+void Rollback::Send(const std::string& message) const { SendTo(socket, message); }
 
-std::string Guardian::Receive() const { return ReceiveFrom(socket); }
+std::string Rollback::Receive() const { return ReceiveFrom(socket); }
 
-void Guardian::Arm(const std::string& configuration, double seconds) {
+void Rollback::Arm(const std::string& configuration, double seconds) {
   Send(kArm + Milliseconds(seconds) + " " + configuration);
   if (Receive() != kDone)
-    throw Failure(ExitStatus::kFailed, "what would put the configuration back has ended");
+    throw Failure(ExitStatus::kFailed, "the rollback process has ended; nothing was changed");
 }
 
-void Guardian::Restart(double seconds) { Send(kLimit + Milliseconds(seconds)); }
+void Rollback::Restart(double seconds) { Send(kLimit + Milliseconds(seconds)); }
 
-bool Guardian::Keep() {
+bool Rollback::Keep() {
   Send(std::string(1, kKeep));
   outcome = Receive();
   return outcome == kKept;
 }
 
-bool Guardian::PutBack() {
+bool Rollback::Restore() {
   shutdown(socket, SHUT_WR);
   if (outcome.empty()) outcome = Receive();
   return outcome == kDone;
 }
 
-// --- The guardian's side --------------------------------------------------------
+// --- The rollback process -------------------------------------------------------
 
-namespace guardian {
 namespace {
 
 constexpr int kAttempts = 30;
@@ -108,7 +106,7 @@ constexpr int kPauseMs = 1000;  // the network may be reloading
 
 using Clock = std::chrono::steady_clock;
 
-bool Restore(const std::string& configuration) {
+bool RestoreOnce(const std::string& configuration) {
   ostrevan::networkmanager::InterfaceConfig config;
   if (!config.ParseFromString(configuration)) return false;
   auto& client = NetworkManagerClient::GetInstance();
@@ -118,16 +116,16 @@ bool Restore(const std::string& configuration) {
          client.ReloadNetworkConfig(&reloaded).ok() && reloaded.success();
 }
 
-bool RestoreInTheEnd(const std::string& configuration) {
+bool RestoreWithRetries(const std::string& configuration) {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    if (Restore(configuration)) return true;
+    if (RestoreOnce(configuration)) return true;
     poll(nullptr, 0, kPauseMs);
   }
   return false;
 }
 
-// True when told to keep the new configuration before the limit; false at the
-// limit, and when networkgrpc has gone.
+// True if told to keep the new configuration before the limit; false at the limit
+// and if networkgrpc has ended.
 bool IsKept(int limit_ms) {
   auto end = Clock::now() + std::chrono::milliseconds(limit_ms);
   while (true) {
@@ -144,7 +142,7 @@ bool IsKept(int limit_ms) {
 
 }  // namespace
 
-int Main() {
+int RunRollback() {
   for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE}) std::signal(signal, SIG_IGN);
   SendTo(STDIN_FILENO, kDone);
   const std::string armed = ReceiveFrom(STDIN_FILENO);
@@ -157,12 +155,12 @@ int Main() {
     SendTo(STDIN_FILENO, kKept);
     return 0;
   }
-  const bool restored = RestoreInTheEnd(configuration);
+  const bool restored = RestoreWithRetries(configuration);
   if (!restored)
-    syslog(LOG_DAEMON | LOG_ERR, "networkgrpc: cannot put back an interface's configuration");
+    syslog(LOG_DAEMON | LOG_ERR,
+           "networkgrpc: cannot restore the previous configuration of an interface");
   SendTo(STDIN_FILENO, restored ? kDone : "failed");
   return restored ? 0 : 1;
 }
 
-}  // namespace guardian
 }  // namespace tool

@@ -1,10 +1,9 @@
 // networkgrpc hostname, ntp, dns, gateway, factory-reset: the host's settings.
-#include "tools/host.h"
-#include "DAPIClient.h"
+#include "tools/host_settings.h"
+
 #include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
 #include "NetworkgRPC_c.h"
-#include "terminal/printable.h"
 #include "tools/call.h"
 #include "tools/tool.h"
 
@@ -12,25 +11,29 @@ namespace tool {
 namespace {
 
 constexpr auto kDaemon = Daemon::kNetworkManager;
-using Text = std::shared_ptr<std::string>;
 
-std::function<std::string(const Json&)> Member(const char* member) {
-  return [member](const Json& result) {
-    return terminal::Printable(result[member].get<std::string>()) + "\n";
-  };
+// The first string of a list. The library's function fails also if the list is
+// empty, so that a failure is followed by a request for the list.
+template <class Reply>
+std::string FirstOrNone(const std::string& action, bool (*read)(std::string&),
+                        grpc::Status (NetworkManagerClient::*list)(Reply*)) {
+  std::string first;
+  Do(kDaemon, action, [&] {
+    Reply reply;
+    return read(first) || (NetworkManagerClient::GetInstance().*list)(&reply).ok();
+  });
+  return first;
 }
-
-Json HostnameResult() { return {{"hostname", ReadHostname()}}; }
 
 Json SetHostname(const std::string& name) {
   Do(kDaemon, "set the host name", [&] { return NetworkgRPC::SetHostname(name); });
   return {{"hostname", name}};
 }
 
-// What the library made of the name is read back: the library does not tell.
+// The library does not return the name that it made, so that it is read back.
 Json SetFromAmplifierName(const std::string& name) {
   Do(kDaemon, "set the host name", [&] { return setampname(name.c_str(), name.size()) == 0; });
-  return HostnameResult();
+  return {{"hostname", ReadHostname()}};
 }
 
 Json SetNtp(const std::string& server, bool reload) {
@@ -39,29 +42,38 @@ Json SetNtp(const std::string& server, bool reload) {
 }
 
 Json Reset(Tool& tool) {
-  tool.Confirm("the network settings go back to factory defaults", "Reset them?");
+  tool.Confirm("the network settings will be reset to factory defaults", "Reset them?");
   Do(kDaemon, "reset the network settings", NetworkgRPC::FactoryReset);
   return {{"reset", true}};
 }
 
+// A command that shows one string.
+Verb Shows(const char* description, const char* member, std::string (*read)(),
+           const char* example) {
+  return {description,
+          [member, read] {
+            return Json{{member, read()}};
+          },
+          ShowMember(member),
+          {example}};
+}
+
 void AddHostname(Tool& tool) {
-  CLI::App& noun = tool.AddNoun("hostname", "The host name.", "get");
-  tool.AddVerb(
-      noun, "get",
-      {"Tells the host name.", HostnameResult, Member("hostname"), {"networkgrpc hostname get"}});
+  CLI::App& noun = tool.AddNoun("hostname", "Show and set the host name", "get");
+  tool.AddVerb(noun, "get",
+               Shows("Show the host name", "hostname", ReadHostname, "networkgrpc hostname get"));
   const auto name = std::make_shared<std::string>();
   const auto show = [](const Json& result) {
-    return "host name is set to '" + terminal::Printable(result["hostname"].get<std::string>()) +
-           "'\n";
+    return "host name is set to '" + Text(result["hostname"]) + "'\n";
   };
   CLI::App& set = tool.AddVerb(noun, "set",
-                               {"Sets the host name, exactly as given.",
+                               {"Set the host name, exactly as given",
                                 [name] { return SetHostname(*name); },
                                 show,
                                 {"networkgrpc hostname set studio-amp"}});
   CLI::App& derive = tool.AddVerb(
       noun, "from-ampname",
-      {"Sets a host name made of the amplifier's name: its letters, in lower case, and digits.",
+      {"Set a host name made from the amplifier's name: its letters, in lower case, and digits",
        [name] { return SetFromAmplifierName(*name); },
        show,
        {"networkgrpc hostname from-ampname 'Studio Amp 2'"}});
@@ -70,23 +82,18 @@ void AddHostname(Tool& tool) {
 }
 
 void AddNtp(Tool& tool) {
-  CLI::App& noun = tool.AddNoun("ntp", "The NTP server.", "get");
+  CLI::App& noun = tool.AddNoun("ntp", "Show and set the NTP server", "get");
   tool.AddVerb(noun, "get",
-               {"Tells the first NTP server; an empty line when there is none.",
-                [] {
-                  return Json{{"server", ReadNtpServer()}};
-                },
-                Member("server"),
-                {"networkgrpc ntp get"}});
+               Shows("Show the first NTP server; an empty line if none", "server", ReadNtpServer,
+                     "networkgrpc ntp get"));
   const auto server = std::make_shared<std::string>();
   const auto reload = std::make_shared<bool>(false);
   CLI::App& set =
       tool.AddVerb(noun, "set",
-                   {"Stores the only NTP server.",
+                   {"Store an NTP server, the only one",
                     [server, reload] { return SetNtp(*server, *reload); },
                     [](const Json& result) {
-                      return "NTP server is set to '" +
-                             terminal::Printable(result["server"].get<std::string>()) +
+                      return "NTP server is set to '" + Text(result["server"]) +
                              (result["reload"] ? "', stored and applied\n" : "', stored\n");
                     },
                     {"networkgrpc ntp set time.example --reload"}});
@@ -101,46 +108,28 @@ std::string ReadHostname() {
 }
 
 std::string ReadNtpServer() {
-  std::string server;
-  deadline::Asking(kDaemon);
-  if (NetworkgRPC::GetNTPServer(server)) return server;
-  ostrevan::networkmanager::NTPServer reply;  // none is false, too
-  if (!NetworkManagerClient::GetInstance().GetNTPServer(&reply).ok())
-    throw Explain(kDaemon, "read the NTP server");
-  return "";
+  return FirstOrNone("read the NTP server", NetworkgRPC::GetNTPServer,
+                     &NetworkManagerClient::GetNTPServer);
 }
 
 std::string ReadDns() {
-  std::string dns;
-  deadline::Asking(kDaemon);
-  if (NetworkgRPC::GetCurrentDNS(dns)) return dns;
-  ostrevan::networkmanager::DNS reply;  // none is false, too
-  if (!NetworkManagerClient::GetInstance().GetDNSList(&reply).ok())
-    throw Explain(kDaemon, "read the DNS server");
-  return "";
+  return FirstOrNone("read the DNS server", NetworkgRPC::GetCurrentDNS,
+                     &NetworkManagerClient::GetDNSList);
 }
 
 std::string ReadGateway() {
   return Get<std::string>(kDaemon, "read the default gateway", NetworkgRPC::GetDefaultGateway);
 }
 
-void AddHost(Tool& tool) {
+void AddHostSettings(Tool& tool) {
   AddHostname(tool);
   AddNtp(tool);
   tool.AddVerb(tool.app, "dns",
-               {"Show the first DNS server in use; an empty line if none",
-                [] {
-                  return Json{{"dns", ReadDns()}};
-                },
-                Member("dns"),
-                {"networkgrpc dns"}});
+               Shows("Show the first DNS server in use; an empty line if none", "dns", ReadDns,
+                     "networkgrpc dns"));
   tool.AddVerb(tool.app, "gateway",
-               {"Show the default gateway; an empty line if none",
-                [] {
-                  return Json{{"gateway", ReadGateway()}};
-                },
-                Member("gateway"),
-                {"networkgrpc gateway"}});
+               Shows("Show the default gateway; an empty line if none", "gateway", ReadGateway,
+                     "networkgrpc gateway"));
   CLI::App& reset = tool.AddVerb(tool.app, "factory-reset",
                                  {"Reset the network settings to factory defaults",
                                   [&tool] { return Reset(tool); },

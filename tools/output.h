@@ -1,0 +1,25 @@
+// The form of everything that --json prints, and of the lines on standard error.
+// tools/schema/output.schema.json describes the objects.
+#pragma once
+
+#include <string>
+
+#include "tools/failure.h"
+#include "tools/json.h"
+
+namespace tool {
+
+/// {"schema":1,"command":...,"result":...}
+Json ResultJson(const std::string& command, const Json& result);
+
+/// {"schema":1,"command":...,"error":{"code","name","daemon","message"}}, with
+/// "result" before "error" if the failure has one.
+Json ErrorJson(const std::string& command, const Failure& failure);
+
+/// One line, ended by a line feed. Bytes that are not UTF-8 are replaced.
+std::string JsonText(const Json& value);
+
+/// "networkgrpc: MESSAGE" in one line, ended by a line feed.
+std::string ErrorLine(const Failure& failure);
+
+}  // namespace tool
