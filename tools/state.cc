@@ -62,7 +62,7 @@ std::string ShowDifferences(const Json& differences) {
 
 void AddState(Tool& tool) {
   tool.AddVerb(tool.app, "export",
-               {"Print the device's settable state as a JSON document.",
+               {"Print the settable state as a JSON document",
                 ReadState,
                 state_document::ToText,
                 {"networkgrpc export >state.json"}});

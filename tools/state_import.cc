@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "NetworkManagerClient.h"
-#include "terminal/printable.h"
 #include "tools/call.h"
 #include "tools/state.h"
 #include "tools/state_plan.h"
@@ -35,21 +34,17 @@ Json Impossible(const std::vector<Step>& steps) {
 
 std::string ShowReasons(const std::string& heading, const Json& list) {
   std::string text;
-  for (const Json& it : list)
-    text += "  " +
-            terminal::Printable(it["path"].get<std::string>() + ": " +
-                                it["reason"].get<std::string>()) +
-            "\n";
+  for (const Json& it : list) text += "  " + Text(it["path"]) + ": " + Text(it["reason"]) + "\n";
   return text.empty() ? "" : heading + "\n" + text;
 }
 
 std::string ShowPlan(const Json& result) {
   return "Differences:\n" + ShowDifferences(result["differences"]) +
-         ShowReasons("Cannot be made:", result["not_possible"]);
+         ShowReasons("Cannot be applied:", result["not_possible"]);
 }
 
-// Servers are set all or none: half of a list would look intended.
-void RefuseSeveralServers(const std::vector<Step>& steps) {
+// NTP servers are set all or none: half of a list would look intended.
+void CheckNtpServers(const std::vector<Step>& steps) {
   for (const Step& step : steps)
     if (step.path == "network.ntp" && !step.impossible.empty())
       throw Failure(ExitStatus::kFailed,
@@ -57,7 +52,6 @@ void RefuseSeveralServers(const std::vector<Step>& steps) {
 }
 
 void Apply(const std::vector<Step>& steps, Json& result) {
-  std::string stopped;
   std::optional<Failure> first;
   for (const Step& step : steps) {
     if (!step.set) continue;
@@ -97,7 +91,7 @@ Json Run(Tool& tool, const Arguments& arguments) {
   const Json current = ReadState();
   const Json wanted = Merged(current, document);
   const auto steps = Plan(current, wanted);
-  RefuseSeveralServers(steps);
+  CheckNtpServers(steps);
   Json result = {{"differences", ToJson(DifferencesOf(steps))},
                  {"not_possible", Impossible(steps)},
                  {"applied", Json::array()},
@@ -116,18 +110,14 @@ Json Run(Tool& tool, const Arguments& arguments) {
 }
 
 std::string Show(const Json& result) {
-  if (result["differences"].empty()) return "the device is as the document says\n";
+  if (result["differences"].empty()) return "the device matches the document\n";
   std::string text;
-  for (const Json& path : result["applied"])
-    text += "applied      " + terminal::Printable(path.get<std::string>()) + "\n";
+  for (const Json& path : result["applied"]) text += "applied      " + Text(path) + "\n";
   for (const Json& it : result["not_applied"])
-    text += "not applied  " +
-            terminal::Printable(it["path"].get<std::string>() + ": " +
-                                it["reason"].get<std::string>()) +
-            "\n";
+    text += "not applied  " + Text(it["path"]) + ": " + Text(it["reason"]) + "\n";
   for (const Json& it : result["remaining"])
-    text += "not as said  " + ShowDifferences(Json::array({it}));
-  return result["verified"] ? text + "verified by reading back\n" : text;
+    text += "differs      " + ShowDifferences(Json::array({it}));
+  return result["verified"] ? text + "verified\n" : text;
 }
 
 }  // namespace

@@ -52,9 +52,9 @@ void PlanChannels(Steps& steps, const Json& from, const Json& to) {
               "",
               {}};
     if (present == nullptr)
-      step.impossible = "the device has no such channel";
+      step.impossible = "not found on the device";
     else if (IsEmpty(name))
-      step.impossible = "a channel's name cannot be empty";
+      step.impossible = "must not be empty";
     else
       step.set = [channel = DantegRPC::Channel{it["id"], name}] {
         return DantegRPC::SetTxChannelName(channel);
@@ -75,9 +75,9 @@ void PlanRouting(Steps& steps, const Json& from, const Json& to) {
               {}};
     const Json achievable = Achievable(it);
     if (present == nullptr)
-      step.impossible = "the device has no such channel";
+      step.impossible = "not found on the device";
     else if (achievable != it)
-      step.impossible = "the library can send it only in part";
+      step.impossible = "the library can set only part of it";
     if (present != nullptr && achievable != *present)
       step.set = [link = LinkFromJson(achievable)] { return DantegRPC::SetTapping(link); };
     Add(steps, std::move(step));
@@ -140,12 +140,12 @@ void PlanInterfaces(Steps& steps, const Json& from, const Json& to) {
               "",
               {}};
     if (present == nullptr) {
-      step.impossible = "the device has no such interface";
+      step.impossible = "not found on the device";
     } else {
       const Json achievable = AchievableInterface(it);
       if (achievable != it)
-        step.impossible = "the library stores " + achievable["mode"].get<std::string>() +
-                          " addressing with one DNS server at most instead";
+        step.impossible = "the library sets " + achievable["mode"].get<std::string>() +
+                          " addressing with at most one DNS server instead";
       if (achievable != *present)
         step.set = [name, info = InfoFromJson(achievable)] {
           return NetworkgRPC::SetGenericIP(FindInterface(name).id, info, false);

@@ -44,6 +44,14 @@ settings() {
   done < <(settings)
 }
 
+@test "the public headers name the environment variables with the library's defaults" {
+  local variable fallback meaning text
+  text=$(sed 's|^ *//*[ *]*||' network/NetworkgRPC.h dante/DantegRPC.h | tr '\n' ' ')
+  while IFS='|' read -r variable fallback meaning; do
+    grep -qE "$variable(,| \()? ?default \"$fallback\"" <<<"$text"
+  done < <(settings)
+}
+
 # The functions of the facades and of C.
 functions() {
   sed -nE 's/^(NetworkgRPC|DantegRPC)::([A-Za-z0-9]+)\(.*/\2/p; /^[a-z][A-Za-z]+$/p' tests/abi/public_symbols.txt

@@ -49,10 +49,10 @@ document() { tool export | jq "$1" >"$state"; }
     | .dante.routing[0] += {device: "D", channel: "C"}
     | .dante.routing[1].raw = {ip: "239.0.0.1", value2: 1, value3: 2, value4: 3, value5: 4, value6: 5, encoding: "L16", sip: "10.0.0.8", session_id: 9}'
   run -0 --separate-stderr tool import "$state" --yes
-  [[ $output == *"verified by reading back" ]]
+  [[ $output == *"verified" ]]
   diff "$state" <(tool export | jq .)
   run -0 tool import "$state" --yes
-  [[ $output == *"the device is as the document says" ]]
+  [[ $output == *"the device matches the document" ]]
 }
 
 @test "Import_MembersAreMissing_LeavesTheirSettingsUnchanged" {
@@ -95,7 +95,7 @@ start_device_with_unknown_modes() {
   [[ $(tool interface stored lan1) == *"mode     7"* ]]
   tool export >"$state"
   run -0 tool import "$state" --yes
-  [ "$output" = "the device is as the document says" ]
+  [ "$output" = "the device matches the document" ]
   # A simulator that starts with the document exports the same.
   stop_devices
   start_simulator --state "$state"
@@ -109,7 +109,7 @@ start_device_with_unknown_modes() {
   start_simulator
   run -4 --separate-stderr tool import "$state" --yes
   [[ $stderr == *'network.switch_mode: 0 -> 77'* ]]
-  [[ $stderr == *'network.interfaces[lan1].mode: "dynamic" -> 7'*'Cannot be made:'*'network.interfaces[lan1]: '* ]]
+  [[ $stderr == *'network.interfaces[lan1].mode: "dynamic" -> 7'*'Cannot be applied:'*'network.interfaces[lan1]: '* ]]
   [ "$(tool switch configured --json | jq .result.id)" = 0 ]
 }
 
@@ -138,8 +138,8 @@ start_device_with_unknown_modes() {
 @test "Import_ModeThatCannotBeSet_ReportsItAndFails" {
   document '.network.interfaces[1].mode = "dhcp-only"'
   run -1 --separate-stderr tool import "$state" --yes
-  [[ $stderr == *"Cannot be made:"*"network.interfaces[lan1]"* ]]
-  [[ $output == *'not as said  network.interfaces[lan1].mode: "dynamic" -> "dhcp-only"'* ]]
+  [[ $stderr == *"Cannot be applied:"*"network.interfaces[lan1]"* ]]
+  [[ $output == *'differs      network.interfaces[lan1].mode: "dynamic" -> "dhcp-only"'* ]]
 }
 
 @test "Import_NoTerminalAndNoYes_ShowsTheDifferencesAndChangesNothing" {
