@@ -1,21 +1,11 @@
-// Every function of the library by turns with the same calls through the stubs,
-// against the daemons that the environment names.
-#include <stdexcept>
-
+// Every function of the library alternately with the same calls through the stubs,
+// against the daemons that the environment variables name.
 #include "bench/pairs.h"
 #include "bench/stub_calls.h"
-#include "tests/footprint/plain_calls.h"
 
 namespace {
 
-footprint::PlainCall PlainCall(const std::string& name) {
-  for (const auto& call : footprint::PlainCalls())
-    if (call.name == name) return call;
-  throw std::runtime_error("no plain call is called " + name);
-}
-
-void Register(const std::string& title, const std::string& function, const bench::Attempt& stub) {
-  const auto library = PlainCall(function).call;
+void Register(const std::string& title, bool (*library)(), const bench::Attempt& stub) {
   benchmark::RegisterBenchmark(
       title.c_str(), [=](benchmark::State& state) { bench::Compare(state, library, stub); })
       ->UseManualTime()
@@ -23,12 +13,12 @@ void Register(const std::string& title, const std::string& function, const bench
 }
 
 bool RegisterAll() {
-  for (const auto& function : support::AllFunctions()) {
+  for (const support::Function& function : support::AllFunctions()) {
     const bench::Attempt stub = bench::StubCalls(function);
-    if (stub == nullptr) continue;  // asks no daemon: nothing to compare it with
-    Register(function.name, function.name, stub);
+    if (stub == nullptr) continue;  // makes no call: nothing to compare it with
+    Register(function.name, function.plain_call, stub);
     if (function.name == "GetAllIPv4")
-      Register("GetAllIPv4, stub copying too", function.name, bench::AllInterfacesByHand());
+      Register("GetAllIPv4, stub copying too", function.plain_call, bench::AllInterfacesByHand());
   }
   return true;
 }

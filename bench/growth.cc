@@ -1,5 +1,5 @@
-// The library's own work on long lists, without a daemon: how its time for each
-// interface changes with their number.
+// The library's own work on long lists, without a daemon: the time per interface and how
+// it grows with their number.
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -34,11 +34,11 @@ struct Lists {
   }
 };
 
-// Lists of `count` interfaces, taken by turns, in as much memory for every count: else
-// few interfaces would stay in the nearest cache, and its size would be measured.
-class ListsByTurns {
+// Lists of `count` interfaces, used one after the other, in as much memory for every
+// count: else few interfaces would stay in the nearest cache, and its size would be measured.
+class RotatingLists {
  public:
-  explicit ListsByTurns(int count) {
+  explicit RotatingLists(int count) {
     for (int made = 0; made < kInterfaces; made += count) all.emplace_back(count);
   }
 
@@ -48,12 +48,12 @@ class ListsByTurns {
   }
 
  private:
-  static constexpr int kInterfaces = 10000;  // the most that a benchmark counts on
+  static constexpr int kInterfaces = 10000;  // the most that a benchmark uses
   std::vector<Lists> all;
   std::size_t turn = 0;
 };
 
-void TellEach(benchmark::State& state) {
+void ReportTimeOfEach(benchmark::State& state) {
   state.counters["each_s"] = benchmark::Counter(
       static_cast<double>(state.range(0)),
       benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
@@ -61,27 +61,27 @@ void TellEach(benchmark::State& state) {
 
 // GetAllIPv4: what is appended is freed again, as an application does.
 void AppendInterfaces(benchmark::State& state) {
-  ListsByTurns by_turns(static_cast<int>(state.range(0)));
+  RotatingLists rotating(static_cast<int>(state.range(0)));
   for ([[maybe_unused]] auto _ : state) {
-    const Lists& lists = by_turns.Next();
+    const Lists& lists = rotating.Next();
     std::vector<NetworkgRPC::InterfaceInfo> out;
     network::AppendInterfaces(lists.known, lists.config, lists.status, out);
     benchmark::DoNotOptimize(out.data());
   }
-  TellEach(state);
+  ReportTimeOfEach(state);
 }
 BENCHMARK(AppendInterfaces)->RangeMultiplier(10)->Range(10, 10000);
 
 // GetDanteInterfacesInfo: the interface that is described last.
 void fillInterfaceInfo(benchmark::State& state) {
   const auto count = static_cast<int>(state.range(0));
-  ListsByTurns by_turns(count);
+  RotatingLists rotating(count);
   for ([[maybe_unused]] auto _ : state) {
-    const Lists& lists = by_turns.Next();
+    const Lists& lists = rotating.Next();
     NetworkgRPC::InterfaceInfo record;
     benchmark::DoNotOptimize(network::fillInterfaceInfo(count, record, lists.config, lists.status));
   }
-  TellEach(state);
+  ReportTimeOfEach(state);
 }
 BENCHMARK(fillInterfaceInfo)->RangeMultiplier(10)->Range(10, 10000);
 

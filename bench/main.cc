@@ -1,4 +1,4 @@
-// What the benchmarks' programs share: a warning when the times mean nothing.
+// The main function of all benchmarks: warns when the times mean nothing.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
 #endif
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
-  // The library's lines, such as those of setampname, go where nobody reads.
+  // The library's lines, such as those of setampname, are discarded.
   const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
   if (nowhere < 0 || dup2(nowhere, STDERR_FILENO) < 0) return 1;
   return benchmark::RunSpecifiedBenchmarks() == 0 ? 1 : 0;

@@ -30,8 +30,8 @@ double Quantile(std::vector<double> values, double share) {
 
 double Median(std::vector<double> values) { return Quantile(std::move(values), 0.5); }
 
-// How many values lie below the median of all is chance as with a coin: no value that is
-// further than this from the middle of the samples is to be believed.
+// How many samples lie below the true median is chance, as with a coin: 95 times of 100 it
+// lies within this share of the sorted samples around the middle.
 Ratio MedianOfRatios(const std::vector<double>& of, const std::vector<double>& to) {
   std::vector<double> ratios(of.size());
   std::transform(of.begin(), of.end(), to.begin(), ratios.begin(), std::divides<>());

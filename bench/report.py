@@ -183,12 +183,12 @@ def start_tables(data):
     yield table
 
 
-def neighbours_table(data):
+def peers_table(data):
     table = Table("Other RPC systems", "System", "µs", "relative to the library")
-    run = data["neighbours"][0]
+    run = data["peers"][0]
     library = run["library_us"]
     names = {"library_us": "GetName of this library", "stub_us": "the generated stub",
-             "sd_bus_us": "D-Bus, with sd-bus", "tcp_us": "raw bytes over TCP"}
+             "dbus_us": "D-Bus, with sd-bus", "tcp_us": "raw bytes over TCP"}
     found = {title: run.get(key) for key, title in names.items()}
     found["Python, with grpcio"] = data["grpcio"]
     found["Node, with grpc-js"] = data["grpcjs"]
@@ -208,7 +208,7 @@ def tables(data):
     yield from emulated_tables(data)
     yield threads_table(data)
     yield from start_tables(data)
-    yield neighbours_table(data)
+    yield peers_table(data)
 
 
 def main():

@@ -1,5 +1,5 @@
-// From the start of a process to its first answer, through the library and through
-// the stub by turns.
+// From the start of a process to its first answer, alternately through the library and
+// through the stub.
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -16,7 +16,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A program that writes one line when it has its answer: what it takes of memory.
+// A program that prints one line when it has its answer: the memory that it uses.
 class Program {
  public:
   explicit Program(std::vector<std::string> words) : command(std::move(words)) {}

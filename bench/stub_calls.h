@@ -3,17 +3,17 @@
 #pragma once
 
 #include "bench/pairs.h"
-#include "tests/support/functions.h"
+#include "support/functions.h"
 
 namespace bench {
 
-/// The calls that a function makes, one after the other, with requests made before.
-/// Replies are read and dropped; the line that setampname prints is printed. Empty for
-/// a function that makes none.
+/// The calls that a function makes, one after the other, with requests prepared in advance.
+/// Replies are parsed and discarded; the line that setampname prints is printed. Empty for
+/// a function that makes no call.
 Attempt StubCalls(const support::Function& function);
 
-/// GetAllIPv4 as a program would write it that counts on the daemon's order: the same
-/// calls, and what they give copied into records of its own.
+/// GetAllIPv4 as written by a program that relies on the daemon's order: the same calls,
+/// and the replies copied into its own records.
 Attempt AllInterfacesByHand();
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// Many callers at once, through the library and through one stub by turns: a round
+// Many callers at once, alternately through the library and through one stub: a round
 // of all callers on the one, then a round on the other.
 #include <condition_variable>
 #include <mutex>
@@ -21,12 +21,6 @@ bool ThroughLibrary() {
   return DantegRPC::GetName(name);
 }
 
-bench::Attempt ThroughStub() {
-  for (const auto& function : support::DanteFunctions())
-    if (function.name == "GetName") return bench::StubCalls(function);
-  return {};
-}
-
 // Threads that wait for a round, make their calls and wait for the next.
 class Callers {
  public:
@@ -42,7 +36,7 @@ class Callers {
   Callers(const Callers&) = delete;
   Callers& operator=(const Callers&) = delete;
 
-  /// Seconds that a round took; negative when a call failed. Each call's go to `each`.
+  /// Seconds that a round took; negative when a call failed. Appends those of each call.
   double Round(const bench::Attempt& call, std::vector<double>& each) {
     const auto begin = Clock::now();
     Begin(&call);
@@ -100,7 +94,7 @@ void Threads(benchmark::State& state) {
   const int calls = std::max(10, 320 / count);
   Callers callers(count, calls);
   const bench::Attempt library = &ThroughLibrary;
-  const bench::Attempt stub = ThroughStub();
+  const bench::Attempt stub = bench::StubCalls(support::FunctionNamed("GetName"));
   std::vector<double> library_each;
   std::vector<double> stub_each;
   bench::CompareMeasured(

@@ -1,6 +1,5 @@
 #!/usr/bin/env bats
-# How the shared object and the programs are compiled and linked against whoever
-# finds a mistake in them.
+# How the shared object and the programs are hardened against attacks.
 #
 # ctest gives: OBJECTS the shared object and the programs, a line each, FORTIFIED
 # whether functions of the C library check their buffers (only an optimising build

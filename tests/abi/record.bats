@@ -1,6 +1,6 @@
 #!/usr/bin/env bats
-# What the library exports against what was recorded of it, and whether the
-# comparison notices what it must.
+# The exported interface compared with its record, and whether the comparison detects
+# every kind of change.
 #
 # ctest gives: LIBRARY, the shared object with debug information; RECORD, the
 # record for its size of addresses; SOURCE_TREE; OBJCOPY.
@@ -9,14 +9,14 @@ bats_require_minimum_version 1.5.0
 
 check() { "$SOURCE_TREE/scripts/abi" check --library "$LIBRARY" --record "$1"; }
 
-# earlier SED-SCRIPT: a record of a library that differed in this way.
+# earlier SED-SCRIPT: makes the record of an earlier library that differs in this way.
 earlier() {
   export EARLIER="$BATS_TEST_TMPDIR/earlier.abi"
   sed -E "$1" "$RECORD" >"$EARLIER"
   run ! cmp "$RECORD" "$EARLIER"
 }
 
-# breaks_programs: the library against the record that `earlier` made.
+# breaks_programs: fails unless the library breaks programs built with that library.
 breaks_programs() {
   run -1 check "$EARLIER"
   grep -q "programs built with the earlier library break" <<<"$output"

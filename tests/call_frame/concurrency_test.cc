@@ -1,5 +1,5 @@
-// Many threads at once: one client per daemon, every answer to its caller, and
-// whole lines.
+// Many threads at once: one client per daemon, every answer reaches its caller, and
+// lines are whole.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,17 +7,17 @@
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
-#include "tests/support/show.h"
-#include "tests/support/together.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
+#include "support/parallel.h"
+#include "support/show.h"
 
 namespace {
 
 using support::DapiPath;
 using support::Device;
 using support::NetworkManagerPath;
-using support::RunTogether;
+using support::RunInParallel;
 
 TEST(FirstUse, FromManyThreads_BuildsOneClientWithOneDiscovery) {
   Device device;
@@ -27,7 +27,7 @@ TEST(FirstUse, FromManyThreads_BuildsOneClientWithOneDiscovery) {
   std::vector<NetworkManagerClient*> clients(32);
   std::vector<std::string> hostnames(32);
 
-  RunTogether(32, [&](int i) {
+  RunInParallel(32, [&](int i) {
     const auto slot = static_cast<std::size_t>(i);
     EXPECT_TRUE(NetworkgRPC::GetHostname(hostnames[slot]));
     clients[slot] = &NetworkManagerClient::GetInstance();
@@ -54,7 +54,7 @@ TEST(ManyCallers, EachGetsTheAnswerToItsOwnQuestion) {
   device.dapi->Script(DapiPath("SetName"), support::Reply(no));
   support::CapturedStderr captured;
 
-  RunTogether(16, [&](int i) {
+  RunInParallel(16, [&](int i) {
     for (int k = 0; k < 50; ++k) {
       const std::string name = std::to_string(i) + "." + std::to_string(k);
       EXPECT_TRUE(NetworkgRPC::SetHostname(name));

@@ -1,12 +1,12 @@
-// A std::exception inside a function becomes its line and false.
+// A std::exception inside a function prints the line of the function and returns false.
 #include <gtest/gtest.h>
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
-#include "tests/support/failing_new.h"
-#include "tests/support/show.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
+#include "support/failing_new.h"
+#include "support/show.h"
 
 namespace {
 
@@ -16,12 +16,12 @@ using support::Device;
 using support::NetworkManagerPath;
 using support::Reply;
 
-// Texts of this size are allocated by nobody but those who copy them.
+// Only copies of the string below allocate this much.
 constexpr std::size_t kHuge = 300000;
 const std::string kHugeText(kHuge, 'x');
 
-// The last allocation of the size of the text is the copy for the caller: the
-// ones before it receive and parse the reply.
+// The last allocation of that size is the copy for the caller: the ones before it
+// receive and parse the reply.
 template <class Call>
 bool CallFailingToCopyOut(Call&& call) {
   support::FailAllocation(0, kHuge);
@@ -34,7 +34,7 @@ bool CallFailingToCopyOut(Call&& call) {
   return done;
 }
 
-TEST(Exception, CopyingATextOutFails_PrintsNameAndTextAndLeavesTheOutput) {
+TEST(Exception, CopyingAStringOutFails_PrintsNameAndTextAndLeavesTheOutput) {
   Device device;
   ostrevan::networkmanager::Hostname reply;
   reply.set_hostname(kHugeText);
@@ -123,7 +123,7 @@ TEST(Exception, FillingARequestFails_MakesNoCall) {
   EXPECT_EQ(captured.Take(), "libNetworkgRPC: C++ exception in SetName(): std::bad_alloc\n");
 }
 
-// The first allocation on the way is the copy of the endpoint's text.
+// The first allocation is the copy of the endpoint's string.
 TEST(Exception, BuildingTheNetworkManagerClientFails_NextCallBuildsIt) {
   Device device;
   ostrevan::networkmanager::Hostname reply;

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/support/captured_stderr.h"
+#include "support/captured_stderr.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-// With what the two channels are made. This program has a CreateCustomChannel of
-// its own, which the library calls instead of gRPC's.
+// The arguments of the two channels. This program defines CreateCustomChannel, which the
+// library calls instead of gRPC's.
 #include <grpcpp/create_channel.h>
 #include <grpcpp/impl/grpc_library.h>
 #include <grpcpp/support/channel_arguments.h>
@@ -9,7 +9,7 @@
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
-#include "tests/support/device.h"
+#include "support/device.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ std::shared_ptr<Channel> CreateCustomChannel(const std::string& target,
 
 namespace {
 
-// What ChannelArguments sets on its own in this version of gRPC, before ours.
+// What ChannelArguments sets by default in this version of gRPC, before ours.
 std::vector<std::pair<std::string, std::string>> OwnArguments(const Made& channel) {
   std::vector<std::pair<std::string, std::string>> own;
   for (const auto& argument : channel.arguments)

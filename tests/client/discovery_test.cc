@@ -9,8 +9,8 @@
 
 #include "DAPIClient.h"
 #include "NetworkManagerClient.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
 
 namespace {
 
@@ -195,8 +195,8 @@ TEST(Discovery, DaemonComesUpAfterTheFirstUse_CallsWorkWithoutRoles) {
     support::ScriptedDaemon daemon(address);
     daemon.Script(NetworkManagerPath("GetHostname"), {"\x0a\x03"
                                                       "amp"});
-    // gRPC lets about a second pass before it tries to connect again; until
-    // then calls fail at once.
+    // gRPC waits about a second before it tries to connect again; until then calls fail
+    // immediately.
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!NetworkManagerClient::GetInstance().GetHostname(&hostname).ok() &&
            std::chrono::steady_clock::now() < limit)
@@ -216,7 +216,7 @@ TEST(DapiClient, Building_MakesNoCall) {
 }
 
 TEST(DapiClient, DaemonDown_IsBuiltAndItsMethodsAreUnavailable) {
-  const support::RefusedPort nobody;
+  const support::ReservedPort nobody;
   SetEnvironment("grpc_dapi_url", nobody.Url());
   ostrevan::grpcdapi::Name name;
 

@@ -4,9 +4,9 @@
 
 #include "DantegRPC.h"
 #include "ostrevan/grpcdapi.pb.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
-#include "tests/support/show.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
+#include "support/show.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include "DantegRPC.h"
 #include "ostrevan/grpcdapi.pb.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
-#include "tests/support/show.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
+#include "support/show.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ class Routing : public testing::Test {
     device.dapi->Script(DapiPath("GetRxChannels"), support::Reply(channels));
   }
 
-  // What GetTapping makes of this link of the one channel 7.
+  // What GetTapping returns for this link of the only channel, 7.
   std::string Read(const dapi::LinkInfo& link) {
     ScriptChannels({7});
     device.dapi->Script(DapiPath("GetRxChannelLink"), support::Reply(link));
@@ -39,7 +39,7 @@ class Routing : public testing::Test {
     return support::Show(links);
   }
 
-  // The request that SetTapping makes of this record.
+  // The request that SetTapping sends for this record.
   dapi::LinkInfo Sent(const DantegRPC::ChannelLink& record) {
     dapi::Success yes;
     yes.set_success(true);
@@ -65,7 +65,7 @@ DantegRPC::ChannelLink Raw() {
   return record;
 }
 
-// A request that holds nothing but the channel number.
+// A request that contains only the channel number.
 std::string Bare(int id) {
   dapi::LinkInfo link;
   link.set_id(id);
@@ -96,7 +96,7 @@ TEST_F(Routing, SecondOfThreeLinksFails_KeepsOneRecordAndAsksNoFurther) {
   EXPECT_EQ(device.TakeRequests().size(), 3U);
 }
 
-// Also the parts of it that this library does not know.
+// Parts that this library does not know are sent, too.
 TEST_F(Routing, ChannelOfTheList_IsSentAsReceived) {
   const std::string channel(
       "\x08\x07\x12\x01n\x1a\x01"

@@ -7,8 +7,8 @@
 #include "simulator/factory_defaults.h"
 #include "simulator/method_table.h"
 #include "simulator/simulator.h"
-#include "tests/support/child.h"
-#include "tests/support/device.h"
+#include "support/device.h"
+#include "support/run_program.h"
 
 namespace {
 

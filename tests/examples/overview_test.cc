@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "simulator/simulator.h"
-#include "tests/support/child.h"
+#include "support/run_program.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 #include "NetworkgRPC.h"
 #include "ostrevan/grpcdapi.pb.h"
 #include "ostrevan/networkmanager.pb.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
 #include "tests/faults/stderr_lines.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
 
 namespace {
 

@@ -11,9 +11,9 @@
 
 #include "NetworkgRPC_c.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
-#include "tests/support/show.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
+#include "support/show.h"
 
 namespace {
 

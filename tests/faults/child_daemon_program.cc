@@ -10,7 +10,7 @@
 #include <sstream>
 #include <string>
 
-#include "tests/support/scripted_daemon.h"
+#include "support/scripted_daemon.h"
 
 namespace {
 

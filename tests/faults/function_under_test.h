@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
+#include "support/functions.h"
+#include "support/outcome.h"
 #include "tests/faults/child_daemon.h"
 #include "tests/faults/result_counts.h"
-#include "tests/support/functions.h"
-#include "tests/support/outcome.h"
 
 namespace faults {
 
@@ -40,7 +40,7 @@ class FunctionUnderTest {
   bool IsPossible(const support::Outcome& seen) const;
 
   const support::Function& function;
-  ReservedPort port;
+  support::ReservedPort port;
   std::unique_ptr<ChildDaemon> daemon;
 
  private:

@@ -11,17 +11,17 @@
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
 #include "tests/faults/child_daemon.h"
 #include "tests/faults/faulty_peer.h"
 #include "tests/faults/parallel_processes.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
 
 namespace {
 
 using support::Device;
 using support::NetworkManagerPath;
-using support::RefusedPort;
+using support::ReservedPort;
 using support::ScriptedDaemon;
 
 std::string PortOf(const std::string& url) { return url.substr(url.rfind(':') + 1); }
@@ -58,14 +58,14 @@ TEST_F(Limits, NothingSpecial_Works) { EXPECT_EQ(AnsweredBy(), "the daemon's"); 
 class Proxy : public Limits, public testing::WithParamInterface<const char*> {};
 
 TEST_P(Proxy, IsSet_CallsToLocalhostFail) {
-  const RefusedPort nobody;
+  const ReservedPort nobody;
   setenv(GetParam(), ("http://127.0.0.1:" + PortOf(nobody.Url())).c_str(), 1);
 
   EXPECT_EQ(AnsweredBy(), "");
 }
 
 TEST_P(Proxy, IsSetButNotForLocalhost_Works) {
-  const RefusedPort nobody;
+  const ReservedPort nobody;
   setenv(GetParam(), ("http://127.0.0.1:" + PortOf(nobody.Url())).c_str(), 1);
   setenv("no_grpc_proxy", "localhost,127.0.0.1,::1", 1);
 
@@ -76,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(Limits, Proxy, testing::Values("http_proxy", "https_pro
                          [](const auto& test) { return std::string(test.param); });
 
 TEST_F(Limits, ProxyIsSetInUpperCase_Works) {
-  const RefusedPort nobody;
+  const ReservedPort nobody;
   setenv("HTTP_PROXY", ("http://127.0.0.1:" + PortOf(nobody.Url())).c_str(), 1);
 
   EXPECT_EQ(AnsweredBy(), "the daemon's");
@@ -99,7 +99,7 @@ TEST_F(Limits, ForeignProcessOnIpv6Loopback_GetsNothingWhenTheEndpointIsAnAddres
 }
 
 TEST_F(Limits, UnixSocketDespiteAProxy_Works) {
-  const RefusedPort nobody;
+  const ReservedPort nobody;
   setenv("http_proxy", ("http://127.0.0.1:" + PortOf(nobody.Url())).c_str(), 1);
   const std::string path = testing::TempDir() + "limits-" + port + ".sock";
   ASSERT_LT(path.size(), 100U);
@@ -114,7 +114,7 @@ TEST_F(Limits, UnixSocketDespiteAProxy_Works) {
 // 1.51 then aborts the process.
 TEST(OtherHttp2Server, AnswersACall_EndsTheProcess) {
   using namespace std::string_literals;
-  const faults::ReservedPort port;
+  const support::ReservedPort port;
   setenv("grpc_dapi_url", ("127.0.0.1:" + std::to_string(port.Number())).c_str(), 1);
   faults::PeerBehaviour behaviour;
   behaviour.greeting = "\0\0\0\x04\0\0\0\0\0"s;         // no settings of its own
@@ -160,7 +160,7 @@ class HangingCall {
  private:
   const support::CapturedStderr captured;
   std::future<bool> done;  // its destructor waits for the call, which ends with the daemon
-  const faults::ReservedPort port;
+  const support::ReservedPort port;
   faults::ChildDaemon daemon{port.Number()};
 };
 

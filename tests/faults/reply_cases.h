@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/functions.h"
-#include "tests/support/outcome.h"
+#include "support/functions.h"
+#include "support/outcome.h"
 
 namespace faults {
 

@@ -107,7 +107,7 @@ std::vector<ReplyCase> AnyCallsFail(const Function& function) {
 }
 
 std::vector<Answer> SuccessFalse(const Step& step) {
-  if (!step.confirms) return {};
+  if (!step.replies_success) return {};
   return {{"\x08\x00"s}};
 }
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tests/support/outcome.h"
+#include "support/outcome.h"
 
 namespace faults {
 

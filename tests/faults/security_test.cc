@@ -18,9 +18,9 @@
 #include "DantegRPC.h"
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
 #include "tests/faults/parallel_processes.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-// The memory that the library takes at the first answer, beyond what gRPC and the
-// generated stub take for the same answer.
+// The memory that the library uses at the first answer, beyond that of gRPC and the
+// generated stub for the same answer.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "ostrevan/grpcdapi.pb.h"
-#include "tests/support/child.h"
-#include "tests/support/device.h"
+#include "support/device.h"
+#include "support/run_program.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ long Budget(const std::string& wanted) {
   return 0;
 }
 
-// What a program tells of its private memory, in KiB, at the median of several runs.
+// The private memory that a program reports, in KiB: the median of several runs.
 struct Private {
   long dirty;
   long all;

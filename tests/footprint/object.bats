@@ -1,5 +1,5 @@
 #!/usr/bin/env bats
-# What the shared object takes on disk and at load.
+# The size of the shared object, and the work at load.
 #
 # ctest gives: LIBRARY the shared object, OWN and GENERATED the object files it is
 # made of, separated by spaces, BUDGETS what is allowed, STRIP and READELF the
@@ -9,14 +9,14 @@ bats_require_minimum_version 1.5.0
 
 budget() { awk -v name="$1" '$1 == name { print $2 }' "$BUDGETS"; }
 
-# within NAME NUMBER: is the number above 0 and within the budget of that name?
+# within NAME NUMBER: fails unless the number is above 0 and within the budget NAME.
 within() {
   echo "$1: $2 of $(budget "$1")"
   [ "$2" -gt 0 ] && [ "$2" -le "$(budget "$1")" ]
 }
 
-# runs_at_load OBJECT: what its code that runs at load refers to, except the standard
-# streams, which every file sets up that includes a header of gRPC.
+# runs_at_load OBJECT: the symbols to which its code that runs at load refers, except the
+# standard streams, which every file that includes a header of gRPC sets up.
 runs_at_load() {
   "$READELF" -rW "$1" |
     awk '/^Relocation section/ { startup = $3 ~ /\.(text\.startup|ctors|preinit_array)/; next }

@@ -2,7 +2,7 @@
 // Exit status 0, whatever the call returns.
 #include <cstdlib>
 
-#include "tests/support/functions.h"
+#include "support/functions.h"
 
 int main(int argc, char** argv) {
   const auto functions = support::AllFunctions();

@@ -16,8 +16,8 @@
 #include <regex>
 #include <sstream>
 
+#include "support/functions.h"
 #include "tests/hostile_http2/hostile_peer.h"
-#include "tests/support/functions.h"
 
 namespace {
 

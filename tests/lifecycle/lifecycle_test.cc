@@ -1,4 +1,4 @@
-// What a process that uses the library lives through.
+// Events in the life of a process that uses the library.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 
 #include "ostrevan/grpcdapi.pb.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/support/child.h"
-#include "tests/support/device.h"
-#include "tests/support/memory.h"
+#include "support/device.h"
+#include "support/resident_memory.h"
+#include "support/run_program.h"
 
 namespace {
 
@@ -86,13 +86,13 @@ TEST_F(Lifecycle, LoadedAndUnloadedAThousandTimes_WorksEveryTimeAndHoldsNothingM
   const Finished finished = support::Run({LOAD_PROGRAM, LIBRARY, "1000"});
 
   EXPECT_EQ(finished.status, 0);
-  // gRPC's pool of threads breathes by one or two; a leak would be hundreds.
+  // The number of gRPC's threads varies by one or two; a leak would be hundreds.
   EXPECT_THAT(finished.out, MatchesRegex("1000 of 1000 rounds worked\n"
                                          "more threads: -?[0-4]\n"
                                          "more descriptors: 0\n"
                                          "more kilobytes: -?[0-9]+\n"));
   EXPECT_EQ(finished.err, "");
-  if (support::kMemoryTells) {
+  if (support::kResidentMemoryIsMeaningful) {
     EXPECT_LT(std::atoi(finished.out.c_str() + finished.out.rfind(' ')), 2048) << finished.out;
   }
   RecordProperty("grown", finished.out);
@@ -106,7 +106,7 @@ TEST_F(Lifecycle, FiveThousandSignalsASecond_EveryCallSucceeds) {
   EXPECT_EQ(finished.err, "");
 }
 
-TEST_F(Lifecycle, ForkAndExec_InheritsNoDescriptorAndTheParentGoesOn) {
+TEST_F(Lifecycle, ForkAndExec_InheritsNoDescriptorAndTheParentContinues) {
   const std::string inherited_anyway = Program({"descriptors"}).out;
 
   const Finished finished = Program({"fork-exec"});
@@ -118,7 +118,7 @@ TEST_F(Lifecycle, ForkAndExec_InheritsNoDescriptorAndTheParentGoesOn) {
 }
 
 // The next descriptor that gRPC opens then has the number 2, and the lines go
-// there: see docs/limits.md. What descriptor that is differs.
+// there: see docs/limits.md. Which descriptor that is varies.
 TEST_F(Lifecycle, StandardErrorIsClosed_ResultsStayRight) {
   const Finished finished = Program({"closed-stderr", "200"});
 

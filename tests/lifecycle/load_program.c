@@ -1,6 +1,6 @@
 /*
  * load_program LIBRARY ROUNDS: loads the library, makes a call through it and
- * unloads it, again and again, and tells what has grown since the tenth round.
+ * unloads it, ROUNDS times, and prints what has grown since the tenth round.
  */
 #include <dirent.h>
 #include <dlfcn.h>

@@ -62,7 +62,7 @@ int CallUnderSignals(int count) {
   return signals_seen > 0 ? 0 : 1;
 }
 
-// The daemon answers one of the two and not the other, whose line has nowhere to go.
+// The daemon answers one of the two calls. The other prints a line, to no descriptor.
 int CallWithoutStderr(int count) {
   close(STDERR_FILENO);
   int right = 0;

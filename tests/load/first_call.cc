@@ -1,5 +1,5 @@
-// 32 threads make the process's very first calls at the same moment. Ends with 0
-// when each got its answers and all saw the same two clients.
+// 32 threads make the first calls of the process at the same moment. Exit status 0 if each
+// received its answers and all used the same two clients.
 #include <atomic>
 #include <cstdio>
 #include <string>
@@ -8,7 +8,7 @@
 #include "DantegRPC.h"
 #include "NetworkManagerClient.h"
 #include "NetworkgRPC.h"
-#include "tests/support/together.h"
+#include "support/parallel.h"
 
 int main() {
   constexpr int kThreads = 32;
@@ -16,10 +16,10 @@ int main() {
   std::vector<const DAPIClient*> dapis(kThreads);
   std::atomic<int> right = 0;
 
-  support::RunTogether(kThreads, [&](int i) {
+  support::RunInParallel(kThreads, [&](int i) {
     std::string hostname;
     std::string name;
-    // Half of the threads come to the one daemon first, half to the other.
+    // Half of the threads call one daemon first, half the other.
     const bool first = i % 2 == 0 && NetworkgRPC::GetHostname(hostname);
     const bool dante = DantegRPC::GetName(name);
     const bool network = first || NetworkgRPC::GetHostname(hostname);

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "tests/support/memory.h"
+#include "support/resident_memory.h"
 
 namespace load {
 namespace {
@@ -43,7 +43,7 @@ ProcessSize Measure() {
 std::string WhatGrew(const std::vector<ProcessSize>& samples) {
   if (samples.size() < 8) return "too few samples to tell; ";
   std::string grew;
-  if (support::kMemoryTells)
+  if (support::kResidentMemoryIsMeaningful)
     grew += Grew(samples, &ProcessSize::resident_kib, 1024, "resident KiB");
   return grew + Grew(samples, &ProcessSize::threads, 2, "threads") +
          Grew(samples, &ProcessSize::descriptors, 1, "descriptors");

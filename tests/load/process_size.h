@@ -1,4 +1,4 @@
-// What this process takes of the system, and whether it keeps growing.
+// The resources that this process uses, and whether they keep growing.
 #pragma once
 
 #include <string>
@@ -12,13 +12,13 @@ struct ProcessSize {
   long descriptors;
 };
 
-/// As it is now. To be asked while no call is active.
+/// The current size. Call it while no call is active.
 ProcessSize Measure();
 
 /// Flat: the first tenth of the samples is a warm-up; of the rest, the lowest of
 /// the last quarter exceeds the highest of the first quarter by no more than 1 MiB,
-/// two threads (gRPC starts and ends some of its own as it likes) and one
-/// descriptor. Empty when that is so, else what grew. Memory is left out under a
+/// two threads (gRPC starts and ends some) and one
+/// descriptor. Returns what grew, empty if nothing did. Memory is left out under a
 /// sanitizer, which keeps freed memory back.
 std::string WhatGrew(const std::vector<ProcessSize>& samples);
 

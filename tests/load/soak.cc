@@ -1,5 +1,5 @@
-// A long run of mixed calls from a few threads against daemons of which every
-// tenth answer is faulty and which are killed and started again all the time.
+// A long run of mixed calls from a few threads against daemons that give a faulty answer
+// to every tenth call and are killed and restarted again and again.
 // Every result, output and line is checked; the process must not grow.
 #include <CLI/CLI.hpp>
 #include <atomic>
@@ -11,11 +11,11 @@
 #include <set>
 #include <sstream>
 
+#include "support/captured_stderr.h"
+#include "support/outcome.h"
+#include "support/parallel.h"
 #include "tests/load/daemon_process.h"
 #include "tests/load/process_size.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/outcome.h"
-#include "tests/support/together.h"
 
 namespace {
 
@@ -24,18 +24,18 @@ using support::Function;
 
 struct Figures {
   std::atomic<long> calls = 0;
-  std::atomic<long> failed = 0;  // as the table says that they fail
+  std::atomic<long> failed = 0;  // in a way that the table allows
   std::atomic<long> wrong = 0;
   long lines = 0;
   long foreign_lines = 0;  // gRPC's own
-  long torn_lines = 0;     // anybody else's
+  long torn_lines = 0;     // neither
   long restarts = 0;
   std::vector<ProcessSize> samples;
 };
 
 using Result = std::pair<bool, std::string>;
 
-// What may come of a function whichever of its steps fail.
+// The possible results of a function when some of its steps fail.
 std::set<Result> PossibleFailures(const Function& function) {
   std::set<Result> results;
   for (unsigned subset = 1; subset < 1U << function.steps.size(); ++subset) {
@@ -88,13 +88,13 @@ class Mix {
 
   void CallOne(std::size_t index) {
     const Function& function = functions[index];
-    // setampname is the one function that is not for several threads at once.
+    // setampname must not be called by several threads at once.
     std::unique_lock<std::mutex> lock(ampname, std::defer_lock);
     if (function.name == "setampname") lock.lock();
     Result result;
     result.first = function.call(result.second);
     ++figures.calls;
-    if (result == Result(function.done, function.outputs)) return;
+    if (result == Result(true, function.outputs)) return;
     if (failures[index].count(result) != 0) {
       ++figures.failed;
     } else if (++figures.wrong < 10) {
@@ -122,7 +122,7 @@ void Soak(const Options& options, Figures& figures) {
   Mix mix(figures);
   while (figures.calls < options.calls) {
     support::CapturedStderr captured;
-    support::RunTogether(options.threads, [&](int thread) {
+    support::RunInParallel(options.threads, [&](int thread) {
       mix.Run(thread, options.restart_every / options.threads);
     });
     mix.CheckLines(captured.Take());

@@ -1,31 +1,31 @@
-// Both daemons in a process of their own, which answer every function of the
-// table and make every tenth answer a faulty one.
+// Both daemons in their own process. They answer every function of the table, every tenth
+// call with a faulty answer.
 //
 // usage: soak_daemon NETWORK-MANAGER-PORT DAPI-PORT
 //
-// With port 0 the system chooses, and the first list of interfaces is the one
-// with the three roles. Prints the two endpoints, then serves until its standard
+// With port 0 the system chooses one, and the first list of interfaces has the three
+// roles. Prints the two endpoints, then serves until its standard
 // input ends or it is killed.
 #include <unistd.h>
 
 #include <atomic>
 #include <cstdio>
 
-#include "tests/support/functions.h"
+#include "support/functions.h"
 
 namespace {
 
 constexpr unsigned kOneIn = 10;
 
-// In turn: every status code, a refusal, a reply that ends too early.
+// One after the other: every status code, a rejection, a truncated reply.
 support::Answer Faulty(unsigned turn, const support::Step& step) {
   const unsigned kind = turn % 18;
   if (kind < 16) return support::Failure(static_cast<grpc::StatusCode>(kind + 1));
-  if (kind == 16 && step.confirms) return {std::string("\x08\x00", 2)};
+  if (kind == 16 && step.replies_success) return {std::string("\x08\x00", 2)};
   return {"\x0a\x05x"};
 }
 
-support::Answer AnswerSoSo(const support::Step* step, const std::string& request) {
+support::Answer AnswerSometimesWrongly(const support::Step* step, const std::string& request) {
   static std::atomic<unsigned> answered = 0;
   const unsigned number = ++answered;
   if (step == nullptr || number % kOneIn != 0) return support::AnswerWell(step, request);
@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
   support::Device device(host + argv[1], host + argv[2]);
   const std::string path = support::NetworkManagerPath("GetAvailableInterfaces");
   if (argv[1] == std::string("0")) device.network_manager->ScriptNext(path, device.interfaces);
-  ScriptForGood(device, support::AllFunctions(), AnswerSoSo);
+  ScriptAlways(device, support::AllFunctions(), AnswerSometimesWrongly);
   device.network_manager->ForgetRequests();
   device.dapi->ForgetRequests();
 

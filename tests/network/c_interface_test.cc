@@ -8,10 +8,10 @@
 
 #include "NetworkgRPC_c.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/child.h"
-#include "tests/support/device.h"
-#include "tests/support/show.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
+#include "support/run_program.h"
+#include "support/show.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ using support::Request;
 static_assert(sizeof(cInterfaceInfo) == 50 && alignof(cInterfaceInfo) == 1);
 static_assert(offsetof(cInterfaceInfo, netmask) == 16 && offsetof(cInterfaceInfo, mac) == 32);
 
-// A control interface with these texts.
+// A control interface with these strings.
 void ScriptControl(Device& device, const std::string& ip, const std::string& netmask) {
   nm::InterfacesConfig config;
   config.add_configs()->set_id(support::kLan1);
@@ -50,8 +50,8 @@ Request SetHostname(const std::string& name) {
   return {NetworkManagerPath("SetHostname"), request.SerializeAsString()};
 }
 
-// The requests that arrived but for the first of the process, which looks for
-// the interfaces.
+// The requests that arrived, except the first of the process, which lists the
+// interfaces.
 std::vector<Request> LaterRequests(Device& device) {
   auto requests = device.TakeRequests();
   EXPECT_FALSE(requests.empty());
@@ -244,7 +244,7 @@ TEST_F(Ampname, LengthBoundsNothingElse) {
 TEST_F(Ampname, EveryByte_OnlyAsciiLettersAndDigitsAreKept) {
   std::string name;
   for (int c = 1; c < 256; ++c) name += static_cast<char>(c);
-  // In two halves, each short enough to be read to its end.
+  // In two halves, each short enough to be read completely.
   EXPECT_EQ(Sent(name.substr(0, 127)),
             "0123456789abcdefghijklmnopqrstuvwxyzabcdefghijklmnopqrstuvwxyz");
   EXPECT_EQ(Sent(name.substr(127)), "unknown");

@@ -2,8 +2,8 @@
 
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ class InterfaceAddress : public testing::Test {
     device.network_manager->Script(NetworkManagerPath(method), support::Reply(reply));
   }
 
-  // Sets the address of interface 7 and gives what was sent.
+  // Sets the address of interface 7 and returns the request.
   nm::InterfaceConfig SentFor(const NetworkgRPC::InterfaceInfo& info) {
     device.BuildClients();
     EXPECT_TRUE(NetworkgRPC::SetGenericIP(7, info, false));

@@ -1,14 +1,13 @@
-// Which interfaces there are: what the merge of stored and live state makes of
-// unusual answers.
+// The list of interfaces: how stored and live state are merged when answers are unusual.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/support/captured_stderr.h"
-#include "tests/support/device.h"
-#include "tests/support/show.h"
+#include "support/captured_stderr.h"
+#include "support/device.h"
+#include "support/show.h"
 
 namespace {
 
@@ -71,7 +70,7 @@ class InterfaceInfo : public testing::Test {
     return paths;
   }
 
-  // The interface ids that the next-to-last call asked for.
+  // The interface ids in the request of the next-to-last call.
   std::string IdsAskedFor() {
     const auto requests = device.TakeRequests();
     EXPECT_GE(requests.size(), 2U);

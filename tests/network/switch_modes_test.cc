@@ -4,8 +4,8 @@
 
 #include "NetworkgRPC.h"
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/support/device.h"
-#include "tests/support/show.h"
+#include "support/device.h"
+#include "support/show.h"
 
 namespace {
 

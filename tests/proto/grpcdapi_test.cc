@@ -4,12 +4,14 @@
 #include <limits>
 
 #include "ostrevan/grpcdapi.pb.h"
-#include "tests/proto/hex.h"
-#include "tests/support/captured_stderr.h"
+#include "support/captured_stderr.h"
+#include "support/hex.h"
 
 namespace {
 
 using namespace ostrevan::grpcdapi;  // every message of the package
+using support::ParseHex;
+using support::ToHex;
 
 TEST(DapiWire, Channel) {
   ostrevan::grpcdapi::Channel channel;

@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 
 #include "ostrevan/networkmanager.pb.h"
-#include "tests/proto/hex.h"
-#include "tests/support/captured_stderr.h"
+#include "support/captured_stderr.h"
+#include "support/hex.h"
 
 namespace {
 
 using namespace ostrevan::networkmanager;  // every message of the package
+using support::ParseHex;
+using support::ToHex;
 
 TEST(NetworkManagerWire, Id) {
   Id id;

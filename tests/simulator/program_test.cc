@@ -12,9 +12,9 @@
 #include <set>
 
 #include "simulator/simulator.h"
+#include "support/run_program.h"
 #include "tests/simulator/simulator_process.h"
 #include "tests/simulator/stubs.h"
-#include "tests/support/child.h"
 
 namespace {
 

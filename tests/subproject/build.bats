@@ -5,10 +5,11 @@
 
 bats_require_minimum_version 1.5.0
 
-# configure WAY: configures the project with no options but the library's folder.
+# configure WAY ARGUMENT...: configures the project with no options but the library's
+# folder and these.
 configure() {
   "$CMAKE" -S "$BATS_TEST_DIRNAME/project" -B "$BATS_TEST_TMPDIR/build" \
-    "-DLIBRARY_SOURCE_DIR=$SOURCE_TREE" "-DWAY=$1"
+    "-DLIBRARY_SOURCE_DIR=$SOURCE_TREE" "-DWAY=$1" "${@:2}"
 }
 
 # The targets in the library's folders, as the project lists them.
@@ -28,8 +29,9 @@ targets() { sed -n 's/^-- targets: //p' <<<"$output"; }
   run -1 grep 'file(INSTALL' "$BATS_TEST_TMPDIR/rules"
 }
 
+# The project compiles all sources of a target as one unit, which the library's must allow.
 @test "by FetchContent programs on the facades and on the clients are built and run" {
-  configure FetchContent
+  configure FetchContent -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0
   "$CMAKE" --build "$BATS_TEST_TMPDIR/build" --parallel 2
   # No daemon can listen on port 0.
   export network_manager_url=127.0.0.1:0

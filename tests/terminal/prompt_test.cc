@@ -6,7 +6,7 @@
 #include <array>
 #include <string>
 
-#include "tests/support/captured_stderr.h"
+#include "support/captured_stderr.h"
 
 namespace {
 
