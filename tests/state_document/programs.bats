@@ -26,6 +26,7 @@ bats_require_minimum_version 1.5.0
 @test "DeepDocument_EitherProgram_IsRejected" {
   cd "$BATS_TEST_TMPDIR" || return
   printf '%*s' 300000 '' | tr ' ' '[' >state.json
+  # shellcheck disable=SC2094 # both only read it
   run -1 --separate-stderr timeout 60 "$TOOL" diff - state.json <state.json
   [ "$stderr" = "networkgrpc: -:1: the document: must be an object" ]
   run -1 --separate-stderr timeout 60 "$SIMULATOR" --state state.json
