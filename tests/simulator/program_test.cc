@@ -336,7 +336,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadOptions{"PortNegative", {"--network-manager-port=-1"}, "--network-manager-port"},
         BadOptions{"NoValue", {"--rx-channels"}, "--rx-channels"},
         BadOptions{"TooManyChannels", {"--tx-channels", "513"}, "0 to 512"},
-        BadOptions{"CtlWithoutCommand", {"ctl"}, "A command is missing"},
+        BadOptions{"CtlWithoutCommand", {"ctl"}, "a command is required"},
         BadOptions{"CtlWithOptionsOfAnother", {"--devices", "2", "ctl", "state"}, "--devices"},
         BadOptions{"CtlCommandUnknown", {"ctl", "bogus"}, "bogus"},
         BadOptions{"CtlArgumentMissing", {"ctl", "stop"}, "DAEMON"},

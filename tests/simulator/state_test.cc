@@ -23,7 +23,7 @@ using testing::StartsWith;
 
 State Factory() { return {simulator::FactoryDefaults(4, 8), {}}; }
 
-std::string Refusal(const std::string& text) {
+std::string ErrorOf(const std::string& text) {
   try {
     ReadState(text, "file.json", Factory());
   } catch (const simulator::BadDocument& bad) {
@@ -201,7 +201,7 @@ class StateFile : public testing::Test {
 
   // Why the file cannot be used, "" when it can.
   template <class Use>
-  static std::string Refusal(Use use) {
+  static std::string ErrorOf(Use use) {
     try {
       use();
     } catch (const std::runtime_error& error) {
@@ -228,31 +228,31 @@ TEST_F(StateFile, Saved_ReplacesTheFileAndIsLoadedAgain) {
   EXPECT_NE(stat(Path("state.json.new").c_str(), &found), 0);
 }
 
-TEST_F(StateFile, Absent_IsRefusedWithItsNameAndReason) {
-  EXPECT_EQ(Refusal([&] { LoadState(Path("none"), Factory()); }),
+TEST_F(StateFile, Absent_IsRejectedWithItsNameAndReason) {
+  EXPECT_EQ(ErrorOf([&] { LoadState(Path("none"), Factory()); }),
             "cannot read " + Path("none") + ": No such file or directory");
-  EXPECT_EQ(Refusal([&] { LoadState(folder, Factory()); }),
+  EXPECT_EQ(ErrorOf([&] { LoadState(folder, Factory()); }),
             "cannot read " + folder + ": Is a directory");
 }
 
-TEST_F(StateFile, ThatCannotBeWritten_IsRefusedWithItsNameAndReason) {
+TEST_F(StateFile, ThatCannotBeWritten_IsRejectedWithItsNameAndReason) {
   const std::string file = Path("none/state.json");
   const std::string reason = "cannot write " + file + ": No such file or directory";
-  EXPECT_EQ(Refusal([&] { SaveState(file, Factory()); }), reason);
-  EXPECT_EQ(Refusal([&] { simulator::CheckSavable(file); }), reason);
-  EXPECT_EQ(Refusal([&] { simulator::CheckSavable(folder); }),
+  EXPECT_EQ(ErrorOf([&] { SaveState(file, Factory()); }), reason);
+  EXPECT_EQ(ErrorOf([&] { simulator::CheckSavable(file); }), reason);
+  EXPECT_EQ(ErrorOf([&] { simulator::CheckSavable(folder); }),
             "cannot write " + folder + ": Is a directory");
 }
 
 // The form of a document is tested in tests/state_document.
-TEST(State, FaultCannotBe_IsRefusedWithFileLineAndReason) {
+TEST(State, InvalidFault_IsRejectedWithFileLineAndReason) {
   EXPECT_EQ(
-      Refusal("{\"schema\": 1,\n\"faults\": [\n{\"method\": \"GetName\", \"fault\": "
+      ErrorOf("{\"schema\": 1,\n\"faults\": [\n{\"method\": \"GetName\", \"fault\": "
               "\"drop\", \"message\": \"x\"}]}"),
       "file.json:3: faults[0]: a status code or message is for the fault status, not for drop");
-  EXPECT_THAT(Refusal("{\"schema\": 1,\n\"faults\": [{\"method\": \"GetName\", \"fault\": "
+  EXPECT_THAT(ErrorOf("{\"schema\": 1,\n\"faults\": [{\"method\": \"GetName\", \"fault\": "
                       "\"drop\"},\n{\"method\": \"GetBogus\", \"fault\": \"drop\"}]}"),
-              StartsWith("file.json:3: faults[1]: no method is called 'GetBogus'"));
+              StartsWith("file.json:3: faults[1]: unknown method 'GetBogus'"));
 }
 
 }  // namespace
