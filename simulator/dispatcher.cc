@@ -89,7 +89,7 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
         return Answer();
       case FaultKind::kStatus:
         return Finish({static_cast<grpc::StatusCode>(fault.status), fault.message});
-      case FaultKind::kRefuse:
+      case FaultKind::kReject:
         // An absent field `success` is false.
         return method->replies_success ? Reply("") : Answer();
       case FaultKind::kEmpty:

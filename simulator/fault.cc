@@ -33,7 +33,7 @@ std::uint32_t ParseNumber(const std::string& key, const std::string& text) {
   return number;
 }
 
-// One word of the string form: "refuse", "delay=20".
+// One word of the string form: "reject", "delay=20".
 void ParseWord(const std::string& word, Fault& fault) {
   const std::size_t equals = word.find('=');
   const std::string key = word.substr(0, equals);
@@ -122,7 +122,7 @@ void Check(const Fault& fault) {
   if (fault.kind != FaultKind::kStatus && (fault.status != 0 || !fault.message.empty()))
     throw BadFault(std::string("a status code or message is for the fault status, not for ") +
                    Name(fault.kind));
-  if (fault.kind == FaultKind::kRefuse &&
+  if (fault.kind == FaultKind::kReject &&
       std::none_of(matching.begin(), matching.end(),
                    [](const Method* method) { return method->replies_success; }))
     throw BadFault(fault.method + " cannot reject: its reply has no field success");

@@ -5,7 +5,7 @@
 //
 //   GetName:status=UNAVAILABLE,times=2   twice that status, then as usual
 //   GetName:status=INTERNAL,message=gone that status with that message
-//   SetName:refuse                       the reply says success false
+//   SetName:reject                       the reply says success false
 //   DAPI.*:delay=250                     as usual, 250 ms later
 //   GetRxChannelLink:malformed           a reply that cannot be parsed
 //   NetworkManager.*:stop                the daemon is stopped
@@ -31,7 +31,7 @@ std::string FullName(Daemon daemon, const std::string& method);
 enum class FaultKind {
   kNone,       // as usual; for a delay alone
   kStatus,     // fails with Fault::status and Fault::message
-  kRefuse,     // replies success false; for methods with such a reply
+  kReject,     // replies success false; for methods with such a reply
   kEmpty,      // replies with no bytes: every field has its zero value
   kMalformed,  // replies with bytes that no message can be
   kOversize,   // replies with more than the client's limit of 4 MiB

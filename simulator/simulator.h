@@ -114,7 +114,7 @@ class Simulator {
 ///   simulator::Simulator device = simulator::Builder()
 ///                                     .Channels(2, 4)
 ///                                     .With([](simulator::Device& it) { it.dante.name = "Hall"; })
-///                                     .Inject("SetName:refuse")
+///                                     .Inject("SetName:reject")
 ///                                     .Start();
 class Builder {
  public:

@@ -29,7 +29,7 @@ inline constexpr Names kAddressingModes("dynamic", "static", "dhcp-only", "link-
 inline constexpr Names kLinkSpeeds("none", "10", "100", "1000");  // Mbit/s
 inline constexpr Names kClocks("none", "passive", "undisciplined", "disciplined");
 inline constexpr Names kEncodings("L24", "L16");
-inline constexpr Names kFaults("none", "status", "refuse", "empty", "malformed", "oversize",
+inline constexpr Names kFaults("none", "status", "reject", "empty", "malformed", "oversize",
                                "freeze", "drop", "stop");
 /// By gRPC's status codes.
 inline constexpr Names kStatuses("OK", "CANCELLED", "UNKNOWN", "INVALID_ARGUMENT",

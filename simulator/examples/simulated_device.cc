@@ -13,7 +13,7 @@ int main() {
   simulator::Simulator device = simulator::Builder()
                                     .Channels(2, 4)
                                     .With([](simulator::Device& it) { it.dante.name = "Hall"; })
-                                    .Inject("SetName:refuse,times=1")
+                                    .Inject("SetName:reject,times=1")
                                     .Start();
   setenv("network_manager_url", device.NetworkManagerUrl().c_str(), 1);
   setenv("grpc_dapi_url", device.DapiUrl().c_str(), 1);

@@ -1,7 +1,7 @@
 // The commands of the control socket, which `networkgrpc-simulator ctl` sends.
 //
 // A request is one line, {"command": "fault", "device": 1, "argument":
-// "GetName:refuse"}; its answer is one line, {"ok": true, "result": ...} or
+// "GetName:reject"}; its answer is one line, {"ok": true, "result": ...} or
 // {"ok": false, "error": "why"}. Commands and their results:
 //
 //   state   the state document         fault FAULT   null

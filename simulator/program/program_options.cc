@@ -32,7 +32,7 @@ std::string FaultsSection() {
           "If several faults match a method, the first one given applies.",
           2) +
           "\n" + Entry("status=CODE", "the call fails with this gRPC status") +
-          Entry("refuse", "the reply reports that the request was rejected") +
+          Entry("reject", "the reply reports that the request was rejected") +
           Entry("empty", "the reply has no bytes") +
           Entry("malformed", "the reply cannot be parsed") +
           Entry("oversize", "the reply exceeds the client's limit of 4 MiB") +
@@ -76,7 +76,7 @@ std::string MoreHelp(const CLI::App& command, bool /*all*/) {
              "networkgrpc-simulator",
              "networkgrpc-simulator --save hall.json",
              "networkgrpc-simulator --state hall.json --save hall.json",
-             "networkgrpc-simulator --fault SetName:refuse,times=1",
+             "networkgrpc-simulator --fault SetName:reject,times=1",
              "networkgrpc-simulator --fault 'DAPI.*:delay=250' --fault '*:drop,times=1'",
              "networkgrpc-simulator --devices 3",
              "networkgrpc-simulator --control auto",

@@ -77,7 +77,7 @@ TEST(Demo, RestoringIsRejected_ExitsWithOneAndLeavesTheNewValueOnTheDevice) {
   for (std::size_t i = 0; i < methods.size(); ++i) {
     simulator::Simulator device;
     device.Inject(methods[i] + ":delay=1,times=1");  // the first call is carried out
-    device.Inject(methods[i] + ":refuse");
+    device.Inject(methods[i] + ":reject");
 
     const Finished finished = RunDemo(device);
 
@@ -90,7 +90,7 @@ TEST(Demo, RestoringIsRejected_ExitsWithOneAndLeavesTheNewValueOnTheDevice) {
 TEST(Demo, ChangeIsRejected_ExitsWithOneAndChangesNothingElse) {
   simulator::Simulator device;
   const auto before = Settings(device);
-  device.Inject("SetTxChannelName:refuse");
+  device.Inject("SetTxChannelName:reject");
 
   const Finished finished = RunDemo(device);
 

@@ -119,7 +119,7 @@ def test_readers_that_nothing_changes_tell_the_state(device, ask):
 
 
 def test_refusal_raises_with_function_and_arguments(device, ask):
-    device.ctl("fault", "SetHostname:refuse")
+    device.ctl("fault", "SetHostname:reject")
     told = ask(
         "try:\n"
         "    network.set_hostname('x')\n"
@@ -205,8 +205,8 @@ def test_examples_tell_what_those_in_cxx_and_c_do(device, run):
     [
         ([], 0),
         (["--tx-channels", "0"], 1),
-        (["--fault", "SetHostname:refuse"], 1),
-        (["--fault", "SetLatency:delay=1,times=1", "--fault", "SetLatency:refuse"], 1),
+        (["--fault", "SetHostname:reject"], 1),
+        (["--fault", "SetLatency:delay=1,times=1", "--fault", "SetLatency:reject"], 1),
     ],
     ids=["success", "no channel", "change rejected", "restoring rejected"],
 )
@@ -222,7 +222,7 @@ def test_demo_prints_and_does_the_same_as_in_cxx(start_device, run, options, sta
 
 
 def test_demo_change_rejected_reports_the_first_failed_call(start_device, run):
-    device = start_device("--fault", "SetHostname:refuse")
+    device = start_device("--fault", "SetHostname:reject")
     demo = run(sys.executable, str(EXAMPLES / "demo.py"), **device.environment)
     message = "demo.py: networkgrpc.network.set_hostname(hostname='stage-left') failed"
     assert demo.stderr.splitlines()[-1] == message

@@ -36,7 +36,7 @@ TEST(Builder, EverythingSet_ClientsReadIt) {
                          .Channels(2, 3)
                          .StateJson(R"({"schema": 1, "network": {"hostname": "hall"}})")
                          .With([](Device& it) { it.dante.name = "Hall"; })
-                         .Inject("SetName:refuse,times=1")
+                         .Inject("SetName:reject,times=1")
                          .Start();
   const Stubs stubs(device.NetworkManagerUrl(), device.DapiUrl());
 

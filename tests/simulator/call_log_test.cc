@@ -37,7 +37,7 @@ class CallLog : public support::SimulatedDevice {
 };
 
 TEST_F(CallLog, Calls_HaveNumberMethodRequestAndFault) {
-  device.Inject("SetName:refuse,times=1");
+  device.Inject("SetName:reject,times=1");
 
   SetName("x");
   SetName("y");
@@ -46,7 +46,7 @@ TEST_F(CallLog, Calls_HaveNumberMethodRequestAndFault) {
   ASSERT_THAT(calls, SizeIs(2));
   EXPECT_EQ(calls[0].method, "DAPI.SetName");
   EXPECT_EQ(calls[0].request, R"({"name":"x"})");
-  EXPECT_EQ(calls[0].fault, "SetName:refuse,times=1");
+  EXPECT_EQ(calls[0].fault, "SetName:reject,times=1");
   EXPECT_EQ(calls[0].number, 1U);
   EXPECT_EQ(calls[1].number, 2U);
   EXPECT_EQ(calls[1].fault, "");

@@ -95,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(
             "*:oversize,times=1", {StatusCode::RESOURCE_EXHAUSTED, StatusCode::OK}, StatusCode::OK},
         Outcome{"GetName:drop,times=1", {StatusCode::UNAVAILABLE}, StatusCode::OK},
         Outcome{"DAPI.*:stop", {StatusCode::UNAVAILABLE}, StatusCode::OK},
-        Outcome{"DAPI.*:refuse", {StatusCode::OK}, StatusCode::OK}));
+        Outcome{"DAPI.*:reject", {StatusCode::OK}, StatusCode::OK}));
 
 TEST_F(FaultsOfDevice, StatusWithMessage_ClientReceivesIt) {
   device.Inject("GetName:status=ABORTED,message=restarting, come back=later");
@@ -123,10 +123,10 @@ TEST_F(FaultsOfDevice, OneCleared_OthersStay) {
   EXPECT_THROW(device.ClearFaults("GetBogus"), BadFault);
 }
 
-TEST_F(FaultsOfDevice, Refuse_RepliesFalseAndChangesNothing) {
-  device.Inject("DAPI.*:refuse");
+TEST_F(FaultsOfDevice, Reject_RepliesFalseAndChangesNothing) {
+  device.Inject("DAPI.*:reject");
 
-  EXPECT_FALSE(SetName("refused"));
+  EXPECT_FALSE(SetName("rejected"));
 
   EXPECT_EQ(NameOfModel(), kDefaultName);
 }
@@ -197,7 +197,7 @@ class Thaws : public FaultsOfDevice, public testing::WithParamInterface<const ch
 
 TEST_P(Thaws, ClearedByItsMethodAfterAnother_CallIsAnsweredThen) {
   device.Inject(GetParam());
-  device.Inject("SetName:refuse");
+  device.Inject("SetName:reject");
   auto code = StartGetName();
 
   device.ClearFaults("SetName");
@@ -294,8 +294,8 @@ TEST_P(FaultStrings, Parsed_AreWrittenTheSame) {
 INSTANTIATE_TEST_SUITE_P(All, FaultStrings,
                          testing::Values("GetName:status=UNAUTHENTICATED",
                                          "DAPI.GetName:status=CANCELLED,delay=5,times=4294967295",
-                                         "*:status=ABORTED,message=a, b=c:d", "SetName:refuse",
-                                         "SetHostname:refuse", "DAPI.*:refuse", "*:empty",
+                                         "*:status=ABORTED,message=a, b=c:d", "SetName:reject",
+                                         "SetHostname:reject", "DAPI.*:reject", "*:empty",
                                          "GetName:malformed", "GetName:oversize,times=1",
                                          "NetworkManager.*:freeze", "GetName:drop", "DAPI.*:stop",
                                          "*:delay=250"));
@@ -306,7 +306,7 @@ TEST_P(BadFaultStrings, AreRejected) { EXPECT_THROW(simulator::ParseFault(GetPar
 
 INSTANTIATE_TEST_SUITE_P(
     All, BadFaultStrings,
-    testing::Values("", "GetName", "GetName:", "GetBogus:drop", "GetName:refuse", "GetName:bogus",
+    testing::Values("", "GetName", "GetName:", "GetBogus:drop", "GetName:reject", "GetName:bogus",
                     "GetName:status=NO", "GetName:status=OK", "GetName:drop,freeze",
                     "GetName:delay=x", "GetName:drop,times=1x", "GetName:delay=-1",
                     "GetName:times=2", "GetName:delay=4294967296", "GetName:bogus=1",

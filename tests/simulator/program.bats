@@ -148,7 +148,7 @@ state_of_connection_to() {
   configure
   "$CMAKE" --build "$project/build"
   run -0 timeout 60 "$project/build/my_test"
-  [[ "$output" == *'DAPI.SetName {"name":"Stage"} SetName:refuse,times=1'* ]]
+  [[ "$output" == *'DAPI.SetName {"name":"Stage"} SetName:reject,times=1'* ]]
 
   # Every header that is installed compiles alone.
   local header

@@ -196,15 +196,15 @@ TEST_F(ProgramInFolder, StateSaved_NextRunStartsWithIt) {
 
 TEST_F(ProgramInFolder, OneFault_ActsTheSameFromFileOptionAndCtl) {
   std::ofstream(Path("first.json")) << R"({"schema": 1, "faults": [ // one
-             {"method": "SetName", "fault": "refuse", "times": 1}]})";
+             {"method": "SetName", "fault": "reject", "times": 1}]})";
   const SimulatorProcess by_file({"--state", Path("first.json")});
-  const SimulatorProcess by_option({"--fault", "SetName:refuse,times=1"});
+  const SimulatorProcess by_option({"--fault", "SetName:reject,times=1"});
   const SimulatorProcess by_ctl({"--control", Path("control")});
-  EXPECT_EQ(Ctl({"fault", "SetName:refuse,times=1"}), "");
+  EXPECT_EQ(Ctl({"fault", "SetName:reject,times=1"}), "");
 
   for (const SimulatorProcess* simulator : {&by_file, &by_option, &by_ctl}) {
     const Stubs stubs(simulator->NetworkManagerUrl(), simulator->DapiUrl());
-    EXPECT_FALSE(SetName(stubs, "refused"));
+    EXPECT_FALSE(SetName(stubs, "rejected"));
     EXPECT_TRUE(SetName(stubs, "done"));
     EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetName).name(), "done");
   }
@@ -212,14 +212,14 @@ TEST_F(ProgramInFolder, OneFault_ActsTheSameFromFileOptionAndCtl) {
 
 TEST_F(ProgramInFolder, CtlCalls_PrintsMethodRequestAndFaultUntilForgotten) {
   const SimulatorProcess simulator(
-      {"--control", Path("control"), "--fault", "SetName:refuse,times=1"});
+      {"--control", Path("control"), "--fault", "SetName:reject,times=1"});
   const Stubs stubs(simulator.NetworkManagerUrl(), simulator.DapiUrl());
   SetName(stubs, "Hall");
   Ask(*stubs.network, &NetworkStub::GetHostname);
 
   EXPECT_EQ(Ctl({"calls"}),
             "{\"number\":1,\"method\":\"DAPI.SetName\",\"request\":{\"name\":\"Hall\"},"
-            "\"fault\":\"SetName:refuse,times=1\"}\n"
+            "\"fault\":\"SetName:reject,times=1\"}\n"
             "{\"number\":2,\"method\":\"NetworkManager.GetHostname\",\"request\":{},"
             "\"fault\":null}\n");
   EXPECT_EQ(Ctl({"forget"}), "");
@@ -247,7 +247,7 @@ TEST_F(ProgramInFolder, ThreeDevices_EachHasItsOwnPortsStateAndFaults) {
     urls.insert({simulator.NetworkManagerUrl(), simulator.DapiUrl()});
   }
   EXPECT_EQ(urls.size(), 6U);
-  EXPECT_EQ(Ctl({"--device", "2", "fault", "SetName:refuse"}), "");
+  EXPECT_EQ(Ctl({"--device", "2", "fault", "SetName:reject"}), "");
 
   EXPECT_TRUE(SetName(devices[0], "one"));
   EXPECT_FALSE(SetName(devices[1], "two"));
@@ -256,7 +256,7 @@ TEST_F(ProgramInFolder, ThreeDevices_EachHasItsOwnPortsStateAndFaults) {
   std::vector<std::string> names;
   for (const Stubs& stubs : devices) names.push_back(Ask(*stubs.dante, &DanteStub::GetName).name());
   EXPECT_THAT(names, ElementsAre("one", "Amplifier-520002", "three"));
-  EXPECT_EQ(Ctl({"faults", "--device", "2"}), "SetName:refuse\n");
+  EXPECT_EQ(Ctl({"faults", "--device", "2"}), "SetName:reject\n");
   EXPECT_EQ(Ctl({"faults", "--device", "1"}), "");
 }
 

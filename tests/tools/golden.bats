@@ -85,7 +85,7 @@ start_device_with_unusual_names() {
   compare success "The device accepts every valid change." start_simulator
 }
 @test "EveryCommand_DeviceRejectsChanges_PrintsAsRecorded" {
-  compare rejected "The device rejects every change." start_simulator --fault '*:refuse'
+  compare rejected "The device rejects every change." start_simulator --fault '*:reject'
 }
 @test "EveryCommand_EveryRpcFails_PrintsAsRecorded" {
   compare failing "Every RPC fails with UNIMPLEMENTED." start_simulator --fault '*:status=UNIMPLEMENTED'
