@@ -41,9 +41,9 @@ class Reader {
     if (member != object.end()) Read(*member, value);
   }
 
-  /// Null if the object lacks it.
-  Json Get(const char* name) const { return object.value(name, Json()); }
   bool Has(const char* name) const { return object.contains(name); }
+  /// A member that the object has.
+  const Json& Get(const char* name) const { return object.at(name); }
 
   /// Runs what only reading needs: defaults, before the members that they are
   /// for, and what follows from members, after these.
