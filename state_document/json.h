@@ -1,5 +1,5 @@
-// JSON whose members keep the order in which they were written: documents are
-// read by people and compared line by line.
+// JSON whose members keep the order in which they were written: documents and the
+// tool's output are read by people and compared line by line.
 #pragma once
 
 #include <nlohmann/json.hpp>

@@ -17,7 +17,7 @@ using Commands = std::vector<const CLI::App*>;
 
 std::size_t Columns(const std::string& text) { return static_cast<std::size_t>(Width(text)); }
 
-std::string Blanks(std::size_t count) { return std::string(count, ' '); }
+std::string Blanks(std::size_t count) { return std::string().append(count, ' '); }
 
 Commands CommandsOf(const CLI::App& command) { return command.get_subcommands(nullptr); }
 

@@ -1,15 +1,14 @@
-// JSON whose members keep the order in which they were written: the order is
-// part of what the tool promises.
+// JSON, as in state documents.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "state_document/json.h"
 #include "terminal/printable.h"
 
 namespace tool {
 
-using Json = nlohmann::ordered_json;
+using state_document::Json;
 
 /// A string as a terminal can show it in one line; any other value as JSON.
 inline std::string Text(const Json& value) {

@@ -1,5 +1,5 @@
-// The state document: what is written is read back, and what is wrong is told
-// with its line.
+// The state of a simulated device as a document: what is written is read back, and
+// what a document lacks follows from the rest.
 #include "simulator/state.h"
 
 #include <gmock/gmock.h>
@@ -69,7 +69,7 @@ TEST(State, InstalledExample_IsTheDefaults) {
   EXPECT_EQ(WriteState(ReadState(text, "state.json", Factory())), WriteState(Factory()));
 }
 
-TEST(State, WithoutWhatOnlyASimulatorHas_TakesChannelsFromTheRouting) {
+TEST(State, NoReceiveChannelsGiven_AreThoseOfTheRouting) {
   const State read = ReadState(
       R"({"schema": 1, "network": {"interfaces": [{"name": "eth7", "mode": "static",
           "ip": "10.0.0.2", "netmask": "255.0.0.0", "gateway": "", "dns": []}]},
@@ -84,7 +84,7 @@ TEST(State, WithoutWhatOnlyASimulatorHas_TakesChannelsFromTheRouting) {
   EXPECT_EQ(read.device.dante.links.at(7).channel_name, "B");
 }
 
-TEST(State, ExportOfAnotherVersion_KeepsNumbersWithoutName) {
+TEST(State, NumberHasNoName_IsKept) {
   const State read = ReadState(
       R"({"schema": 1, "network": {"switch_mode": 7,
           "interfaces": [{"name": "lan0", "mode": 4, "speed": 9}]},
@@ -133,7 +133,7 @@ TEST(State, IdIsThatOfAFactoryInterface_TheLatterHasTheNextOne) {
   EXPECT_EQ(interfaces[2].id, 2);
 }
 
-TEST(State, InEffectTold_MayDifferFromWhatIsStored) {
+TEST(State, SettingsInEffectGiven_MayDifferFromStoredOnes) {
   const State read = ReadState(
       R"({"schema": 1, "network": {"ntp": ["a"], "ntp_in_effect": ["b"], "switch_mode": 1,
           "switch_mode_in_effect": 2, "interfaces": [{"name": "lan0", "live": {"ip": "10.0.0.9"}}]}})",
@@ -146,7 +146,7 @@ TEST(State, InEffectTold_MayDifferFromWhatIsStored) {
   EXPECT_EQ(read.device.network.interfaces[0].live.ip, "10.0.0.9");
 }
 
-TEST(State, Read_AFactoryResetKeepsInterfacesAndBringsBackSettings) {
+TEST(State, IsRead_FactoryResetKeepsInterfacesAndRestoresSettings) {
   const State read = ReadState(
       R"({"schema": 1, "network": {"hostname": "hall", "ntp": ["a"], "interfaces": [
           {"name": "eth7", "mode": "static", "ip": "10.0.0.2", "netmask": "255.0.0.0"}]}})",
@@ -160,19 +160,19 @@ TEST(State, Read_AFactoryResetKeepsInterfacesAndBringsBackSettings) {
   EXPECT_EQ(factory.interfaces[0].stored.mode, simulator::Addressing::kDynamic);
 }
 
-TEST(State, RoutingTold_ReplacesThatOfTheDefaults) {
+TEST(State, RoutingGiven_ReplacesThatOfTheDefaults) {
   State defaults = Factory();
   defaults.device.dante.links[2] = {"Desk", "05", std::nullopt, false};
   const std::string routing = R"({"rx_channel": 1, "device": "A", "channel": "B"})";
 
-  const State told = ReadState(R"({"schema": 1, "dante": {"routing": [)" + routing +
-                                   R"(], "rx_channels": [{"id": 1}, {"id": 2}]}})",
-                               "", defaults);
-  const State not_told = ReadState(R"({"schema": 1})", "", defaults);
+  const State given = ReadState(R"({"schema": 1, "dante": {"routing": [)" + routing +
+                                    R"(], "rx_channels": [{"id": 1}, {"id": 2}]}})",
+                                "", defaults);
+  const State not_given = ReadState(R"({"schema": 1})", "", defaults);
 
-  EXPECT_EQ(told.device.dante.links.count(1), 1U);
-  EXPECT_EQ(told.device.dante.links.count(2), 0U);
-  EXPECT_EQ(not_told.device.dante.links.count(2), 1U);
+  EXPECT_EQ(given.device.dante.links.count(1), 1U);
+  EXPECT_EQ(given.device.dante.links.count(2), 0U);
+  EXPECT_EQ(not_given.device.dante.links.count(2), 1U);
 }
 
 TEST(State, MessageOfAFault_IsReadAndWritten) {
