@@ -30,7 +30,7 @@ with_header() {
 
 @test "the reference has every function" {
   # The record of the interface has constructors, destructors and static objects besides.
-  sed -nE "s/.*<elf-symbol name='([^']+)'.*/\1/p" "$SOURCE_TREE/abi/64-bit.abi" | c++filt |
+  sed -nE 's/^(function|variable) ([^:]+):.*/\2/p' "$SOURCE_TREE/abi/64-bit.abi" | c++filt |
     grep -oE '^([A-Za-z]+::)?[A-Za-z0-9]+(\(|\[|$)' |
     tr -d '[(' | grep -vxE '([A-Za-z]+)::(\1|GetInstance)' | sort -u >"$BATS_TEST_TMPDIR/expected"
   [ "$(wc -l <"$BATS_TEST_TMPDIR/expected")" -gt 90 ]
