@@ -1,7 +1,7 @@
 """Counts the instructions of a program of another processor, in the trace of its emulator.
 
 QEMU writes down each run of instructions without a branch: once what is in it, and its
-address each time that it is executed. Whose function it is tells the address.
+address each time that it is executed. The address identifies the function.
 """
 import bisect
 import collections

@@ -5,12 +5,12 @@ emulator where it was compiled for another processor.
 Three counts for each function of the library:
 
 frames  the library's own functions
-own     that, and the C and C++ runtime at their call: texts, lists and the memory
-        that the library hands out, lines that it prints
-call    all that the calling thread runs
+own     that, and the C and C++ runtime functions that they call: strings, lists and
+        memory that the library returns, lines that it prints
+call    everything that the calling thread executes
 
-What gRPC and the generated classes take is not own; a program with nothing but the
-stub would run it as well. The second count needs callgrind.
+gRPC and the generated classes are not counted as own; a program that uses only the
+stub executes them as well. The second count needs callgrind.
 """
 import argparse
 import json

@@ -1,5 +1,5 @@
 // Two ways to do the same, called alternately in one loop and timed: what disturbs the
-// machine disturbs both, so that their ratio says more than either time.
+// machine disturbs both, so that their ratio is more reliable than either time.
 #pragma once
 
 #include <benchmark/benchmark.h>

@@ -25,8 +25,8 @@ inline constexpr const char* kNoLine = nullptr;
 /// of several threads are never mixed.
 [[gnu::format(printf, 1, 2)]] void Print(const char* format, ...);
 
-/// Whether a change is done: the status is OK, and the daemon's reply says that
-/// it carried out the request.
+/// Whether the daemon confirmed a change: the status is OK and `success` in the reply
+/// is true.
 template <class Success>
 bool Confirmed(const grpc::Status& status, const Success& reply) {
   return status.ok() && reply.success();

@@ -14,7 +14,7 @@ struct Setting {
   const char* variable;
   const char* fallback;
   const char* role;     // the daemon's or the interface's, as programs print it
-  const char* meaning;  // for help texts
+  const char* meaning;  // for help
 
   /// The value of the variable, or the default if it is not set.
   std::string Value() const;

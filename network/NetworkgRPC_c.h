@@ -43,7 +43,7 @@ typedef struct cInterfaceInfo {
  *   - -1: the configuration or status request failed or returned an empty list, or a
  *     std::exception was caught (an error line is printed).
  *   - -1: the control interface is unresolved (no RPC is made, nothing is printed).
- *   - -1: `max` is less than 1 (the RPCs are made, nothing else is printed).
+ *   - -1: `max` is less than 1 (the RPCs are made; nothing is printed if they succeed).
  */
 int cGetControlInterface(cInterfaceInfo* out, int max);
 
@@ -68,7 +68,7 @@ int cGetCurrentSwitchMode(int* mode);
  * of "unknown" at the first.
  *
  * Prints to standard error one line for every discarded character, then one line that names the
- * host name or says that the default is set.
+ * host name or reports that the default is set.
  *
  * RPC: SetHostname. Blocks without a deadline. Not thread-safe: all calls share one buffer. If
  * there is no memory for the host name, std::bad_alloc passes to the caller; a C program then ends.

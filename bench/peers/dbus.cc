@@ -55,7 +55,7 @@ void WriteConfiguration(const std::string& file, const std::string& address) {
                          "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>";
 }
 
-// A pipe on which a child process tells its parent that it serves.
+// A pipe on which a child process reports to its parent that it is ready.
 class ReadyPipe {
  public:
   ReadyPipe() {

@@ -11,7 +11,7 @@
 namespace bench {
 namespace {
 
-constexpr std::size_t kSize = 40;  // about what the name's text takes
+constexpr std::size_t kSize = 40;  // about the size of a name's message
 
 sockaddr* Raw(sockaddr_in& address) { return reinterpret_cast<sockaddr*>(&address); }
 

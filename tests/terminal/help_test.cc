@@ -84,7 +84,7 @@ class Pages : public testing::Test {
     noun->add_subcommand("list", "List the things.");
   }
 
-  std::string Page(std::vector<std::string> words, bool all = false) {
+  std::string Page(const std::vector<std::string>& words, bool all = false) {
     app.clear();
     CLI::App* command = &app;
     std::string above;
