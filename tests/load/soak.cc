@@ -5,16 +5,18 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <mutex>
+#include <optional>
 #include <random>
 #include <regex>
 #include <set>
 #include <sstream>
 
 #include "support/captured_stderr.h"
+#include "support/child_program.h"
 #include "support/outcome.h"
 #include "support/parallel.h"
-#include "tests/load/daemon_process.h"
 #include "tests/load/process_size.h"
 
 namespace {
@@ -110,6 +112,36 @@ class Mix {
   Figures& figures;
 };
 
+// Both daemons in a process that can be killed and started again on the same ports.
+class DaemonProcess {
+ public:
+  explicit DaemonProcess(std::string soak_daemon) : program(std::move(soak_daemon)) { Restart(); }
+
+  /// Kills it without warning and starts it again; returns when it serves. The
+  /// environment of this process then has its endpoints.
+  void Restart() {
+    process.reset();
+    process.emplace(std::vector<std::string>{program, network_manager_port, dapi_port});
+    const std::string line = process->ReadLine();
+    const std::size_t space = line.find(' ');
+    if (space == std::string::npos) throw std::runtime_error(program + " does not serve");
+    network_manager_port = Use("network_manager_url", line.substr(0, space));
+    dapi_port = Use("grpc_dapi_url", line.substr(space + 1));
+  }
+
+ private:
+  // Returns the port of the endpoint.
+  static std::string Use(const char* variable, const std::string& endpoint) {
+    setenv(variable, endpoint.c_str(), 1);
+    return endpoint.substr(endpoint.rfind(':') + 1);
+  }
+
+  std::string program;
+  std::string network_manager_port = "0";
+  std::string dapi_port = "0";
+  std::optional<support::ChildProgram> process;
+};
+
 struct Options {
   long calls = 1000000;
   long restart_every = 10000;
@@ -118,7 +150,7 @@ struct Options {
 };
 
 void Soak(const Options& options, Figures& figures) {
-  load::DaemonProcess daemon(options.daemon);
+  DaemonProcess daemon(options.daemon);
   Mix mix(figures);
   while (figures.calls < options.calls) {
     support::CapturedStderr captured;
@@ -143,9 +175,9 @@ void PrintRange(const char* name, const std::vector<ProcessSize>& samples,
 bool Report(const Figures& figures, double seconds) {
   std::printf("soak: %ld calls in %.0f s, %ld restarts of the daemons\n", figures.calls.load(),
               seconds, figures.restarts);
-  std::printf("  %ld calls failed as they should, %ld gave something wrong\n",
-              figures.failed.load(), figures.wrong.load());
-  std::printf("  %ld lines of the library, %ld of gRPC, %ld of nobody\n", figures.lines,
+  std::printf("  %ld calls failed as expected, %ld returned a wrong value\n", figures.failed.load(),
+              figures.wrong.load());
+  std::printf("  %ld lines of the library, %ld of gRPC, %ld unknown\n", figures.lines,
               figures.foreign_lines, figures.torn_lines);
   PrintRange("resident KiB", figures.samples, &ProcessSize::resident_kib);
   PrintRange("threads", figures.samples, &ProcessSize::threads);
