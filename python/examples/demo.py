@@ -7,43 +7,33 @@ changed.
 
 import re
 import sys
-from typing import Callable, Tuple, TypeVar, Union
+from typing import Any, Callable, Tuple
 
 from networkgrpc import CallFailed, dante, network
 
-Value = TypeVar("Value", str, int)
-Read = Callable[[], Value]
-Write = Callable[[Value], None]
 
-
-def read_first_tx_channel() -> dante.Channel:
+def first_tx_channel() -> dante.Channel:
     channels = dante.get_tx_channels()
     if not channels:
         raise ValueError("the device has no transmit channel")
     return channels[0]
 
 
-def read_label() -> str:
-    return read_first_tx_channel().name
+def set_label(label: str) -> None:
+    dante.set_tx_channel_name(dante.Channel(id=first_tx_channel().id, name=label))
 
 
-def write_label(label: str) -> None:
-    dante.set_tx_channel_name(dante.Channel(id=read_first_tx_channel().id, name=label))
-
-
-def show(value: Union[str, int]) -> str:
-    if isinstance(value, int):
-        return str(value)
+def show(value: Any) -> str:
     # A control character could move the cursor of a terminal.
-    return '"' + re.sub(r"[\0-\x1f\x7f]", "?", value) + '"'
+    return '"' + re.sub(r"[\0-\x1f\x7f]", "?", value) + '"' if isinstance(value, str) else str(value)
 
 
 def change_and_restore(
-    name: str, read: Read[Value], write: Write[Value], values: Tuple[Value, Value]
+    name: str, read: Callable[[], Any], write: Callable[[Any], None], values: Tuple[Any, Any]
 ) -> None:
     """Set the first value, or the second if the first is the present one; then restore."""
 
-    def write_and_read_back(value: Value) -> None:
+    def write_and_read_back(value: Any) -> None:
         write(value)
         seen = read()
         print(f"  set to {show(value)}, read back {show(seen)}", flush=True)
@@ -59,19 +49,13 @@ def change_and_restore(
         write_and_read_back(before)
 
 
-def main() -> int:
-    try:
-        host_names = ("stage-left", "stage-right")
-        change_and_restore("Host name", network.get_hostname, network.set_hostname, host_names)
-        labels = ("Bühne links", "Bühne rechts")
-        change_and_restore("Label of the first transmit channel", read_label, write_label, labels)
-        change_and_restore("Latency", dante.get_latency, dante.set_latency, (2000, 5000))
-    except (CallFailed, ValueError) as failed:
-        # If restoring failed, too, the failure before it is its context.
-        print(f"demo.py: {failed.__context__ or failed}", file=sys.stderr)
-        return 1
-    return 0
-
-
-if __name__ == "__main__":
-    sys.exit(main())
+try:
+    host_names = ("stage-left", "stage-right")
+    change_and_restore("Host name", network.get_hostname, network.set_hostname, host_names)
+    labels = ("Bühne links", "Bühne rechts")
+    label = "Label of the first transmit channel"
+    change_and_restore(label, lambda: first_tx_channel().name, set_label, labels)
+    change_and_restore("Latency", dante.get_latency, dante.set_latency, (2000, 5000))
+except (CallFailed, ValueError) as failed:
+    # If restoring failed, too, the failure before it is its context.
+    sys.exit(f"demo.py: {failed.__context__ or failed}")
