@@ -106,7 +106,7 @@ def under(emulator, library):
 
 
 def measure(run, program, daemon, options, names=()):
-    """Runs the program and gives {name: counts}."""
+    """Runs the program and returns {name: counts}."""
     with subprocess.Popen([*daemon, *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                           text=True) as serving:
         network, dapi = serving.stdout.readline().split()

@@ -81,7 +81,7 @@ class __attribute__((visibility("default"))) NetworkgRPC {
 
   /// A switch mode: one way to use the device's network ports.
   struct SwitchMode {
-    /// Id as the daemon reports it. SetSwitchMode takes this id plus one.
+    /// Id as the daemon reports it. SetSwitchMode expects this id plus one.
     std::int32_t id = 0;
     /// Display name as the daemon reports it.
     std::string name;

@@ -1,7 +1,7 @@
 #!/usr/bin/env bats
 # What the shared object exports, and how it is linked.
 #
-# ctest gives: LIBRARY the shared object, PROGRAM one that is linked with it, FUNCTIONS a
+# Environment: LIBRARY the shared object, PROGRAM one that is linked with it, FUNCTIONS a
 # program that lists the table of functions, SOURCE_TREE, NM and READELF of the build.
 
 bats_require_minimum_version 1.5.0

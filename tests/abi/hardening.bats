@@ -1,7 +1,7 @@
 #!/usr/bin/env bats
 # How the shared object and the programs are hardened against attacks.
 #
-# ctest gives: OBJECTS the shared object and the programs, a line each, FORTIFIED
+# Environment: OBJECTS the shared object and the programs, a line each, FORTIFIED
 # whether functions of the C library check their buffers (only an optimising build
 # can), NM and READELF the build's own binutils.
 

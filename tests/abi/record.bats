@@ -2,7 +2,7 @@
 # The exported interface compared with its record, and whether the comparison detects
 # every kind of change.
 #
-# ctest gives: LIBRARY, the shared object with debug information; RECORD, the
+# Environment: LIBRARY, the shared object with debug information; RECORD, the
 # record for its size of addresses; SOURCE_TREE; OBJCOPY.
 
 bats_require_minimum_version 1.5.0
@@ -42,7 +42,7 @@ breaks_programs() {
   breaks_programs
 }
 
-@test "a field in unused bytes breaks programs" {
+@test "a new field in unused bytes breaks programs" {
   earlier '/^type NetworkgRPC::InterfaceInfo: .* active$/ d'
   breaks_programs
 }
@@ -52,7 +52,7 @@ breaks_programs() {
   breaks_programs
 }
 
-@test "a function that went breaks programs" {
+@test "a removed function breaks programs" {
   earlier 's/_ZN9DantegRPC6RebootEv/_ZN9DantegRPC7RestartEv/'
   breaks_programs
   grep -q "DantegRPC::Restart()" <<<"$output"
@@ -78,24 +78,24 @@ breaks_programs() {
   breaks_programs
 }
 
-@test "an RPC between the others breaks daemons" {
+@test "a new RPC between the others breaks daemons" {
   earlier 's/^(type .*Service: virtual function )[0-9]+(: .*Service11GetHostname)/\199\2/'
   breaks_programs
   grep -q "Service::GetHostname" <<<"$output"
 }
 
-@test "an RPC after the others breaks daemons" {
+@test "a new RPC after the others breaks daemons" {
   earlier '/Service22GetRoutingForInterface/ d'
   breaks_programs
 }
 
-@test "a function that came asks for a new record only" {
+@test "an added function only requires a new record" {
   earlier '/^function setampname:/ d'
   run -1 check "$EARLIER"
   grep -q "the interface has grown" <<<"$output"
 }
 
-@test "a library without debug information is refused" {
+@test "a library without debug information is rejected" {
   cp "$LIBRARY" "$BATS_TEST_TMPDIR/stripped.so"
   "$OBJCOPY" --strip-debug "$BATS_TEST_TMPDIR/stripped.so"
   LIBRARY="$BATS_TEST_TMPDIR/stripped.so" run -1 check "$RECORD"

@@ -3,7 +3,7 @@
 // again at the next call.
 //
 // gRPC ends the process when it gets no memory, so none of its allocations may fail, nor
-// those of protobuf: see CMakeLists.txt for how the library's own are told from them.
+// those of protobuf: see CMakeLists.txt for how the library's own are distinguished from them.
 #include <gtest/gtest.h>
 
 #include <cstring>

@@ -1,7 +1,7 @@
 #!/usr/bin/env bats
 # What configuring this project does, and what becomes of the user's flags.
 #
-# ctest gives: SOURCE_TREE; CMAKE, CC and CXX, the tools of the build.
+# Environment: SOURCE_TREE; CMAKE, CC and CXX, the tools of the build.
 
 # shellcheck disable=SC2154 # run sets output and status
 bats_require_minimum_version 1.5.0

@@ -16,7 +16,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Ends a test that would hang; far longer than any job takes.
+// Ends a test that would hang; far longer than any job needs.
 constexpr std::chrono::seconds kLimit{NETWORKGRPC_TEST_SECONDS - 10};
 
 struct Running {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bats
 # The size of the shared object, and the work at load.
 #
-# ctest gives: LIBRARY the shared object, OWN and GENERATED the object files it is
+# Environment: LIBRARY the shared object, OWN and GENERATED the object files it is
 # made of, separated by spaces, BUDGETS what is allowed, STRIP and READELF the
 # build's own binutils.
 

@@ -79,7 +79,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Link record = dante::ToRecord(id, link);
   CheckRecord(id, link, record);
   CheckRequest(record);
-  // A combination that no reply gives.
+  // A combination that no reply results in.
   record.isRaw = !record.isRaw;
   CheckRequest(record);
   return 0;

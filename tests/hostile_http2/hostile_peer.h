@@ -23,7 +23,7 @@ class HostilePeer {
   std::string Url() const;
 
   /// Serves one client until it disconnects, or is silent for 50 ms after a changed
-  /// frame, or for 10 s otherwise. From then on every connection is refused.
+  /// frame, or for 10 s otherwise. From then on every connection is rejected.
   void Serve();
 
   /// Whether a reply had more bytes than its one message.

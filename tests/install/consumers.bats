@@ -182,7 +182,7 @@ words() { tr -s ' \n' ' ' <<<"$output"; }
   [[ "$(words)" == *"component Client needs what is not installed: grpc++_unsecure, protobuf-lite "* ]]
 }
 
-@test "asking for the package alone gives the clients too when gRPC is there" {
+@test "find_package without components defines the clients, too, if gRPC is installed" {
   find_in_project 'find_package(NetworkgRPC REQUIRED)' \
     'if(NOT TARGET NetworkgRPC::NetworkgRPC OR NOT TARGET NetworkgRPC::Client)' \
     '  message(FATAL_ERROR "a target is missing")' 'endif()'

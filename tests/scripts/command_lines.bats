@@ -1,7 +1,7 @@
 #!/usr/bin/env bats
 # The command lines of the scripts: help, unknown arguments, and where they are called from.
 #
-# ctest gives: SOURCE_TREE.
+# Environment: SOURCE_TREE.
 
 # shellcheck disable=SC2154 # run sets output and status
 bats_require_minimum_version 1.5.0

@@ -1,7 +1,7 @@
 #!/usr/bin/env bats
 # Both programs judge a state document alike and report it alike.
 #
-# ctest gives: SIMULATOR and TOOL, the programs.
+# Environment: SIMULATOR and TOOL, the programs.
 
 # shellcheck disable=SC2154 # set by run
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bats
 # Every help page of both programs is at most 80 columns wide.
 #
-# ctest gives: TOOL and SIMULATOR, the programs.
+# Environment: TOOL and SIMULATOR, the programs.
 
 bats_require_minimum_version 1.5.0
 

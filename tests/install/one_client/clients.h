@@ -1,4 +1,4 @@
-// What every module of this process tells about the clients that it sees.
+// What every module of this process reports about the clients that it sees.
 #pragma once
 
 struct Clients {
