@@ -112,8 +112,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[in] name  Sent unchanged, even if empty.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetName(const std::string& name);
 
   /// Reads the firmware version.
@@ -168,7 +169,8 @@ class __attribute__((visibility("default"))) DantegRPC {
   ///   failure.
   /// @return
   ///   - `true`: the rates were appended.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetAvailableSampleRates(std::vector<int>& rates);
 
   /// Reads the sample rate.
@@ -177,7 +179,8 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[out] rate  In the daemon's unit. Unchanged on failure.
   /// @return
   ///   - `true`: `rate` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetSampleRate(int& rate);
 
   /// Sets the sample rate.
@@ -186,8 +189,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[in] rate  In the daemon's unit. Sent without a check against the supported rates.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetSampleRate(int rate);
 
   /// Reads the latency.
@@ -196,7 +200,8 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[out] latency  In the daemon's unit. Unchanged on failure.
   /// @return
   ///   - `true`: `latency` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetLatency(int& latency);
 
   /// Sets the latency.
@@ -205,8 +210,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[in] latency  In the daemon's unit; the range is not checked.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetLatency(int latency);
 
   /// Reads whether the module supports AES67.
@@ -215,7 +221,8 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[out] available  `true`: supported. Unchanged on failure.
   /// @return
   ///   - `true`: `available` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetAES67Available(bool& available);
 
   /// Reads whether AES67 is on.
@@ -224,7 +231,8 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[out] enabled  `true`: on. Unchanged on failure.
   /// @return
   ///   - `true`: `enabled` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetAES67Status(bool& enabled);
 
   /// Turns AES67 on or off.
@@ -233,8 +241,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[in] enabled  `true`: on.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetAES67(bool enabled);
 
   /// Reads whether transmission is disabled.
@@ -243,8 +252,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[out] disabled  `true`: nothing is transmitted. `false` on failure.
   /// @return
   ///   - `true`: `disabled` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (`disabled` is set to `false`,
-  ///     an error line is printed).
+  ///   - `false`: the request failed (`disabled` is set to `false`, an error line is printed).
+  ///   - `false`: a std::exception was caught (`disabled` is set to `false`, an error line is
+  ///     printed).
   static bool GetDisableTx(bool& disabled);
 
   /// Disables or enables transmission.
@@ -253,8 +263,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[in] disabled  `true`: nothing is transmitted.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetDisableTx(bool disabled);
 
   /// Reads whether the module is PTP slave only.
@@ -263,8 +274,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[out] slave_only  `true`: slave only. `false` on failure.
   /// @return
   ///   - `true`: `slave_only` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (`slave_only` is set to
-  ///     `false`, an error line is printed).
+  ///   - `false`: the request failed (`slave_only` is set to `false`, an error line is printed).
+  ///   - `false`: a std::exception was caught (`slave_only` is set to `false`, an error line is
+  ///     printed).
   static bool GetPtpSlaveOnly(bool& slave_only);
 
   /// Makes the module PTP slave only, or allows it to become master.
@@ -273,8 +285,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[in] slave_only  `true`: slave only.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetPtpSlaveOnly(bool slave_only);
 
   /// Restarts the Dante side by asking the network-manager daemon, at the endpoint in
@@ -285,8 +298,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// RPC: ReloadNetworkConfig. Blocks without a deadline, thread-safe (see DantegRPC).
   /// @return
   ///   - `true`: the daemon confirmed the reload.
-  ///   - `false`: the daemon rejected the reload, the request failed, or a std::exception was
-  ///     caught (an error line is printed).
+  ///   - `false`: the daemon rejected the reload (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool Reboot();
 
   /// @}
@@ -301,7 +315,8 @@ class __attribute__((visibility("default"))) DantegRPC {
   ///   records appended before a caught exception stay.
   /// @return
   ///   - `true`: the records were appended.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetTxChannels(std::vector<Channel>& channels);
 
   /// Appends the receive channels, in the daemon's order.
@@ -311,7 +326,8 @@ class __attribute__((visibility("default"))) DantegRPC {
   ///   records appended before a caught exception stay.
   /// @return
   ///   - `true`: the records were appended.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetRxChannels(std::vector<Channel>& channels);
 
   /// Counts the transmit and the receive channels. The second request is made even if the first
@@ -334,8 +350,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @return
   ///   - `true`: the daemon confirmed the change.
   ///   - `false`: the label is empty (no RPC is made, an error line is printed).
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetTxChannelName(const Channel& channel);
 
   /// @}
@@ -354,8 +371,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   ///   before the failed one stay.
   /// @return
   ///   - `true`: the records were appended.
-  ///   - `false`: a request failed, or a std::exception was caught (an error line is printed). No
-  ///     further channel is requested.
+  ///   - `false`: a request failed (an error line is printed). No further channel is requested.
+  ///   - `false`: a std::exception was caught (an error line is printed). No further channel is
+  ///     requested.
   static bool GetTapping(std::vector<ChannelLink>& links);
 
   /// Subscribes one receive channel. If `isRaw` is `true` and `ip` is not empty, both names and all
@@ -367,8 +385,9 @@ class __attribute__((visibility("default"))) DantegRPC {
   /// @param[in] link  `rxChannelId`: the channel; the other fields: what to subscribe to.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetTapping(const ChannelLink& link);
 
   /// @}

@@ -102,8 +102,9 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   ///   record appended before a caught exception stays.
   /// @return
   ///   - `true`: the records were appended.
-  ///   - `false`: the configuration or status request failed or returned an empty list, or a
-  ///     std::exception was caught (an error line is printed).
+  ///   - `false`: the configuration or the status request failed (an error line is printed).
+  ///   - `false`: one of them returned an empty list (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   ///   - `false`: the switch mode cannot be read (nothing is printed).
   static bool GetDanteInterfacesInfo(std::vector<InterfaceInfo>& out);
 
@@ -117,8 +118,9 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[in,out] out  One record is appended. Unchanged on failure.
   /// @return
   ///   - `true`: the record was appended.
-  ///   - `false`: the configuration or status request failed or returned an empty list, or a
-  ///     std::exception was caught (an error line is printed).
+  ///   - `false`: the configuration or the status request failed (an error line is printed).
+  ///   - `false`: one of them returned an empty list (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   ///   - `false`: the control interface is unresolved (no RPC is made, nothing is printed).
   static bool GetControlInterfacesInfo(std::vector<InterfaceInfo>& out);
 
@@ -133,10 +135,11 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   ///   records appended before a caught exception stay.
   /// @return
   ///   - `true`: the records were appended.
-  ///   - `true`: nothing was appended because the daemon lists no interface or because the
-  ///     configuration or status request failed (nothing is printed).
-  ///   - `false`: the list request failed, or a std::exception was caught (an error line is
+  ///   - `true`: nothing was appended: the daemon lists no interface (nothing is printed).
+  ///   - `true`: nothing was appended: the configuration or the status request failed (nothing is
   ///     printed).
+  ///   - `false`: the list request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetAllIPv4(std::vector<InterfaceInfo>& out);
 
   /// Finds the MAC address of the first interface with the given name.
@@ -146,7 +149,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[out] mac  MAC address exactly as the daemon sent it. Unchanged on failure.
   /// @return
   ///   - `true`: `mac` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   ///   - `false`: no interface has this name (an error line that ends in "interface not found" is
   ///     printed).
   static bool GetMACAddress(const std::string& name, std::string& mac);
@@ -161,7 +165,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[out] label  The label. Unchanged on failure.
   /// @return
   ///   - `true`: `label` was set.
-  ///   - `false`: no role has this id, or a std::exception was caught (an error line is printed).
+  ///   - `false`: no role has this id (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetTarvoInterfaceName(int id, std::string& label);
 
   /// @}
@@ -182,8 +187,9 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   ///   error line is printed; the result does not change.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   ///   - `false`: the interface is unresolved (no RPC is made, nothing is printed).
   static bool SetDanteIP(const InterfaceInfo& info, int secondary, bool reload);
 
@@ -202,8 +208,9 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   ///   error line is printed; the result does not change.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetControlIP(const InterfaceInfo& info, bool reload);
 
   /// Stores the addressing of any interface. Addressing is static if info.mode is 1 and info.ip and
@@ -219,8 +226,9 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   ///   error line is printed; the result does not change.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetGenericIP(int id, const InterfaceInfo& info, bool reload);
 
   /// @}
@@ -235,7 +243,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   ///   records appended before a caught exception stay.
   /// @return
   ///   - `true`: the records were appended.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetSwitchModes(std::vector<SwitchMode>& modes);
 
   /// Reads the stored switch mode.
@@ -244,7 +253,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[out] mode  Id and name of the mode. Unchanged on failure.
   /// @return
   ///   - `true`: `mode` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetConfiguredSwitchMode(SwitchMode& mode);
 
   /// Reads the switch mode in effect.
@@ -253,7 +263,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[out] mode  Id and name of the mode. Unchanged on failure.
   /// @return
   ///   - `true`: `mode` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetCurrentSwitchMode(SwitchMode& mode);
 
   /// Selects a switch mode. Note the offset: SetSwitchMode(1) selects the mode that GetSwitchModes
@@ -263,8 +274,9 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[in] mode  One more than the id that the getters report; the range is not checked.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetSwitchMode(int mode);
 
   /// @}
@@ -278,7 +290,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[out] hostname  The name; may be empty. Unchanged on failure.
   /// @return
   ///   - `true`: `hostname` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetHostname(std::string& hostname);
 
   /// Sets the host name.
@@ -287,8 +300,9 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[in] hostname  Sent unchanged, even if empty.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetHostname(const std::string& hostname);
 
   /// Reads the first NTP server of the stored list.
@@ -297,7 +311,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[out] server  Name or address. Unchanged on failure.
   /// @return
   ///   - `true`: `server` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   ///   - `false`: the list is empty (nothing is printed).
   static bool GetNTPServer(std::string& server);
 
@@ -310,8 +325,9 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   ///   error line is printed; the result does not change.
   /// @return
   ///   - `true`: the daemon confirmed the change.
-  ///   - `false`: the daemon rejected it, the request failed, or a std::exception was caught (an
-  ///     error line is printed).
+  ///   - `false`: the daemon rejected it (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool SetNTPServer(const std::string& server, bool reload);
 
   /// Reads the first DNS server in use.
@@ -320,7 +336,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[out] dns  IP address. Unchanged on failure.
   /// @return
   ///   - `true`: `dns` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   ///   - `false`: no DNS server is in use (nothing is printed).
   static bool GetCurrentDNS(std::string& dns);
 
@@ -330,7 +347,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// @param[out] gateway  Dotted IPv4 address; may be empty. Unchanged on failure.
   /// @return
   ///   - `true`: `gateway` was set.
-  ///   - `false`: the request failed, or a std::exception was caught (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool GetDefaultGateway(std::string& gateway);
 
   /// Resets the network settings to factory defaults.
@@ -338,8 +356,9 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// RPC: FactoryReset. Blocks without a deadline, thread-safe (see NetworkgRPC).
   /// @return
   ///   - `true`: the daemon confirmed the reset.
-  ///   - `false`: the daemon rejected the reset, the request failed, or a std::exception was caught
-  ///     (an error line is printed).
+  ///   - `false`: the daemon rejected the reset (an error line is printed).
+  ///   - `false`: the request failed (an error line is printed).
+  ///   - `false`: a std::exception was caught (an error line is printed).
   static bool FactoryReset();
 
   /// @}

@@ -40,8 +40,9 @@ typedef struct cInterfaceInfo {
  * @param[in] max  Number of entries in `out`, at least 1.
  * @return
  *   - 1: the number of entries written.
- *   - -1: the configuration or status request failed or returned an empty list, or a
- *     std::exception was caught (an error line is printed).
+ *   - -1: the configuration or the status request failed (an error line is printed).
+ *   - -1: one of them returned an empty list (an error line is printed).
+ *   - -1: a std::exception was caught (an error line is printed).
  *   - -1: the control interface is unresolved (no RPC is made, nothing is printed).
  *   - -1: `max` is less than 1 (the RPCs are made; nothing is printed if they succeed).
  */
@@ -54,7 +55,8 @@ int cGetControlInterface(cInterfaceInfo* out, int max);
  * @param[out] mode  Id as the daemon reports it. Must not be null. Unchanged on failure.
  * @return
  *   - 0: `mode` was set.
- *   - -1: the request failed, or a std::exception was caught (an error line is printed).
+ *   - -1: the request failed (an error line is printed).
+ *   - -1: a std::exception was caught (an error line is printed).
  */
 int cGetCurrentSwitchMode(int* mode);
 
@@ -76,8 +78,9 @@ int cGetCurrentSwitchMode(int* mode);
  * @param[in] length  0: no name. Any other value: there is a name; the value has no other effect.
  * @return
  *   - 0: the daemon confirmed the change.
- *   - -1: the daemon rejected it, the request failed, or a std::exception was caught (an error line
- *     is printed).
+ *   - -1: the daemon rejected it (an error line is printed).
+ *   - -1: the request failed (an error line is printed).
+ *   - -1: a std::exception was caught (an error line is printed).
  */
 int setampname(const char* name, size_t length);
 
