@@ -1,15 +1,17 @@
-"""Turn the XML of abidw, on standard input, into lines that can be compared and read.
+"""Turn the XML of abidw, on standard input, into sorted lines that can be read and compared.
 
-    function SYMBOL: RESULT PARAMETERS, static   void results, and parameters in the symbol, left out
+    function SYMBOL: RESULT (PARAMETERS) static
     variable SYMBOL: BYTES bytes
     type NAME: BYTES bytes
-    type NAME: at BYTE: TYPE FIELD or base class TYPE
-    type NAME: virtual function N: SYMBOL
+    type NAME: at BYTE: TYPE FIELD
+    type NAME: static: TYPE FIELD
+    type NAME: at BYTE: base class TYPE
+    type NAME: virtual function NUMBER: SYMBOL
     enumerator TYPE::NAME: VALUE
 
-The lines are sorted. Anonymous unions are left out; their members count as those of the type around
-them. The types of the standard library are left out; where they are the type of
-a field, its offset and size show.
+The result is left out if it is void or of a type that abidw was told to leave out, the parameters
+if the symbol contains them. The members of an anonymous union are listed as fields of the type that
+contains it. Types of the standard library have no lines of their own.
 """
 
 import re
@@ -30,7 +32,7 @@ def find_scopes(node, scope):
         if child.get("id"):
             scopes[child.get("id")] = scope
         named = child.tag in ("namespace-decl", "class-decl", "union-decl")
-        find_scopes(child, scope + [child.get("name")] if named else scope)
+        find_scopes(child, scope + [child.get("name", "")] if named else scope)
 
 
 def type_name(identity):
@@ -47,12 +49,15 @@ def type_name(identity):
         return " ".join([type_name(inner), *words])
     if node.tag == "array-type-def":
         return type_name(inner) + "".join(f"[{part.get('length')}]" for part in node)
+    if node.tag == "function-type":
+        parameters = [type_name(part.get("type-id")) for part in node.iter("parameter")]
+        return f"{type_name(node.find('return').get('type-id'))}({', '.join(parameters)})"
     name = "::".join([*scopes[identity], node.get("name")])
     return "std::string" if name == STRING else name
 
 
 def in_bytes(bits):
-    return f"{int(bits) / 8:g}"
+    return f"{int(bits) / 8:.15g}"
 
 
 def add_function(function, static):
@@ -76,7 +81,8 @@ def add_fields(name, node, start):
         field = member.find("var-decl")
         if field.get("name"):
             field_type = type_name(field.get("type-id"))
-            lines.add(f"type {name}: at {in_bytes(offset)}: {field_type} {field.get('name')}")
+            place = "static" if member.get("static") == "yes" else f"at {in_bytes(offset)}"
+            lines.add(f"type {name}: {place}: {field_type} {field.get('name')}")
         else:  # the members of an anonymous union belong to the type that contains it
             add_fields(name, by_id[field.get("type-id")], offset)
 
@@ -114,7 +120,6 @@ for symbol in root.iterfind("elf-function-symbols/elf-symbol"):
 for symbol in root.iterfind("elf-variable-symbols/elf-symbol"):
     if not re.match("_ZT[IS]N8ostrevan", symbol.get("name")):
         lines.add(f"variable {symbol.get('name')}: {symbol.get('size')} bytes")
-
 
 
 def by_number(line):
