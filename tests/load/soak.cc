@@ -9,7 +9,6 @@
 #include <mutex>
 #include <optional>
 #include <random>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -17,6 +16,7 @@
 #include "support/child_program.h"
 #include "support/outcome.h"
 #include "support/parallel.h"
+#include "tests/faults/stderr_lines.h"
 #include "tests/load/process_size.h"
 
 namespace {
@@ -69,12 +69,11 @@ class Mix {
 
   /// Every line that was printed must be one of the library's, or gRPC's own.
   void CheckLines(const std::string& printed) {
-    static const std::regex foreign("[EID][0-9]{4} .*");
     std::istringstream stream(printed);
     for (std::string line; std::getline(stream, line);) {
       if (lines.count(line) != 0) {
         ++figures.lines;
-      } else if (std::regex_match(line, foreign)) {
+      } else if (faults::IsGrpcLine(line)) {
         ++figures.foreign_lines;
       } else {
         if (++figures.torn_lines < 10) std::printf("unknown line: %s\n", line.c_str());
