@@ -1,26 +1,16 @@
 #include "simulator/state.h"
 
-#include <sys/stat.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <fstream>
 #include <limits>
 #include <set>
-#include <stdexcept>
 
 #include "simulator/state_members.h"
 #include "state_document/document.h"
+#include "state_document/save_file.h"
 
 namespace simulator {
 namespace {
 
 using state_document::Document;
-
-[[noreturn]] void ThrowUnwritable(const std::string& file) {
-  throw std::runtime_error("cannot write " + file + ": " + std::strerror(errno));
-}
 
 // The document knows the words for a fault, but not the methods.
 void CheckFaults(const Document& document, const std::vector<Fault>& faults) {
@@ -44,9 +34,6 @@ State FromDocument(const Document& document, const State& defaults) {
   return state;
 }
 
-// What becomes the file once it is complete.
-std::string Fresh(const std::string& file) { return file + ".new"; }
-
 }  // namespace
 
 void NumberInterfaces(const Json& entries, std::vector<Interface>& interfaces) {
@@ -54,18 +41,19 @@ void NumberInterfaces(const Json& entries, std::vector<Interface>& interfaces) {
   std::set<std::int32_t> taken{0};
   for (const Json& entry : entries)
     if (entry.contains("id")) taken.insert(entry["id"].get<std::int32_t>());
-  for (std::size_t i = 0; i < interfaces.size(); ++i)
-    if (!entries[i].contains("id") && !taken.insert(interfaces[i].id).second)
-      interfaces[i].id = kNoInterface;
-  std::int32_t next = *taken.rbegin();
+  std::vector<std::size_t> unnumbered;
   for (std::size_t i = 0; i < interfaces.size(); ++i) {
-    Interface& interface = interfaces[i];
-    if (interface.id != kNoInterface) continue;
+    const std::int32_t id = interfaces[i].id;
+    if (entries[i].contains("id")) continue;
+    if (id == kNoInterface || !taken.insert(id).second) unnumbered.push_back(i);
+  }
+  std::int32_t next = *taken.rbegin();
+  for (const std::size_t i : unnumbered) {
     do next = next < kLast ? next + 1 : 1;
     while (!taken.insert(next).second);
-    interface.id = next;
+    interfaces[i].id = next;
     if (next < 10 && !entries[i].contains("mac"))
-      interface.mac.back() = static_cast<char>('0' + next);
+      interfaces[i].mac.back() = static_cast<char>('0' + next);
   }
 }
 
@@ -99,28 +87,8 @@ std::string WriteState(State state) {
   return state_document::ToText(writer.Take());
 }
 
-void CheckSavable(const std::string& file) {
-  struct stat found {};
-  if (stat(file.c_str(), &found) == 0 && S_ISDIR(found.st_mode)) {
-    errno = EISDIR;
-    ThrowUnwritable(file);
-  }
-  const std::string fresh = Fresh(file);
-  if (!std::ofstream(fresh, std::ios::binary | std::ios::trunc)) ThrowUnwritable(file);
-  std::remove(fresh.c_str());
-}
-
 void SaveState(const std::string& file, const State& state) {
-  const std::string fresh = Fresh(file);
-  std::ofstream stream(fresh, std::ios::binary | std::ios::trunc);
-  stream << WriteState(state);
-  stream.close();
-  if (!stream || std::rename(fresh.c_str(), file.c_str()) != 0) {
-    const int error = errno;
-    std::remove(fresh.c_str());
-    errno = error;
-    ThrowUnwritable(file);
-  }
+  state_document::SaveFile(file, WriteState(state));
 }
 
 }  // namespace simulator

@@ -26,12 +26,10 @@ State ReadState(const std::string& text, const std::string& name, const State& d
 /// the same state.
 std::string WriteState(State state);
 
-/// The same from and to a file, which is replaced as a whole or not at all. Throw
-/// std::runtime_error if the file cannot be read or written.
+/// The same from and to a file, which is replaced as a whole or not at all
+/// (state_document/save_file.h). Throw std::runtime_error if the file cannot be
+/// read or written.
 State LoadState(const std::string& file, const State& defaults);
 void SaveState(const std::string& file, const State& state);
-
-/// Throws what SaveState would throw for a file that cannot be written.
-void CheckSavable(const std::string& file);
 
 }  // namespace simulator

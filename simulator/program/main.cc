@@ -1,16 +1,19 @@
 // networkgrpc-simulator: the simulated device as a program. It prints one line with
-// its endpoints to standard output and serves until SIGTERM or SIGINT. With `ctl`,
-// it sends commands to a running simulator.
+// its endpoints to standard output and serves until SIGTERM, SIGINT or SIGHUP. With
+// `ctl`, it sends commands to a running simulator.
 //
 // Exit status: 0 ended by a signal, --help, --version, or all commands of ctl
 // succeeded; 1 it cannot serve or save, or a command of ctl failed; 2 the command
 // line is wrong.
 #include <pthread.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <stdexcept>
 
@@ -19,7 +22,7 @@
 #include "simulator/program/control_commands.h"
 #include "simulator/program/control_socket.h"
 #include "simulator/program/program_options.h"
-#include "simulator/state.h"
+#include "state_document/save_file.h"
 #include "terminal/printable.h"
 
 namespace {
@@ -48,6 +51,17 @@ std::vector<Builder> Prepare(const ProgramOptions& options) {
   return devices;
 }
 
+// Before anything starts, too.
+void CheckSaves(const std::vector<std::string>& files) {
+  std::map<std::string, std::string> named;
+  for (const std::string& file : files) {
+    const auto [other, is_new] = named.emplace(state_document::CheckSavable(file), file);
+    if (!is_new)
+      throw std::runtime_error("cannot save two devices to one file: " + other->second + " and " +
+                               file);
+  }
+}
+
 void PrintReadyLines(const std::vector<Simulator>& devices, const std::string& control) {
   for (const Simulator& device : devices) {
     std::cout << "ready network_manager_url=" << device.NetworkManagerUrl()
@@ -55,7 +69,18 @@ void PrintReadyLines(const std::vector<Simulator>& devices, const std::string& c
     if (!control.empty()) std::cout << " control=unix:" << control;
     std::cout << '\n';
   }
-  std::cout.flush();
+  if (!std::cout.flush())
+    throw std::runtime_error(std::string("cannot print the ready line: standard output: ") +
+                             std::strerror(errno));
+}
+
+void PrintError(const std::exception& error) {
+  std::cerr << simulator::kProgramName << ": " << terminal::Printable(error.what()) << '\n';
+}
+
+bool IsIgnored(int signal) {
+  struct sigaction action {};
+  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 sigset_t EndingSignals() {
@@ -63,15 +88,34 @@ sigset_t EndingSignals() {
   sigemptyset(&ending);
   sigaddset(&ending, SIGTERM);
   sigaddset(&ending, SIGINT);
+  if (!IsIgnored(SIGHUP)) sigaddset(&ending, SIGHUP);  // ignored by nohup
   return ending;
+}
+
+// Writes every state that can be written. False if one cannot.
+bool SaveAll(std::vector<Simulator>& devices, const std::vector<std::string>& files) {
+  bool are_saved = true;
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    try {
+      devices[i].SaveState(files[i]);
+    } catch (const std::exception& error) {
+      PrintError(error);
+      are_saved = false;
+    }
+  }
+  return are_saved;
 }
 
 int Serve(const ProgramOptions& options) {
   const std::vector<Builder> prepared = Prepare(options);
-  for (const std::string& file : options.saves) simulator::CheckSavable(file);
+  CheckSaves(options.saves);
   // Before any thread starts, so that every thread leaves the signals to sigwait.
   const sigset_t ending = EndingSignals();
   pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+  // A closed standard output or error, or a limit of the size of files, must not
+  // keep the states from being saved: these are reported as errors.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   // gRPC's own lines about a port in use say less than the error below. A user who
   // wants them sets the variable.
   setenv("GRPC_VERBOSITY", "NONE", 0);
@@ -90,8 +134,7 @@ int Serve(const ProgramOptions& options) {
 
   control.reset();
   for (Simulator& device : devices) device.Stop();
-  for (std::size_t i = 0; i < options.saves.size(); ++i) devices[i].SaveState(options.saves[i]);
-  return EXIT_SUCCESS;
+  return SaveAll(devices, options.saves) ? EXIT_SUCCESS : kFailed;
 }
 
 void PrintResult(const std::string& command, const Json& result) {
@@ -124,7 +167,7 @@ int main(int argc, char** argv) {
   try {
     return options->requests.empty() ? Serve(*options) : Ask(*options);
   } catch (const std::exception& error) {
-    std::cerr << simulator::kProgramName << ": " << terminal::Printable(error.what()) << '\n';
+    PrintError(error);
     return kFailed;
   }
 }

@@ -49,7 +49,7 @@ std::string ExitStatusSection() {
   using terminal::Entry;
   return terminal::Section(
       "Exit status",
-      Entry("0", "ended by SIGTERM or SIGINT; with ctl: done") +
+      Entry("0", "ended by SIGTERM, SIGINT or SIGHUP; with ctl: done") +
           Entry("1",
                 "a port or file cannot be used or a state is invalid; with ctl: no simulator can "
                 "be reached, or it rejected the command") +
@@ -133,7 +133,7 @@ void DescribeState(CLI::App& app, ProgramOptions& options, std::vector<std::stri
                 "Start with the state in this JSON file, which may contain comments; once for all "
                 "devices, or once for each");
   AddRepeatable(app, "--save", options.saves, "FILE",
-                "Write the state to this file at exit; once for each device");
+                "Write the state to this regular file at exit; once for each device");
   AddRepeatable(app, "--fault", faults, "METHOD:FAULT",
                 "Inject a fault on every device; can be repeated");
   app.add_option("--devices", options.devices,
@@ -242,7 +242,7 @@ ProgramOptions Parse(CLI::App& app, int argc, char** argv) {
       "Simulate a device: both daemons, on loopback.\n"
       "When both daemons listen, one line on standard output gives their endpoints:\n"
       "  ready network_manager_url=127.0.0.1:PORT grpc_dapi_url=127.0.0.1:PORT\n"
-      "The simulator runs until SIGTERM or SIGINT.");
+      "The simulator runs until SIGTERM, SIGINT or SIGHUP.");
   app.set_version_flag("--version", std::string(kProgramName) + " " + NETWORKGRPC_VERSION,
                        "Print the version and exit");
   DescribePorts(app, options.device);

@@ -1,9 +1,12 @@
 // The simulator as a program: options, ready line, signals, exit status, ctl.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <fstream>
@@ -93,14 +96,36 @@ TEST(Program, PortsGiven_ServesOnThem) {
   EXPECT_EQ(Port(simulator.DapiUrl()), dapi);
 }
 
-TEST(Program, TerminatedOrInterrupted_ExitsWithStatusZero) {
-  for (const int signal : {SIGTERM, SIGINT}) {
+TEST(Program, TerminatedInterruptedOrHungUp_ExitsWithStatusZero) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     SimulatorProcess simulator;
     const Stubs stubs(simulator.NetworkManagerUrl(), simulator.DapiUrl());
     Ask(*stubs.dante, &DanteStub::GetName);  // a connection is open
 
     EXPECT_EQ(simulator.End(signal), 0) << "signal " << signal;
   }
+}
+
+TEST(Program, HangupIsIgnored_RunsOn) {
+  std::signal(SIGHUP, SIG_IGN);  // as nohup does
+  SimulatorProcess simulator;
+  std::signal(SIGHUP, SIG_DFL);
+  const Stubs stubs(simulator.NetworkManagerUrl(), simulator.DapiUrl());
+
+  simulator.Signal(SIGHUP);
+
+  EXPECT_EQ(Ask(*stubs.dante, &DanteStub::GetName).name(), "Amplifier-520001");
+  EXPECT_EQ(simulator.End(SIGTERM), 0);
+}
+
+TEST(Program, StandardOutputIsFull_PrintsThisAndExitsWithStatusOne) {
+  const support::Finished finished = support::Run(
+      {"/bin/sh", "-c", "exec timeout 20 \"$0\" >/dev/full", support::SimulatorProgram()});
+
+  EXPECT_EQ(finished.status, 1);
+  EXPECT_EQ(finished.err,
+            "networkgrpc-simulator: cannot print the ready line: standard output: No space left "
+            "on device\n");
 }
 
 TEST(Program, PortInUse_PrintsWhichAndExitsWithStatusOne) {
@@ -275,12 +300,70 @@ TEST_F(ProgramInFolder, TwoDevicesWithAStateEach_EachIsSaved) {
   EXPECT_THAT(names, ElementsAre("two", "one"));
 }
 
+TEST_F(ProgramInFolder, HungUp_StateIsSaved) {
+  SimulatorProcess simulator({"--save", Path("first.json")});
+  EXPECT_EQ(simulator.End(SIGHUP), 0);
+  EXPECT_EQ(nlohmann::json::parse(Content("first.json"))["dante"]["name"], "Amplifier-520001");
+}
+
+TEST_F(ProgramInFolder, OneFileCannotBeSavedAnyMore_TheOthersAreAndTheStatusIsOne) {
+  SimulatorProcess simulator(
+      {"--devices", "2", "--save", Path("first.json"), "--save", Path("second.json")});
+  simulator.NextDevice();
+  ASSERT_EQ(mkdir(Path("first.json").c_str(), 0700), 0);
+
+  EXPECT_EQ(simulator.End(SIGTERM), 1);
+
+  EXPECT_EQ(nlohmann::json::parse(Content("second.json"))["dante"]["name"], "Amplifier-520002");
+}
+
+TEST_F(ProgramInFolder, ErrorsOfSavingCannotBePrinted_TheOtherFilesAreSaved) {
+  std::array<int, 2> pipe{};
+  ASSERT_EQ(pipe2(pipe.data(), O_CLOEXEC), 0);
+  const int before = dup(STDERR_FILENO);
+  dup2(pipe[1], STDERR_FILENO);
+  SimulatorProcess simulator(
+      {"--devices", "2", "--save", Path("first.json"), "--save", Path("second.json")});
+  dup2(before, STDERR_FILENO);
+  for (const int file : {pipe[0], pipe[1], before}) close(file);  // nobody reads the errors
+  simulator.NextDevice();
+  ASSERT_EQ(mkdir(Path("first.json").c_str(), 0700), 0);
+
+  EXPECT_EQ(simulator.End(SIGTERM), 1);
+
+  EXPECT_EQ(nlohmann::json::parse(Content("second.json"))["dante"]["name"], "Amplifier-520002");
+}
+
+TEST_F(ProgramInFolder, SavesToWhatIsNoRegularFile_FailsBeforeAnythingStarts) {
+  ASSERT_EQ(symlink("/dev/full", Path("first.json").c_str()), 0);
+
+  const support::Finished finished = RunSimulator({"--save", Path("first.json")});
+
+  EXPECT_EQ(finished.status, 1);
+  EXPECT_THAT(finished.out, IsEmpty());
+  EXPECT_EQ(finished.err,
+            "networkgrpc-simulator: cannot write " + Path("first.json") + ": not a regular file\n");
+}
+
+TEST_F(ProgramInFolder, SavesTwoDevicesToOneFileOfTwoNames_FailsBeforeAnythingStarts) {
+  ASSERT_EQ(symlink("second.json", Path("first.json").c_str()), 0);
+
+  const support::Finished finished = RunSimulator(
+      {"--devices", "2", "--save", Path("first.json"), "--save", Path("./second.json")});
+
+  EXPECT_EQ(finished.status, 1);
+  EXPECT_THAT(finished.out, IsEmpty());
+  EXPECT_EQ(finished.err, "networkgrpc-simulator: cannot save two devices to one file: " +
+                              Path("first.json") + " and " + Path("./second.json") + "\n");
+}
+
 TEST_F(ProgramInFolder, FileCannotBeSaved_FailsBeforeAnythingStarts) {
   const support::Finished finished = RunSimulator({"--save", Path("none/state.json")});
 
   EXPECT_EQ(finished.status, 1);
   EXPECT_THAT(finished.out, IsEmpty());
   EXPECT_EQ(finished.err, "networkgrpc-simulator: cannot write " + Path("none/state.json") +
+                              ": cannot use folder " + Path("none/") +
                               ": No such file or directory\n");
 }
 

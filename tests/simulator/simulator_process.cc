@@ -74,9 +74,11 @@ std::string SimulatorProcess::Value(const std::string& key) const {
   return ready_line.substr(start + key.size(), end - start - key.size());
 }
 
+void SimulatorProcess::Signal(int signal) const { kill(process, signal); }
+
 // It prints nothing more, so its output becomes readable when it ends.
 int SimulatorProcess::End(int signal) {
-  kill(process, signal);
+  Signal(signal);
   if (!WaitFor(out)) kill(process, SIGKILL);
   close(out);
   int status = 0;

@@ -29,6 +29,7 @@ class SimulatorProcess {
   std::string NetworkManagerUrl() const { return Value("network_manager_url="); }
   std::string DapiUrl() const { return Value("grpc_dapi_url="); }
 
+  void Signal(int signal) const;
   /// Sends the signal and waits for the end, at most 20 seconds. Returns the exit
   /// status, or 128 plus the signal that ended it.
   int End(int signal);
