@@ -8,16 +8,26 @@
 namespace simulator {
 namespace {
 
-// Enough for a long test; a device that is polled for days must not grow.
+// Enough for a long test; a device that is polled for days must not grow, nor one
+// that receives the longest requests that gRPC accepts.
 constexpr std::size_t kMostCalls = 10000;
+constexpr std::size_t kMostBytes = std::size_t{16} * 1024 * 1024;
+
+std::size_t BytesOf(const ReceivedCall& call) {
+  return sizeof call + call.method.size() + call.request.size() + call.fault.size();
+}
 
 }  // namespace
 
 void CallLog::Record(ReceivedCall call) {
   const std::lock_guard<std::mutex> lock(mutex);
   call.number = ++received;
+  bytes += BytesOf(call);
   calls.push_back(std::move(call));
-  if (calls.size() > kMostCalls) calls.pop_front();
+  while (calls.size() > kMostCalls || (bytes > kMostBytes && calls.size() > 1)) {
+    bytes -= BytesOf(calls.front());
+    calls.pop_front();
+  }
   recorded.notify_all();
 }
 
@@ -29,6 +39,7 @@ std::vector<ReceivedCall> CallLog::Calls() const {
 void CallLog::Clear() {
   const std::lock_guard<std::mutex> lock(mutex);
   calls.clear();
+  bytes = 0;
 }
 
 bool CallLog::WaitFor(const std::string& method, std::size_t count,

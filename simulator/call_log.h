@@ -26,7 +26,8 @@ class CallLog {
  public:
   /// Numbers the call and records it.
   void Record(ReceivedCall call);
-  /// The latest calls, oldest first; at most 10,000.
+  /// The latest calls, oldest first: at most 10,000, and at most 16 MiB of them,
+  /// but always the latest.
   std::vector<ReceivedCall> Calls() const;
   /// Removes all calls; numbers go on.
   void Clear();
@@ -38,6 +39,7 @@ class CallLog {
   mutable std::mutex mutex;
   std::condition_variable recorded;
   std::deque<ReceivedCall> calls;
+  std::size_t bytes = 0;  // of `calls`
   std::uint64_t received = 0;
 };
 

@@ -87,7 +87,8 @@ class Simulator {
 
   // --- Calls received ---
 
-  /// The latest calls, oldest first; at most 10,000.
+  /// The latest calls, oldest first: at most 10,000, and at most 16 MiB of them,
+  /// but always the latest.
   std::vector<ReceivedCall> Calls() const;
   void ForgetCalls();
   /// Waits until at least `count` calls of the method, in the form of
