@@ -20,8 +20,13 @@ constexpr const char* kMalformed =
     "\x0a\x7f"
     "ab";
 
-// "GetName" of "/ostrevan.grpcdapi.DAPI/GetName".
-std::string MethodOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+// The method that a path such as "/ostrevan.grpcdapi.DAPI/GetName" names; null for
+// that of another service and for any other spelling.
+const Method* FindMethodAt(const std::string& path, Daemon daemon) {
+  const std::string service = '/' + std::string(ServiceOf(daemon)) + '/';
+  if (path.compare(0, service.size(), service) != 0) return nullptr;
+  return FindMethod(daemon, path.substr(service.size()));
+}
 
 }  // namespace
 
@@ -31,13 +36,16 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
  public:
   Call(Dispatcher& receiver, const grpc::GenericCallbackServerContext& context)
       : dispatcher(receiver),
-        method(FindMethod(receiver.daemon, MethodOf(context.method()))),
+        method(FindMethodAt(context.method(), receiver.daemon)),
         peer(context.peer()) {
-    StartRead(&request);
+    if (method == nullptr) {
+      Finish({grpc::StatusCode::UNIMPLEMENTED, "no such method"});
+    } else {
+      StartRead(&request);
+    }
   }
 
   void OnReadDone(bool ok) override {
-    if (method == nullptr) return Finish({grpc::StatusCode::UNIMPLEMENTED, "no such method"});
     if (!ok) return Finish({grpc::StatusCode::INTERNAL, "no request"});
     bytes = ToString(request);
     const std::string name = FullName(dispatcher.daemon, method->name);

@@ -2,9 +2,17 @@
 
 #include <algorithm>
 
+#include "ostrevan/grpcdapi.grpc.pb.h"
+#include "ostrevan/networkmanager.grpc.pb.h"
 #include "simulator/service.h"
 
 namespace simulator {
+
+const char* ServiceOf(Daemon daemon) {
+  return daemon == Daemon::kNetworkManager
+             ? ostrevan::networkmanager::NetworkManager::service_full_name()
+             : ostrevan::grpcdapi::DAPI::service_full_name();
+}
 
 const std::vector<Method>& MethodsOf(Daemon daemon) {
   static const std::vector<Method> network = NetworkMethods();

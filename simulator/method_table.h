@@ -26,6 +26,9 @@ struct Method {
   std::function<Json(const std::string& request)> show;
 };
 
+/// The service with its package, "ostrevan.grpcdapi.DAPI".
+const char* ServiceOf(Daemon daemon);
+
 const std::vector<Method>& MethodsOf(Daemon daemon);
 
 /// Null if the daemon has no such method.

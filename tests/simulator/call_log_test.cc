@@ -19,13 +19,16 @@ class CallLog : public support::SimulatedDevice {
  protected:
   // Calls a method of the Dante API daemon with these bytes.
   StatusCode CallWithBytes(const std::string& method, const std::string& bytes) {
+    return CallPath("/ostrevan.grpcdapi.DAPI/" + method, bytes);
+  }
+  StatusCode CallPath(const std::string& path, const std::string& bytes) {
     grpc::GenericStub stub(support::ChannelTo(device.DapiUrl()));
     const grpc::ByteBuffer request = simulator::ToByteBuffer(bytes);
     grpc::ByteBuffer reply;
     grpc::ClientContext context;
     context.set_deadline(support::In20Seconds());
     std::promise<grpc::Status> status;
-    stub.UnaryCall(&context, "/ostrevan.grpcdapi.DAPI/" + method, {}, &request, &reply,
+    stub.UnaryCall(&context, path, {}, &request, &reply,
                    [&](grpc::Status ended) { status.set_value(std::move(ended)); });
     return status.get_future().get().error_code();
   }
@@ -94,6 +97,42 @@ TEST_F(CallLog, UnknownMethod_IsUnimplementedEvenWithAFaultAndNotRecorded) {
   EXPECT_EQ(CallWithBytes("GetBogus", ""), StatusCode::UNIMPLEMENTED);
   EXPECT_EQ(CallWithBytes("GetHostname", ""), StatusCode::UNIMPLEMENTED);
   EXPECT_THAT(device.Calls(), IsEmpty());
+}
+
+TEST_F(CallLog, PathOfAnotherService_IsUnimplementedAndNotRecorded) {
+  ASSERT_EQ(CallPath("/ostrevan.grpcdapi.DAPI/GetName", ""), StatusCode::OK);
+  device.ForgetCalls();
+
+  for (const char* path :
+       {"/ostrevan.networkmanager.NetworkManager/GetName", "/ostrevan.grpcdapi.dapi/GetName",
+        "/ostrevan.grpcdapi.DAPI/getname", "/ostrevan.grpcdapi.DAPI/", "/ostrevan.grpcdapi.DAPI",
+        "/ostrevan.grpcdapi.DAPI/GetName/", "/ostrevan.grpcdapi.DAPI//GetName",
+        "//ostrevan.grpcdapi.DAPI/GetName", "/x/ostrevan.grpcdapi.DAPI/GetName",
+        "/xostrevan.grpcdapi.DAPI/GetName", "/ostrevan.grpcdapi.DAPI.GetName",
+        "/ostrevan.grpcdapi/GetName", "/grpcdapi.DAPI/GetName", "/DAPI/GetName", "/GetName",
+        "ostrevan.grpcdapi.DAPI/GetName", "GetName", "/"})
+    EXPECT_EQ(CallPath(path, ""), StatusCode::UNIMPLEMENTED) << path;
+
+  EXPECT_THAT(device.Calls(), IsEmpty());
+}
+
+TEST(CallLogAlone, MoreBytesThanTheLimit_ForgetsTheOldestButNeverTheLatest) {
+  constexpr std::size_t kMiB = std::size_t{1024} * 1024;
+  simulator::CallLog log;
+  for (int i = 0; i < 100; ++i) log.Record({0, "DAPI.SetName", std::string(kMiB, 'x'), ""});
+  EXPECT_THAT(log.Calls(), SizeIs(15));  // and their other members
+  EXPECT_EQ(log.Calls().back().number, 100U);
+
+  log.Record({0, "DAPI.SetName", std::string(20 * kMiB, 'x'), ""});
+  EXPECT_THAT(log.Calls(), SizeIs(1));
+
+  log.Record({0, "DAPI.GetName", "{}", std::string(kMiB, 'x')});
+  EXPECT_THAT(log.Calls(), SizeIs(1));
+
+  log.Clear();
+  log.Record({0, "DAPI.GetName", "{}", ""});
+  log.Record({0, "DAPI.GetName", "{}", ""});
+  EXPECT_THAT(log.Calls(), SizeIs(2));
 }
 
 TEST(CallLogAlone, MoreCallsThanTheLimit_ForgetsTheOldest) {
