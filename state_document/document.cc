@@ -1,5 +1,7 @@
 #include "state_document/document.h"
 
+#include <sys/stat.h>
+
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -16,6 +18,16 @@ namespace {
 [[noreturn]] void ThrowUnreadable(const std::string& name) {
   const std::string reason = std::strerror(errno);
   throw std::runtime_error("cannot read " + name + ": " + reason);
+}
+
+// Opening a device may act on it, and it may have no end.
+void CheckReadable(const std::string& file) {
+  struct stat found {};
+  if (stat(file.c_str(), &found) != 0) ThrowUnreadable(file);
+  if (S_ISREG(found.st_mode) || S_ISFIFO(found.st_mode)) return;
+  errno = EISDIR;
+  if (S_ISDIR(found.st_mode)) ThrowUnreadable(file);
+  throw std::runtime_error("cannot read " + file + ": not a regular file or a pipe");
 }
 
 }  // namespace
@@ -64,6 +76,7 @@ Document Read(std::istream& stream, const std::string& name) {
 }
 
 Document ReadFile(const std::string& file) {
+  CheckReadable(file);
   std::ifstream stream(file, std::ios::binary);
   if (!stream) ThrowUnreadable(file);
   return Read(stream, file);

@@ -44,7 +44,8 @@ class Document {
   std::map<std::string, std::vector<std::size_t>> lines;  // of the entries of a list, by its path
 };
 
-/// Throw BadDocument, and std::runtime_error if the text cannot be read.
+/// Throw BadDocument, and std::runtime_error if the text cannot be read. A file must
+/// be a regular file or a pipe.
 Document Read(std::istream& stream, const std::string& name);
 Document ReadFile(const std::string& file);
 

@@ -2,8 +2,11 @@
 // limits of size, depth and time.
 #include "state_document/document.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include <array>
 #include <ctime>
 #include <fstream>
 
@@ -95,8 +98,28 @@ TEST(Document, IsTooLarge_IsRejected) {
             "file.json:1: the document: must not be larger than 16 MiB");
 }
 
-TEST(Document, FileHasNoEnd_IsRejected) {
-  EXPECT_EQ(Unreadable("/dev/zero"), "/dev/zero:1: the document: must not be larger than 16 MiB");
+TEST(Document, TextHasNoEnd_IsRejected) {
+  std::ifstream zeros("/dev/zero");
+  try {
+    state_document::Read(zeros, "-");
+    FAIL();
+  } catch (const BadDocument& bad) {
+    EXPECT_STREQ(bad.what(), "-:1: the document: must not be larger than 16 MiB");
+  }
+}
+
+TEST(Document, FileIsADevice_IsRejectedByName) {
+  for (const std::string device : {"/dev/zero", "/dev/null", "/dev/tty"})
+    EXPECT_EQ(Unreadable(device), "cannot read " + device + ": not a regular file or a pipe");
+}
+
+TEST(Document, FileIsAPipe_IsRead) {
+  std::array<int, 2> pipe{};
+  ASSERT_EQ(pipe2(pipe.data(), O_CLOEXEC), 0);
+  ASSERT_EQ(write(pipe[1], "{\"schema\": 1}", 13), 13);
+  close(pipe[1]);
+  EXPECT_EQ(ReadFile("/dev/fd/" + std::to_string(pipe[0])).Root().dump(), R"({"schema":1})");
+  close(pipe[0]);
 }
 
 TEST(Document, FileCannotBeRead_IsReportedWithTheReason) {
