@@ -1,10 +1,14 @@
-// What all Python functions share: release the interpreter's lock during the call,
-// return what was read, raise CallFailed if the C++ function returned false.
+// What all Python functions share: copy the arguments, release the interpreter's lock
+// during the call, return what was read, raise CallFailed if the C++ function returned
+// false.
 #pragma once
 
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -12,6 +16,25 @@
 namespace python {
 
 namespace py = pybind11;
+
+/// An argument, copied before the interpreter's lock is released: another thread may
+/// change a record during the call. Nothing is converted: by itself, pybind11 makes a
+/// string from bytes, a flag from None and a whole number from a fraction.
+template <class Value>
+struct Copied {
+  Value value{};
+};
+
+/// Takes the interpreter's lock again. If the interpreter is ending, it ends the thread by
+/// unwinding, at which C++ would end the process. Instead, the thread waits for the end of
+/// the process, as Python itself lets it from 3.14 on.
+inline void TakeLock(PyThreadState* state) {
+  try {
+    PyEval_RestoreThread(state);
+  } catch (...) {
+    for (;;) pause();
+  }
+}
 
 /// Raises networkgrpc.CallFailed.
 [[noreturn]] inline void Raise(const std::string& function, const py::dict& arguments) {
@@ -45,10 +68,10 @@ class Functions {
                          const char* doc) const {
     module.def(
         name,
-        [function, full = FullName(name), key](const std::decay_t<Key>& about) {
+        [function, full = FullName(name), key](const Copied<std::decay_t<Key>>& about) {
           Value value{};
           Make(
-              full, [&] { return function(about, value); }, std::pair(key, about));
+              full, [&] { return function(about.value, value); }, std::pair(key, about.value));
           return value;
         },
         key, doc);
@@ -62,9 +85,11 @@ class Functions {
     static_assert(sizeof...(Arguments) == sizeof...(Names), "a name for each argument");
     module.def(
         name,
-        [function, full = FullName(name), names...](const std::decay_t<Arguments>&... arguments) {
+        [function, full = FullName(name),
+         names...](const Copied<std::decay_t<Arguments>>&... arguments) {
           Make(
-              full, [&] { return function(arguments...); }, std::pair(names, arguments)...);
+              full, [&] { return function(arguments.value...); },
+              std::pair(names, arguments.value)...);
         },
         names..., doc);
     return *this;
@@ -77,10 +102,9 @@ class Functions {
 
   template <class Call, class... Named>
   static void Make(const std::string& function, Call&& call, const Named&... arguments) {
-    const bool done = [&] {
-      const py::gil_scoped_release unlocked;
-      return call();
-    }();
+    PyThreadState* const state = PyEval_SaveThread();
+    const bool done = call();
+    TakeLock(state);
     if (done) return;
     py::dict by_name;
     ((by_name[arguments.first.name] = arguments.second), ...);
@@ -90,20 +114,49 @@ class Functions {
   py::module_& module;
 };
 
-/// Adds a record class that is constructed, compared and printed like a dataclass.
+/// Makes a record class copyable and picklable. What a derived class adds is kept.
+template <class Record, class... Types>
+void DefinePickling(py::class_<Record>& type, std::pair<const char*, Types Record::*>... fields) {
+  type.def(py::pickle(
+      [fields...](const py::object& self) {
+        const auto& record = self.cast<const Record&>();
+        py::dict members;
+        ((members[fields.first] = record.*fields.second), ...);
+        return py::make_tuple(members, py::getattr(self, "__dict__", py::dict()).attr("copy")());
+      },
+      [fields...](const py::tuple& state) {
+        const py::dict members = state[0];
+        Record record;
+        ((record.*fields.second = members[fields.first].template cast<Copied<Types>>().value), ...);
+        return std::pair(record, py::dict(state[1]));
+      }));
+  // Older protocols cannot create an object of C++; with them, Python ends the process.
+  type.def("__reduce_ex__", [](const py::object& self, int protocol) {
+    const py::object object = py::module_::import("builtins").attr("object");
+    return object.attr("__reduce_ex__")(self, std::max(protocol, 2));
+  });
+}
+
+/// Adds a record class that is constructed, copied, compared and printed like a dataclass.
 template <class Record, class... Types>
 void Define(py::module_& module, const char* name, const char* doc,
             std::pair<const char*, Types Record::*>... fields) {
   // The default metaclass is enough: these classes have no static properties.
   py::class_<Record> type(module, name, doc,
                           py::metaclass(reinterpret_cast<PyObject*>(&PyType_Type)));
-  type.def(py::init([fields...](const Types&... values) {
+  type.def(py::init([fields...](const Copied<Types>&... arguments) {
              Record record;
-             ((record.*fields.second = values), ...);
+             ((record.*fields.second = arguments.value), ...);
              return record;
            }),
            py::kw_only(), (py::arg(fields.first) = Record().*fields.second)...);
-  (type.def_readwrite(fields.first, fields.second), ...);
+  (type.def_property(
+       fields.first, [member = fields.second](const Record& record) { return record.*member; },
+       py::cpp_function([member = fields.second](
+                            Record& record, const Copied<Types>& to) { record.*member = to.value; },
+                        py::name(fields.first))),
+   ...);
+  DefinePickling(type, fields...);
   type.def(
       "__eq__",
       [fields...](const Record& one, const Record& other) {
@@ -126,3 +179,20 @@ std::pair<const char*, Type Record::*> Field(const char* name, Type Record::*mem
 }
 
 }  // namespace python
+
+namespace pybind11::detail {
+
+template <class Value>
+struct type_caster<python::Copied<Value>> {
+  PYBIND11_TYPE_CASTER(python::Copied<Value>, make_caster<Value>::name);
+
+  bool load(handle source, bool /*convert*/) {
+    if (std::is_same_v<Value, std::string> && !PyUnicode_Check(source.ptr())) return false;
+    make_caster<Value> unconverted;
+    if (!unconverted.load(source, false)) return false;
+    value.value = cast_op<const Value&>(unconverted);
+    return true;
+  }
+};
+
+}  // namespace pybind11::detail

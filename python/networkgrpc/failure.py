@@ -20,6 +20,14 @@ class CallFailed(Exception):
         self.function = function
         self.arguments = arguments
 
+    # A program prints the exception when something has gone wrong already. So this
+    # raises nothing, whatever the attributes have become.
     def __str__(self) -> str:
-        arguments = ", ".join(f"{name}={value!r}" for name, value in self.arguments.items())
-        return f"{self.function}({arguments}) failed"
+        try:
+            arguments = ", ".join(f"{name}={value!r}" for name, value in self.arguments.items())
+        except Exception:  # pylint: disable=broad-except
+            arguments = "..."
+        try:
+            return f"{self.function}({arguments}) failed"
+        except Exception:  # pylint: disable=broad-except
+            return "networkgrpc.CallFailed"

@@ -72,12 +72,24 @@ def run():
     return run_program
 
 
+# What code that asks the device can use besides the package.
+PRELUDE = """\
+import subprocess
+from networkgrpc import *
+def ctl(*words):
+    return subprocess.run([*CTL, *words], check=True, capture_output=True, text=True).stdout
+def wait_for_call(method):
+    while method not in ctl("calls"): pass
+"""
+
+
 @pytest.fixture
 def ask(device: Device, run):
     """Runs Python code that asks the simulated device; what it prints, or the failure."""
 
     def ask_device(code: str) -> str:
-        ended = run(sys.executable, "-c", "from networkgrpc import *\n" + code, **device.environment)
+        command = [device.simulator, "ctl", "--control", str(device.socket)]
+        ended = run(sys.executable, "-c", f"CTL = {command}\n{PRELUDE}{code}", **device.environment)
         assert ended.returncode == 0, ended.stderr
         return ended.stdout
 

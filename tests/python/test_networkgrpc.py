@@ -151,45 +151,6 @@ def test_absent_daemon_raises_from_readers_and_changers(run):
     assert ended.stderr.count("libNetworkgRPC: ") == 3
 
 
-def test_other_threads_run_during_a_call(device, ask):
-    device.ctl("fault", "DAPI.GetLatency:freeze")
-    ctl = [os.environ["SIMULATOR"], "ctl", "--control", str(device.socket)]
-    told = ask(
-        "import subprocess, threading\n"
-        "latency = []\n"
-        "caller = threading.Thread(target=lambda: latency.append(dante.get_latency()))\n"
-        "caller.start()\n"
-        # Only when the call has arrived and is held is the fault taken back.
-        f"while 'GetLatency' not in subprocess.run({ctl + ['calls']}, check=True,"
-        " capture_output=True, text=True).stdout: pass\n"
-        f"subprocess.run({ctl + ['clear', 'all']}, check=True)\n"
-        "caller.join()\n"
-        "print(latency)\n"
-    )
-    assert told == "[1000]\n"
-
-
-def test_records_are_made_compared_and_shown_like_dataclasses():
-    info = network.InterfaceInfo(mode=1, ip="10.0.0.1")
-    assert (info.mode, info.ip, info.netmask, info.active) == (1, "10.0.0.1", "", False)
-    assert info == network.InterfaceInfo(ip="10.0.0.1", mode=1)
-    assert info != network.InterfaceInfo()
-    assert info != "10.0.0.1"
-    info.name = "lan0"
-    assert repr(info) == (
-        "InterfaceInfo(mode=1, name='lan0', ip='10.0.0.1', netmask='', gateway='', mac='',"
-        " dns='', active=False, id=0)"
-    )
-    assert eval(repr(info), vars(network)) == info  # pylint: disable=eval-used
-    with pytest.raises(TypeError):
-        hash(info)
-    with pytest.raises(TypeError):
-        dante.ChannelLink(value2=-1)
-    with pytest.raises(TypeError):
-        dante.Channel(1, "positional")
-    assert dante.ChannelLink(session_id=2**64 - 1).session_id == 2**64 - 1
-
-
 def test_examples_tell_what_those_in_cxx_and_c_do(device, run):
     overview = run(sys.executable, str(EXAMPLES / "overview.py"), **device.environment)
     assert overview.returncode == 0, overview.stderr
@@ -248,6 +209,11 @@ def test_readme_does_what_it_shows(device, run):
     shown = run(sys.executable, "-c", code[1], **device.environment)
     assert shown.stdout == "amplifier\n", shown.stderr
     assert '"name": "Studio B"' in device.ctl("state")
+
+
+def test_version_is_that_of_the_project():
+    project = (SOURCES / "CMakeLists.txt").read_text(encoding="utf-8")
+    assert networkgrpc.__version__ == re.search(r"^project\(.*VERSION ([0-9.]+)", project, re.M | re.S)[1]
 
 
 def test_stubs_say_what_the_modules_have(run):
