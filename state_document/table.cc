@@ -77,11 +77,11 @@ const std::vector<Member>& Table() {
       {"schema", kOne, kSettable | kRequired, "The form of this document"},
 
       {"network.hostname", kString, kSettable},
-      {"network.ntp[]", kString, kSettable, "Stored NTP servers; import sets exactly one"},
+      {"network.ntp[]", kString, kSettable, "Stored NTP servers"},
       {"network.switch_mode", kInt32, kSettable, "Id of the stored mode"},
       {"network.interfaces[].name", kString, kSettable | kKey},
       {"network.interfaces[].mode", NameOrNumber(kAddressingModes), kSettable,
-       "A number if the mode has no name; import sets static and dynamic only"},
+       "A number if the mode has no name"},
       {"network.interfaces[].ip", kString, kSettable, "Stored, also when not in effect"},
       {"network.interfaces[].netmask", kString, kSettable},
       {"network.interfaces[].gateway", kString, kSettable},

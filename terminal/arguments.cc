@@ -1,10 +1,12 @@
 #include "terminal/arguments.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <functional>
+#include <numeric>
 #include <sstream>
+#include <utility>
 
 namespace terminal {
 namespace {
@@ -17,20 +19,58 @@ CLI::Validator Must(const std::string& be, const std::function<bool(const std::s
           ""};
 }
 
-bool IsInteger(const std::string& text, std::int64_t least, std::uint64_t most) {
-  char* end = nullptr;
-  errno = 0;
-  // The base is that of CLI11's own conversion, which follows.
-  if (text.find('-') != std::string::npos) {
-    if (std::strtoll(text.c_str(), &end, 0) < least) return false;
-  } else {
-    const std::uint64_t number = std::strtoull(text.c_str(), &end, 0);
-    if (number > most || (least > 0 && number < static_cast<std::uint64_t>(least))) return false;
+template <class Number>
+bool Fits(const std::string& text, Number least, Number most) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto [stopped, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && stopped == end && number >= least && number <= most;
+}
+
+// The number of characters to insert, remove or replace.
+std::size_t Distance(const std::string& from, const std::string& to) {
+  std::vector<std::size_t> row(to.size() + 1);
+  std::iota(row.begin(), row.end(), 0U);
+  for (std::size_t i = 0; i < from.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < to.size(); ++j) {
+      const std::size_t replaced = diagonal + (from[i] == to[j] ? 0U : 1U);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+    }
   }
-  return errno == 0 && end != text.c_str() && *end == '\0';
+  return row.back();
+}
+
+std::vector<std::string> CommandsAndOptions(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::App* it : command.get_subcommands(nullptr)) names.push_back(it->get_name());
+  for (const CLI::App* of : {&command, command.get_parent()})
+    for (const CLI::Option* it :
+         of != nullptr ? of->get_options() : std::vector<const CLI::Option*>())
+      for (const std::string& name : it->get_lnames()) names.push_back("--" + name);
+  return names;
+}
+
+// The option or argument that a message of the parser begins with.
+std::string Culprit(const std::string& message) {
+  return message.substr(0, message.find_first_of(": "));
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  if (at != std::string::npos) text.replace(at, from.size(), to);
+  return text;
 }
 
 }  // namespace
+
+bool IsInteger(const std::string& text, std::int64_t least, std::uint64_t most) {
+  if (!text.empty() && text.front() == '-')
+    return Fits<std::int64_t>(text, least, std::numeric_limits<std::int64_t>::max());
+  return Fits<std::uint64_t>(text, static_cast<std::uint64_t>(std::max<std::int64_t>(least, 0)),
+                             most);
+}
 
 CLI::Validator Integer(std::int64_t least, std::uint64_t most) {
   return Must("an integer from " + std::to_string(least) + " to " + std::to_string(most),
@@ -56,14 +96,42 @@ CLI::Validator OneOf(const std::vector<std::string>& words) {
   });
 }
 
+const CLI::App* FindCommand(const CLI::App& parent, const std::string& name) {
+  for (const CLI::App* it : parent.get_subcommands(nullptr))
+    if (it->get_name() == name) return it;
+  return nullptr;
+}
+
+std::string Unknown(const CLI::App& command, const std::string& word) {
+  std::size_t least = std::max<std::size_t>(word.size() / 3, 1) + 1;  // else no misspelling
+  std::string meant;
+  for (const std::string& name : CommandsAndOptions(command)) {
+    const std::size_t distance = Distance(word, name);
+    if (distance >= least) continue;
+    least = distance;
+    meant = name;
+  }
+  return "unexpected argument '" + word + "'" +
+         (meant.empty() ? "" : "; did you mean '" + meant + "'?");
+}
+
 std::string Explain(const CLI::App& program, const CLI::ParseError& error) {
-  const std::vector<std::string> unknown = program.remaining(true);
-  if (!unknown.empty()) return "unexpected argument '" + unknown.front() + "'";
   const CLI::App* command = &program;
   while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
-  const bool lacks_something = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
-  if (lacks_something && command->get_require_subcommand_min() != 0) return "a command is required";
-  return error.what();
+  const std::vector<std::string> unknown = program.remaining(true);
+  if (!unknown.empty()) return Unknown(*command, unknown.front());
+  const std::string message = error.what();
+  const std::string& kind = error.get_name();
+  if (kind == "RequiredError" && command->get_require_subcommand_min() != 0)
+    return "a command is required";
+  if (message.find("flag override") != std::string::npos)
+    return "--" + Culprit(message) + " does not have a value";
+  if (kind == "ArgumentMismatch")
+    return message.find("missing") != std::string::npos
+               ? Culprit(message) + " requires a value"
+               : Culprit(message) + " can be given only once";
+  if (kind == "ExcludesError") return Replaced(message, " excludes ", " cannot be combined with ");
+  return message;
 }
 
 }  // namespace terminal

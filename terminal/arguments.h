@@ -5,18 +5,28 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace terminal {
 
+/// Whether the text is a decimal integer in this range, and nothing else.
+bool IsInteger(const std::string& text, std::int64_t least, std::uint64_t most);
+
 CLI::Validator Integer(std::int64_t least, std::uint64_t most);
 
-/// An argument or option that accepts every integer of its type.
+/// An argument or option that accepts every integer of its type, in decimal: "010" is ten.
 template <class Number>
 CLI::Option* AddInteger(CLI::App& command, const std::string& name, Number& value,
                         const std::string& description) {
   using Limits = std::numeric_limits<Number>;
-  return command.add_option(name, value, description)
+  const auto store = [&value](const std::string& text) {
+    if constexpr (std::is_signed_v<Number>)
+      value = static_cast<Number>(std::stoll(text));
+    else
+      value = static_cast<Number>(std::stoull(text));
+  };
+  return command.add_option_function<std::string>(name, store, description)
       ->check(Integer(static_cast<std::int64_t>(Limits::min()),
                       static_cast<std::uint64_t>(Limits::max())));
 }
@@ -26,8 +36,13 @@ CLI::Validator Seconds(double least);
 
 CLI::Validator OneOf(const std::vector<std::string>& words);
 
-/// What is wrong with a command line that `program` cannot parse: the first word
-/// that nothing accepts, if there is one.
+/// The command of this name right below `parent`; null if there is none.
+const CLI::App* FindCommand(const CLI::App& parent, const std::string& name);
+
+/// What is wrong with `word`, which `command` does not know, and what was perhaps meant.
+std::string Unknown(const CLI::App& command, const std::string& word);
+
+/// What is wrong with a command line that `program` cannot parse.
 std::string Explain(const CLI::App& program, const CLI::ParseError& error);
 
 }  // namespace terminal

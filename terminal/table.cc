@@ -43,6 +43,16 @@ std::string Bold(const std::string& text) {
   return HasColour() && !text.empty() ? "\033[1m" + text + "\033[0m" : text;
 }
 
+Table& Table::Add(Row row) {
+  if (!headings.empty()) {
+    row.resize(headings.size());
+    for (std::string& cell : row)
+      if (cell.empty()) cell = "-";
+  }
+  rows.push_back(std::move(row));
+  return *this;
+}
+
 std::string Table::Text() const {
   std::vector<int> widths;
   Measure(headings, widths);

@@ -15,13 +15,10 @@ class Table {
  public:
   using Row = std::vector<std::string>;
 
-  /// Without headings, only the rows are printed.
+  /// With headings, an empty cell is printed as "-", so that scripts can cut columns.
   explicit Table(Row headings_or_none = {}) : headings(std::move(headings_or_none)) {}
 
-  Table& Add(Row row) {
-    rows.push_back(std::move(row));
-    return *this;
-  }
+  Table& Add(Row row);
 
   /// One line per row, each cell as Printable makes it, cells two columns apart;
   /// no blanks at the end of a line.

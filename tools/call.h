@@ -1,73 +1,120 @@
-// Calls of the library that throw a Failure which tells apart: rejected, not
-// found, cannot be reached. The library's functions return only true or false.
+// Calls of the daemons. Each ends within the time limit, and a failure says what has
+// become of it: not done, or not known.
 #pragma once
 
-#include <grpcpp/support/status.h>
+#include <grpcpp/channel.h>
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
-#include <utility>
-#include <vector>
+#include <type_traits>
 
+#include "ostrevan/common.pb.h"
 #include "tools/daemon.h"
 #include "tools/failure.h"
-#include "tools/time_limit.h"
+#include "tools/rpc.h"
 
 namespace tool {
 
-/// One cheap call of the daemon, through its client class.
-grpc::Status Probe(Daemon daemon);
+/// Set from the command line before the first call.
+struct CallOptions {
+  double timeout = 30;       // seconds a call may take
+  double total_timeout = 0;  // seconds all calls may take; 0: no limit
+  bool verbose = false;      // report each call on standard error
+};
+void SetCallOptions(const CallOptions& options);
 
-/// True if a call with this status got no reply: also if the endpoint is empty,
-/// when no call is made. An error status is a reply.
-bool IsUnreachable(Daemon daemon, const grpc::Status& status);
+/// While one lives, the total time limit stands still: a person may think.
+class Pause {
+ public:
+  Pause();
+  ~Pause();
 
-/// Why `action`, such as "set the host name", failed: what a probe shows.
-Failure Explain(Daemon daemon, const std::string& action);
+  Pause(const Pause&) = delete;
+  Pause& operator=(const Pause&) = delete;
 
-/// Calls a function of the library, and throws if it returns false.
-template <class Function>
-void Do(Daemon daemon, const std::string& action, Function&& function) {
-  time_limit::Calling(daemon);
-  if (!std::forward<Function>(function)()) throw Explain(daemon, action);
+ private:
+  double began;
+};
+
+/// What the failure of a call reports.
+struct Asked {
+  Daemon daemon;
+  const char* rpc;
+  std::string action;  // such as "set the host name"
+  bool changes = false;
+};
+
+/// The channel to a daemon, made when it is first needed.
+const std::shared_ptr<grpc::Channel>& ChannelTo(Daemon daemon);
+
+/// Calls and returns; throws a Failure unless the status is OK.
+void Call(const Asked& asked, const std::function<grpc::Status(grpc::ClientContext&)>& call);
+
+/// For a change that the daemon's reply declines.
+[[noreturn]] void ThrowRejected(const Asked& asked);
+
+template <class Stub>
+Stub& StubOf() {
+  static Stub stub(ChannelTo(kDaemonOf<Stub>));
+  return stub;
 }
 
-/// The same for a function with one output.
-template <class Value, class Function>
-Value Get(Daemon daemon, const std::string& action, Function&& function) {
-  Value value{};
-  Do(daemon, action, [&] { return function(value); });
-  return value;
+/// An RPC that changes nothing.
+template <class Stub, class Request, class Reply>
+Reply Read(const Rpc<Stub, Request, Reply>& rpc, const std::string& action,
+           const Request& request = {}) {
+  Reply reply;
+  Call({kDaemonOf<Stub>, rpc.name, action}, [&](grpc::ClientContext& context) {
+    return (StubOf<Stub>().*rpc.method)(&context, request, &reply);
+  });
+  return reply;
 }
 
-/// Where a person finds which objects there are, and whether the one in question
-/// is among them; also true if they cannot be listed.
+/// An RPC that changes something, which the daemon must confirm.
+template <class Stub, class Request, class Reply>
+void Change(const Rpc<Stub, Request, Reply>& rpc, const std::string& action,
+            const Request& request = {}) {
+  Reply reply;
+  const Asked asked{kDaemonOf<Stub>, rpc.name, action, true};
+  Call(asked, [&](grpc::ClientContext& context) {
+    return (StubOf<Stub>().*rpc.method)(&context, request, &reply);
+  });
+  if constexpr (!std::is_same_v<Reply, ostrevan::common::Empty>)
+    if (!reply.success()) ThrowRejected(asked);
+}
+
+/// Where a person finds which objects there are, and whether the one in question is
+/// among them.
 struct Listing {
   const char* command;  // such as "channel list"
   std::function<bool()> has_object;
 };
 
-/// The same as Do for a request about one object. If the daemon answers and has
-/// no such object, the failure is kNotFound.
-void DoTo(const Listing& listing, Daemon daemon, const std::string& action,
-          const std::function<bool()>& function);
+Failure NotFound(const Asked& asked, const Listing& listing);
 
-/// The first record with this id; null if there is none.
-template <class Record>
-const Record* FindById(const std::vector<Record>& records, std::int32_t id) {
-  for (const Record& record : records)
-    if (record.id == id) return &record;
-  return nullptr;
+/// The same as Change, for a change of one object. If the daemon answers but does not do
+/// it, and has no such object, the failure is kNotFound.
+template <class Stub, class Request, class Reply>
+void ChangeObject(const Listing& listing, const Rpc<Stub, Request, Reply>& rpc,
+                  const std::string& action, const Request& request) {
+  try {
+    Change(rpc, action, request);
+  } catch (const Failure& failure) {
+    const bool is_answer =
+        failure.status == ExitStatus::kRejected || failure.status == ExitStatus::kErrorStatus;
+    if (!is_answer || listing.has_object()) throw;
+    throw NotFound({kDaemonOf<Stub>, rpc.name, action, true}, listing);
+  }
 }
 
-/// The listing that a function of the library reads.
-template <class Record>
-Listing ListedBy(bool (*read)(std::vector<Record>&), std::int32_t id, const char* command) {
-  return {command, [read, id] {
-            std::vector<Record> records;
-            return !read(records) || FindById(records, id) != nullptr;
-          }};
+/// The first entry with this id; null if there is none.
+template <class List>
+auto FindById(const List& entries, std::int32_t id) -> decltype(&*entries.begin()) {
+  for (const auto& entry : entries)
+    if (entry.id() == id) return &entry;
+  return nullptr;
 }
 
 }  // namespace tool

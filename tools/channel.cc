@@ -1,5 +1,4 @@
 // networkgrpc channel: the module's transmit and receive channels.
-#include "DantegRPC.h"
 #include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
@@ -9,11 +8,9 @@
 namespace tool {
 namespace {
 
-constexpr auto kDaemon = Daemon::kDante;
-
-Json ToJson(const std::vector<DantegRPC::Channel>& channels) {
+Json ToJson(const dapi::Channels& channels) {
   Json list = Json::array();
-  for (const auto& channel : channels) list.push_back({{"id", channel.id}, {"name", channel.name}});
+  for (const auto& it : channels.channels()) list.push_back({{"id", it.id()}, {"name", it.name()}});
   return list;
 }
 
@@ -31,10 +28,7 @@ std::string ShowList(const Json& result) {
 }
 
 Json Count() {
-  int tx = 0;
-  int rx = 0;
-  Do(kDaemon, "count the channels", [&] { return DantegRPC::GetChannelsNum(tx, rx); });
-  return {{"tx", tx}, {"rx", rx}};
+  return {{"tx", ReadTxChannels().channels_size()}, {"rx", ReadRxChannels().channels_size()}};
 }
 
 std::string ShowCount(const Json& result) {
@@ -43,10 +37,7 @@ std::string ShowCount(const Json& result) {
 
 Json Rename(int id, const std::string& name) {
   if (name.empty()) throw Failure(ExitStatus::kUsage, "NAME must not be empty");
-  DoTo(ListedBy(DantegRPC::GetTxChannels, id, "channel list"), kDaemon,
-       "rename transmit channel " + std::to_string(id), [&] {
-         return DantegRPC::SetTxChannelName({id, name});
-       });
+  RenameTxChannel(id, name);
   return {{"id", id}, {"name", name}};
 }
 

@@ -1,13 +1,12 @@
 // Completion of a command line: the shells' scripts call `networkgrpc __complete`.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
+#include <cstdio>
 #include <iostream>
 
-#include "DantegRPC.h"
-#include "NetworkgRPC.h"
 #include "terminal/printable.h"
+#include "tools/call.h"
+#include "tools/dante.h"
+#include "tools/interface.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -22,49 +21,42 @@ struct Candidate {
 };
 using List = std::vector<Candidate>;
 
-List Channels(bool (*read)(std::vector<DantegRPC::Channel>&)) {
-  std::vector<DantegRPC::Channel> channels;
+List Channels(const dapi::Channels& channels) {
   List list;
-  if (read(channels))
-    for (const auto& it : channels) list.push_back({std::to_string(it.id), it.name});
+  for (const auto& it : channels.channels()) list.push_back({std::to_string(it.id()), it.name()});
   return list;
 }
 
 List Interfaces(bool by_id) {
-  std::vector<NetworkgRPC::InterfaceInfo> interfaces;
   List list;
-  if (NetworkgRPC::GetAllIPv4(interfaces))
-    for (const auto& it : interfaces)
-      list.push_back(by_id ? Candidate{std::to_string(it.id), it.name} : Candidate{it.name, it.ip});
+  for (const Interface& it : ReadInterfaces())
+    list.push_back(by_id ? Candidate{std::to_string(it.id), it.name} : Candidate{it.name, it.role});
   return list;
 }
 
 List SwitchModes() {
-  std::vector<NetworkgRPC::SwitchMode> modes;
   List list;
-  if (NetworkgRPC::GetSwitchModes(modes))
-    for (const auto& it : modes) list.push_back({std::to_string(it.id), it.name});
+  const auto modes = Read(rpc::kGetAvailableSwitchModes, "list the switch modes");
+  for (const auto& it : modes.modes()) list.push_back({std::to_string(it.id()), it.name()});
   return list;
 }
 
 List SampleRates() {
-  std::vector<int> rates;
   List list;
-  if (DantegRPC::GetAvailableSampleRates(rates))
-    for (const int it : rates) list.push_back({std::to_string(it), ""});
+  for (const std::uint32_t it : ReadSampleRates()) list.push_back({std::to_string(it), ""});
   return list;
 }
 
-List Read(Candidates what) {
+List Offered(Candidates what) {
   switch (what) {
     case Candidates::kInterfaceNames:
       return Interfaces(false);
     case Candidates::kInterfaceIds:
       return Interfaces(true);
     case Candidates::kTxChannels:
-      return Channels(DantegRPC::GetTxChannels);
+      return Channels(ReadTxChannels());
     case Candidates::kRxChannels:
-      return Channels(DantegRPC::GetRxChannels);
+      return Channels(ReadRxChannels());
     case Candidates::kSwitchModes:
       return SwitchModes();
     case Candidates::kSampleRates:
@@ -185,18 +177,22 @@ std::string Lines(const List& list, const Position& position) {
   return text;
 }
 
-// The library's error lines would appear in the middle of the command line.
-void Silence() {
-  const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC);
-  if (nothing >= 0) dup2(nothing, STDERR_FILENO);
+// Nothing if the daemon cannot say.
+List FromDevice(Candidates what) {
+  try {
+    return Offered(what);
+  } catch (const Failure&) {
+    return {};
+  }
 }
 
 }  // namespace
 
 int Tool::Complete(const std::vector<std::string>& words) {
   if (words.empty()) return 0;
-  Silence();
-  time_limit::StartQuiet(kLimit);
+  // What gRPC prints would appear in the middle of the command line.
+  if (std::freopen("/dev/null", "w", stderr) == nullptr) return 0;
+  SetCallOptions({kLimit, kLimit, false});
   const Position position(app, words);
   network_manager = position.ValueOf(*app.get_option("--network-manager"));
   dapi = position.ValueOf(*app.get_option("--dapi"));
@@ -208,14 +204,12 @@ int Tool::Complete(const std::vector<std::string>& words) {
     list = Options(position.Command(), app);
   } else if (wanted != nullptr) {
     const auto found = candidates.find(wanted);
-    if (found != candidates.end()) list = Read(found->second);
+    if (found != candidates.end()) list = FromDevice(found->second);
   } else {
     for (const CLI::App* it : position.Command().get_subcommands(nullptr))
       list.push_back({it->get_name(), it->get_description()});
   }
-  const std::string text = Lines(list, position);
-  time_limit::Stop();
-  std::cout << text << std::flush;
+  std::cout << Lines(list, position) << std::flush;
   return 0;
 }
 

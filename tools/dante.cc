@@ -4,13 +4,11 @@
 #include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
+#include "tools/pending.h"
 #include "tools/tool.h"
 
 namespace tool {
 namespace {
-
-constexpr auto kDaemon = Daemon::kDante;
-using Channels = std::vector<DantegRPC::Channel>;
 
 // A command without its argument shows the setting, with it sets it.
 struct Argument {
@@ -22,66 +20,59 @@ struct Argument {
   bool IsOn() const { return text == "on"; }
 };
 
-int ToFacade(std::uint32_t number) { return static_cast<int>(number); }
-
-Json Name(const Argument& name) {
-  if (!name.IsGiven()) return {{"name", ReadDeviceName()}};
-  Do(kDaemon, "set the device name", [&] { return DantegRPC::SetName(name.text); });
-  return {{"name", name.text}};
+Json DeviceName(const Argument& name) {
+  if (name.IsGiven()) SetDeviceName(name.text);
+  return {{"name", name.IsGiven() ? name.text : ReadDeviceName()}};
 }
 
 Json SampleRate(const Argument& rate) {
-  if (rate.IsGiven())
-    Do(kDaemon, "set the sample rate",
-       [&] { return DantegRPC::SetSampleRate(ToFacade(rate.number)); });
+  const auto available = ReadSampleRates();  // before: the change is the last call
+  if (rate.IsGiven()) SetSampleRate(rate.number);
   return {{"sample_rate", rate.IsGiven() ? rate.number : ReadSampleRate()},
-          {"available", ReadSampleRates()}};
+          {"available", available}};
 }
 
 Json Latency(const Argument& latency) {
-  if (!latency.IsGiven()) return {{"latency", ReadLatency()}};
-  Do(kDaemon, "set the latency", [&] { return DantegRPC::SetLatency(ToFacade(latency.number)); });
-  return {{"latency", latency.number}};
+  if (latency.IsGiven()) SetLatency(latency.number);
+  return {{"latency", latency.IsGiven() ? latency.number : ReadLatency()}};
 }
 
 Json Aes67(const Argument& state) {
-  if (state.IsGiven())
-    Do(kDaemon, "switch AES67 " + state.text, [&] { return DantegRPC::SetAES67(state.IsOn()); });
   const bool available =
-      Get<bool>(kDaemon, "read whether AES67 is available", DantegRPC::GetAES67Available);
+      Read(rpc::kGetIsAES67Available, "read whether AES67 is available").status();
+  if (state.IsGiven()) SetAes67(state.IsOn());
   return {{"aes67", state.IsGiven() ? state.IsOn() : ReadAes67()}, {"available", available}};
 }
 
-Json Transmit(const Argument& state) {
-  if (state.IsGiven())
-    Do(kDaemon, "switch transmission " + state.text,
-       [&] { return DantegRPC::SetDisableTx(!state.IsOn()); });
+Json Transmit(Tool& tool, const Argument& state) {
+  if (state.IsGiven() && !state.IsOn())
+    tool.Confirm({"the module will stop transmitting audio on all channels"});
+  if (state.IsGiven()) SetTransmitDisabled(!state.IsOn());
   return {{"transmit", state.IsGiven() ? state.IsOn() : !ReadTransmitDisabled()}};
 }
 
 Json PtpSlaveOnly(const Argument& state) {
-  if (state.IsGiven())
-    Do(kDaemon, "switch PTP slave-only mode " + state.text,
-       [&] { return DantegRPC::SetPtpSlaveOnly(state.IsOn()); });
+  if (state.IsGiven()) SetPtpSlaveOnly(state.IsOn());
   return {{"ptp_slave_only", state.IsGiven() ? state.IsOn() : ReadPtpSlaveOnly()}};
 }
 
 Json Version() {
-  return {{"software",
-           Get<std::string>(kDaemon, "read the software version", DantegRPC::GetSoftwareVersion)},
-          {"firmware",
-           Get<std::string>(kDaemon, "read the firmware version", DantegRPC::GetFirmwareVersion)}};
+  return {{"software", Read(rpc::kGetSoftwareVersion, "read the software version").version()},
+          {"firmware", Read(rpc::kGetFirmwareVersion, "read the firmware version").version()}};
 }
 
 Json Model() {
-  return {
-      {"name", Get<std::string>(kDaemon, "read the model name", DantegRPC::GetModelName)},
-      {"version", Get<std::string>(kDaemon, "read the model version", DantegRPC::GetModelVersion)}};
+  return {{"name", Read(rpc::kGetModelName, "read the model name").name()},
+          {"version", Read(rpc::kGetModelVersion, "read the model version").version()}};
 }
 
 Json Reboot(Tool& tool) {
-  tool.Confirm("restarting the Dante module interrupts audio", "Restart it?");
-  Do(Daemon::kNetworkManager, "restart the Dante module", DantegRPC::Reboot);
+  if (!tool.yes) {
+    auto changes = AlsoApplied(PendingNetworkSettings());
+    changes.insert(changes.begin(), "restarting the Dante module interrupts audio");
+    tool.Confirm(changes);
+  }
+  ReloadNetwork();
   return {{"rebooted", true}};
 }
 
@@ -103,12 +94,22 @@ std::string ShowPairs(const Json& result) {
   return table.Text();
 }
 
+dapi::Status ToStatus(bool on) {
+  dapi::Status status;
+  status.set_status(on);
+  return status;
+}
+
+std::string SwitchAction(const char* what, bool on) {
+  return std::string("switch ") + what + " " + OnOff(on);
+}
+
 // --- Command line --------------------------------------------------------------
 
 struct Setting {
   const char* name;
   const char* description;
-  Json (*run)(const Argument&);
+  std::function<Json(const Argument& argument)> run;
   ToText show;
   const char* example;
 };
@@ -137,64 +138,104 @@ void AddNumber(Tool& tool, CLI::App& noun, const Setting& setting, Candidates ca
   tool.Offer(argument->option, candidates);
 }
 
-void AddSwitch(Tool& tool, CLI::App& noun, const Setting& setting) {
+CLI::App& AddSwitch(Tool& tool, CLI::App& noun, const Setting& setting) {
   const auto argument = std::make_shared<Argument>();
-  argument->option = AddSetting(tool, noun, setting, argument)
-                         .add_option("STATE", argument->text, "on or off")
-                         ->check(terminal::OneOf({"on", "off"}));
+  CLI::App& verb = AddSetting(tool, noun, setting, argument);
+  argument->option =
+      verb.add_option("STATE", argument->text, "on or off")->check(terminal::OneOf({"on", "off"}));
   tool.Offer(argument->option, Candidates::kOnOff);
+  return verb;
 }
 
 }  // namespace
 
-std::string ReadDeviceName() {
-  return Get<std::string>(kDaemon, "read the device name", DantegRPC::GetName);
-}
+std::string ReadDeviceName() { return Read(rpc::kGetName, "read the device name").name(); }
 
 std::uint32_t ReadSampleRate() {
-  return static_cast<std::uint32_t>(
-      Get<int>(kDaemon, "read the sample rate", DantegRPC::GetSampleRate));
+  return Read(rpc::kGetSampleRate, "read the sample rate").samplerate();
 }
 
 std::vector<std::uint32_t> ReadSampleRates() {
-  const auto rates =
-      Get<std::vector<int>>(kDaemon, "list the sample rates", DantegRPC::GetAvailableSampleRates);
-  return {rates.begin(), rates.end()};
+  const auto reply = Read(rpc::kGetAvailableSampleRates, "list the sample rates");
+  return {reply.samplerates().begin(), reply.samplerates().end()};
 }
 
-std::uint32_t ReadLatency() {
-  return static_cast<std::uint32_t>(Get<int>(kDaemon, "read the latency", DantegRPC::GetLatency));
-}
+std::uint32_t ReadLatency() { return Read(rpc::kGetLatency, "read the latency").latency(); }
 
-bool ReadAes67() {
-  return Get<bool>(kDaemon, "read whether AES67 is on", DantegRPC::GetAES67Status);
-}
+bool ReadAes67() { return Read(rpc::kGetAES67Status, "read whether AES67 is on").status(); }
 
 bool ReadTransmitDisabled() {
-  return Get<bool>(kDaemon, "read whether transmission is disabled", DantegRPC::GetDisableTx);
+  return Read(rpc::kGetDisableTxStatus, "read whether transmission is disabled").status();
 }
 
 bool ReadPtpSlaveOnly() {
-  return Get<bool>(kDaemon, "read the PTP slave-only mode", DantegRPC::GetPtpSlaveOnly);
+  return Read(rpc::kGetPtpSlaveOnlyStatus, "read the PTP slave-only mode").status();
 }
 
-Channels ReadTxChannels() {
-  return Get<Channels>(kDaemon, "list the transmit channels", DantegRPC::GetTxChannels);
+void SetDeviceName(const std::string& name) {
+  dapi::Name request;
+  request.set_name(name);
+  Change(rpc::kSetName, "set the device name", request);
 }
 
-Channels ReadRxChannels() {
-  return Get<Channels>(kDaemon, "list the receive channels", DantegRPC::GetRxChannels);
+void SetSampleRate(std::uint32_t rate) {
+  dapi::SampleRate request;
+  request.set_samplerate(rate);
+  Change(rpc::kSetSampleRate, "set the sample rate", request);
 }
 
-std::vector<DantegRPC::ChannelLink> ReadRouting() {
-  return Get<std::vector<DantegRPC::ChannelLink>>(kDaemon, "read the routing",
-                                                  DantegRPC::GetTapping);
+void SetLatency(std::uint32_t latency) {
+  dapi::Latency request;
+  request.set_latency(latency);
+  Change(rpc::kSetLatency, "set the latency", request);
+}
+
+void SetAes67(bool on) { Change(rpc::kSetAES67Status, SwitchAction("AES67", on), ToStatus(on)); }
+
+void SetTransmitDisabled(bool disabled) {
+  Change(rpc::kSetDisableTxStatus, SwitchAction("transmission", !disabled), ToStatus(disabled));
+}
+
+void SetPtpSlaveOnly(bool on) {
+  Change(rpc::kSetPtpSlaveOnlyStatus, SwitchAction("PTP slave-only mode", on), ToStatus(on));
+}
+
+dapi::Channels ReadTxChannels() { return Read(rpc::kGetTxChannels, "list the transmit channels"); }
+
+dapi::Channels ReadRxChannels() { return Read(rpc::kGetRxChannels, "list the receive channels"); }
+
+void RenameTxChannel(std::int32_t id, const std::string& name) {
+  dapi::Channel request;
+  request.set_id(id);
+  request.set_name(name);
+  ChangeObject(
+      {"channel list", [id] { return FindById(ReadTxChannels().channels(), id) != nullptr; }},
+      rpc::kSetTxChannelName, "rename transmit channel " + std::to_string(id), request);
+}
+
+std::vector<dapi::LinkInfo> ReadRouting(const dapi::Channels& receivers) {
+  std::vector<dapi::LinkInfo> links;
+  for (const dapi::Channel& channel : receivers.channels()) {
+    links.push_back(Read(rpc::kGetRxChannelLink,
+                         "read the subscription of receive channel " + std::to_string(channel.id()),
+                         channel));
+    links.back().set_id(channel.id());
+  }
+  return links;
+}
+
+void SetSubscription(const dapi::LinkInfo& link) {
+  const std::int32_t id = link.id();
+  ChangeObject(
+      {"channel list", [id] { return FindById(ReadRxChannels().channels(), id) != nullptr; }},
+      rpc::kSetRxChannelLink, "set the subscription of receive channel " + std::to_string(id),
+      link);
 }
 
 void AddDante(Tool& tool) {
   CLI::App& noun = tool.AddNoun("dante", "Show and set the settings of the Dante module", "");
   AddText(tool, noun,
-          {"name", "Show or set the device name", Name, ShowMember("name"), "'Studio A'"});
+          {"name", "Show or set the device name", DeviceName, ShowMember("name"), "'Studio A'"});
   tool.AddVerb(noun, "version",
                {"Show the software and firmware versions",
                 Version,
@@ -211,9 +252,10 @@ void AddDante(Tool& tool) {
              ShowMember("latency"), "2000"},
             Candidates::kNothing);
   AddSwitch(tool, noun, {"aes67", "Show or set AES67 mode", Aes67, ShowAes67, "on"});
-  AddSwitch(tool, noun,
-            {"transmit", "Show or set whether the module transmits", Transmit,
-             ShowMember("transmit"), "off"});
+  tool.AddYes(AddSwitch(tool, noun,
+                        {"transmit", "Show or set whether the module transmits",
+                         [&tool](const Argument& state) { return Transmit(tool, state); },
+                         ShowMember("transmit"), "off --yes"}));
   AddSwitch(tool, noun,
             {"ptp-slave-only", "Show or set PTP slave-only mode", PtpSlaveOnly,
              ShowMember("ptp_slave_only"), "on"});

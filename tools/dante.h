@@ -1,16 +1,15 @@
-// The settings of the Dante module, as several commands read them.
+// The settings of the Dante module, as several commands read and set them.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "DantegRPC.h"
+#include "ostrevan/grpcdapi.pb.h"
 
 namespace tool {
 
 std::string ReadDeviceName();
-/// Unsigned, as on the wire.
 std::uint32_t ReadSampleRate();
 std::vector<std::uint32_t> ReadSampleRates();
 /// In the daemon's unit.
@@ -19,8 +18,20 @@ bool ReadAes67();
 bool ReadTransmitDisabled();
 bool ReadPtpSlaveOnly();
 
-std::vector<DantegRPC::Channel> ReadTxChannels();
-std::vector<DantegRPC::Channel> ReadRxChannels();
-std::vector<DantegRPC::ChannelLink> ReadRouting();
+void SetDeviceName(const std::string& name);
+void SetSampleRate(std::uint32_t rate);
+void SetLatency(std::uint32_t latency);
+void SetAes67(bool on);
+void SetTransmitDisabled(bool disabled);
+void SetPtpSlaveOnly(bool on);
+
+ostrevan::grpcdapi::Channels ReadTxChannels();
+ostrevan::grpcdapi::Channels ReadRxChannels();
+void RenameTxChannel(std::int32_t id, const std::string& name);
+
+/// One subscription per receive channel, with the id of that channel.
+std::vector<ostrevan::grpcdapi::LinkInfo> ReadRouting(
+    const ostrevan::grpcdapi::Channels& receivers);
+void SetSubscription(const ostrevan::grpcdapi::LinkInfo& link);
 
 }  // namespace tool

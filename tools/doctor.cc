@@ -2,57 +2,52 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <future>
 #include <iomanip>
 #include <map>
-#include <memory>
 #include <optional>
 #include <sstream>
-#include <thread>
 
-#include "DAPIClient.h"
-#include "NetworkManagerClient.h"
 #include "terminal/table.h"
 #include "tools/call.h"
+#include "tools/dante.h"
+#include "tools/host_settings.h"
+#include "tools/interface.h"
 #include "tools/tool.h"
 
 namespace tool {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using Seconds = std::chrono::duration<double>;
-
-constexpr Seconds kLongestProbe{5};
-
+// Of a cheap call.
 struct Reply {
-  grpc::Status status;
+  std::optional<Failure> failure;
   double milliseconds = 0;
 };
 
-template <class Call>
-Reply Timed(Call call) {
-  const auto start = Clock::now();
-  Reply reply{call(), 0};
-  reply.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-  return reply;
+void CallOnce(Daemon daemon) {
+  if (daemon == Daemon::kDante)
+    ReadDeviceName();
+  else
+    ReadHostname();
 }
 
 // The first call connects; the second measures how fast the daemon replies.
-Reply TimedProbe(Daemon daemon) {
-  const auto call = [daemon] { return Probe(daemon); };
-  const Reply first = Timed(call);
-  return first.status.ok() ? Timed(call) : first;
+Reply Probe(Daemon daemon) {
+  Reply reply;
+  try {
+    CallOnce(daemon);
+    const auto start = std::chrono::steady_clock::now();
+    CallOnce(daemon);
+    const std::chrono::duration<double, std::milli> taken =
+        std::chrono::steady_clock::now() - start;
+    reply.milliseconds = taken.count();
+  } catch (const Failure& failure) {
+    reply.failure = failure;
+  }
+  return reply;
 }
 
-// In a thread of its own: a daemon that never replies must not prevent the rest of
-// the report. Empty at the limit; the thread is then left in its call.
-std::optional<Reply> ProbeWithin(Tool& tool, Daemon daemon, Seconds limit) {
-  const auto promise = std::make_shared<std::promise<Reply>>();
-  std::future<Reply> reply = promise->get_future();
-  std::thread([promise, daemon] { promise->set_value(TimedProbe(daemon)); }).detach();
-  if (reply.wait_for(limit) == std::future_status::ready) return reply.get();
-  tool.exit_at_once = true;
-  return std::nullopt;
+bool IsReachable(const Reply& reply) {
+  return !reply.failure.has_value() || reply.failure->status == ExitStatus::kErrorStatus;
 }
 
 // The library's variables, and those that gRPC reads.
@@ -113,22 +108,23 @@ void CheckEndpoint(Daemon daemon, Findings& findings) {
     findings.Add(variable + " has no port", form);
 }
 
-void CheckReply(Daemon daemon, const std::optional<Reply>& reply, Findings& findings) {
+void CheckReply(Daemon daemon, const Reply& reply, Findings& findings) {
+  if (!reply.failure.has_value()) return;
   const std::string where = The(daemon) + " at " + Endpoint(daemon);
-  if (!reply.has_value())
+  if (reply.failure->status == ExitStatus::kTimeLimit)
     findings.Add("no reply from " + where, "restart " + The(daemon) + ", or correct the endpoint");
-  else if (IsUnreachable(daemon, reply->status))
+  else if (reply.failure->status == ExitStatus::kUnreachable)
     findings.Add(where + " cannot be reached", "start " + The(daemon) + ", or set " +
                                                    EndpointSetting(daemon).variable +
                                                    " to its endpoint");
-  else if (!reply->status.ok())
+  else
     findings.Add(where + " replies with an error",
                  "check the daemon's log, and whether another program listens there");
 }
 
 void CheckRoles(const Json& roles, Findings& findings) {
   for (const Json& role : roles)
-    if (role["id"] == -1)
+    if (role["id"].is_null())
       findings.Add("no interface is named '" + role["interface"].get<std::string>() +
                        "', so the role " + role["role"].get<std::string>() + " has none",
                    "set " + role["variable"].get<std::string>() +
@@ -137,38 +133,50 @@ void CheckRoles(const Json& roles, Findings& findings) {
 
 // --- The report ------------------------------------------------------------------
 
-Json DaemonReport(Daemon daemon, const std::optional<Reply>& reply) {
-  Json report = {{"daemon", Name(daemon)}, {"endpoint", Endpoint(daemon)}};
-  report["reachable"] = reply.has_value() && !IsUnreachable(daemon, reply->status);
-  report["status"] =
-      reply.has_value() ? Json(static_cast<int>(reply->status.error_code())) : Json();
-  report["message"] = reply.has_value() ? reply->status.error_message() : "no reply";
-  report["round_trip_ms"] = reply.has_value() ? Json(reply->milliseconds) : Json();
-  return report;
+Json DaemonReport(Daemon daemon, const Reply& reply) {
+  const bool answers = !reply.failure.has_value();
+  return {{"daemon", Name(daemon)},
+          {"endpoint", Endpoint(daemon)},
+          {"reachable", IsReachable(reply)},
+          {"grpc_status", answers ? "OK" : reply.failure->grpc_status},
+          {"message", answers ? "" : reply.failure->message},
+          {"round_trip_ms", answers ? Json(reply.milliseconds) : Json()}};
 }
 
-Json Role(const client::Setting& setting, std::int32_t id) {
-  return {{"role", setting.role},
-          {"variable", setting.variable},
-          {"interface", setting.Value()},
-          {"id", id}};
-}
-
-Json Roles() {
-  const auto& client = NetworkManagerClient::GetInstance();
-  return {Role(client::kDantePrimaryInterface, client.GetDantePrimaryInterfaceID()),
-          Role(client::kDanteSecondaryInterface, client.GetDanteSecondaryInterfaceID()),
-          Role(client::kControlInterface, client.GetControlInterfaceID())};
+Json Roles(bool network_replies) {
+  if (!network_replies) return Json::array();
+  const auto interfaces = ReadInterfaces();
+  Json roles = Json::array();
+  for (const client::Setting* it :
+       {&client::kDantePrimaryInterface, &client::kDanteSecondaryInterface,
+        &client::kControlInterface}) {
+    Json role = {{"role", it->role},
+                 {"variable", it->variable},
+                 {"interface", it->Value()},
+                 {"id", nullptr}};
+    for (const Interface& interface : interfaces)
+      if (interface.role == it->role) role["id"] = interface.id;
+    roles.push_back(role);
+  }
+  return roles;
 }
 
 Json Versions(bool dante_replies) {
   Json versions = {{"networkgrpc", NETWORKGRPC_VERSION}, {"software", ""}, {"firmware", ""}};
   if (!dante_replies) return versions;
-  ostrevan::grpcdapi::Version version;
-  auto& client = DAPIClient::GetInstance();
-  if (client.GetSoftwareVersion(&version).ok()) versions["software"] = version.version();
-  if (client.GetFirmwareVersion(&version).ok()) versions["firmware"] = version.version();
+  versions["software"] = Read(rpc::kGetSoftwareVersion, "read the software version").version();
+  versions["firmware"] = Read(rpc::kGetFirmwareVersion, "read the firmware version").version();
   return versions;
+}
+
+// Empty if the daemon fails; that is a finding.
+Json Try(Json (*read)(bool), bool replies, Daemon daemon, Findings& findings, Json otherwise) {
+  try {
+    return read(replies);
+  } catch (const Failure& failure) {
+    findings.Add(failure.message, "check the log of " + The(daemon));
+    return otherwise;
+  }
 }
 
 // A daemon that cannot be reached explains the other problems.
@@ -183,23 +191,25 @@ Json Versions(bool dante_replies) {
   throw Failure(ExitStatus::kFailed, message).With(result);
 }
 
-Json Run(Tool& tool) {
+Json Run(const Tool& tool) {
+  constexpr double kLongestCall = 5;  // a daemon that never replies must not delay the rest
+  SetCallOptions({std::min(kLongestCall, tool.Timeout() / 3), 0, tool.Verbose()});
   Findings findings;
   CheckProxies(findings);
-  const Seconds limit = std::min(kLongestProbe, Seconds(tool.Limit().seconds / 3));
   Json result = {{"daemons", Json::array()}};
   std::map<Daemon, bool> replies;
   for (const Daemon daemon : {Daemon::kNetworkManager, Daemon::kDante}) {
-    time_limit::Calling(daemon);
     CheckEndpoint(daemon, findings);
-    const auto reply = ProbeWithin(tool, daemon, limit);
-    replies[daemon] = reply.has_value() && reply->status.ok();
+    const Reply reply = Probe(daemon);
+    replies[daemon] = !reply.failure.has_value();
     CheckReply(daemon, reply, findings);
     result["daemons"].push_back(DaemonReport(daemon, reply));
   }
-  result["roles"] = replies[Daemon::kNetworkManager] ? Roles() : Json::array();
+  result["roles"] = Try(Roles, replies[Daemon::kNetworkManager], Daemon::kNetworkManager, findings,
+                        Json::array());
   CheckRoles(result["roles"], findings);
-  result["versions"] = Versions(replies[Daemon::kDante]);
+  result["versions"] =
+      Try(Versions, replies[Daemon::kDante], Daemon::kDante, findings, Versions(false));
   result["environment"] = Environment();
   result["problems"] = findings.List();
   if (!findings.List().empty()) Throw(result);
@@ -217,15 +227,16 @@ std::string ShowDaemons(const Json& daemons) {
       text << std::fixed << std::setprecision(1) << it["round_trip_ms"].get<double>() << " ms";
       trip = text.str();
     }
-    table.Add({it["daemon"], it["endpoint"], it["reachable"] ? "yes" : "no",
-               it["status"].is_null() ? "-" : Text(it["status"]), trip, it["message"]});
+    table.Add({it["daemon"], it["endpoint"], it["reachable"] ? "yes" : "no", it["grpc_status"],
+               trip, it["message"]});
   }
   return table.Text();
 }
 
 std::string ShowRoles(const Json& roles) {
   terminal::Table table({"ROLE", "INTERFACE", "ID"});
-  for (const Json& it : roles) table.Add({it["role"], it["interface"], Text(it["id"])});
+  for (const Json& it : roles)
+    table.Add({it["role"], it["interface"], it["id"].is_null() ? "" : Text(it["id"])});
   return table.Text();
 }
 

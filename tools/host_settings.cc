@@ -1,80 +1,95 @@
 // networkgrpc hostname, ntp, dns, gateway, factory-reset: the host's settings.
 #include "tools/host_settings.h"
 
-#include "NetworkManagerClient.h"
-#include "NetworkgRPC.h"
-#include "NetworkgRPC_c.h"
+#include <memory>
+
 #include "tools/call.h"
+#include "tools/pending.h"
 #include "tools/tool.h"
 
 namespace tool {
 namespace {
 
-constexpr auto kDaemon = Daemon::kNetworkManager;
-
-// The first string of a list. The library's function fails also if the list is
-// empty, so that a failure is followed by a request for the list.
-template <class Reply>
-std::string FirstOrNone(const std::string& action, bool (*read)(std::string&),
-                        grpc::Status (NetworkManagerClient::*list)(Reply*)) {
-  std::string first;
-  Do(kDaemon, action, [&] {
-    Reply reply;
-    return read(first) || (NetworkManagerClient::GetInstance().*list)(&reply).ok();
-  });
-  return first;
+template <class List>
+std::vector<std::string> Strings(const List& list) {
+  return {list.begin(), list.end()};
 }
 
-Json SetHostname(const std::string& name) {
-  Do(kDaemon, "set the host name", [&] { return NetworkgRPC::SetHostname(name); });
+// The letters of the amplifier's name, in lower case, and its digits.
+std::string HostnameFrom(const std::string& amplifier) {
+  std::string name;
+  for (const char c : amplifier) {
+    if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) name += c;
+    if (c >= 'A' && c <= 'Z') name += static_cast<char>(c - 'A' + 'a');
+  }
+  return name.empty() ? "unknown" : name;
+}
+
+Json SetHostnameTo(const std::string& name) {
+  SetHostname(name);
   return {{"hostname", name}};
 }
 
-// The library does not return the name that it made, so that it is read back.
-Json SetFromAmplifierName(const std::string& name) {
-  Do(kDaemon, "set the host name", [&] { return setampname(name.c_str(), name.size()) == 0; });
-  return {{"hostname", ReadHostname()}};
+Json SetNtp(Tool& tool, const std::vector<std::string>& servers, bool reload) {
+  if (reload)
+    tool.Confirm({"the NTP servers will be stored, and the reload restarts the time service"});
+  StoreNtpServers(servers);
+  Json result = {{"servers", servers}, {"stored", true}, {"applied", false}};
+  if (reload) Apply("the list of NTP servers", result, ReloadNtp);
+  return result;
 }
 
-Json SetNtp(const std::string& server, bool reload) {
-  Do(kDaemon, "set the NTP server", [&] { return NetworkgRPC::SetNTPServer(server, reload); });
-  return {{"server", server}, {"reload", reload}};
+std::string ShowLines(const Json& strings) {
+  std::string text;
+  for (const Json& it : strings) text += Text(it) + "\n";
+  return text;
+}
+
+std::string ShowSetNtp(const Json& result) {
+  std::string servers;
+  for (const Json& it : result["servers"]) servers += (servers.empty() ? "" : ", ") + Text(it);
+  return "NTP servers: " + servers + ShowApplied(result);
 }
 
 Json Reset(Tool& tool) {
-  tool.Confirm("the network settings will be reset to factory defaults", "Reset them?");
-  Do(kDaemon, "reset the network settings", NetworkgRPC::FactoryReset);
+  tool.Confirm({"the network settings will be reset to factory defaults"});
+  Change(rpc::kFactoryReset, "reset the network settings");
   return {{"reset", true}};
 }
 
-// A command that shows one string.
-Verb Shows(const char* description, const char* member, std::string (*read)(),
+// A command that shows a list of strings.
+Verb Lists(const char* description, const char* member, std::vector<std::string> (*read)(),
            const char* example) {
   return {description,
           [member, read] {
             return Json{{member, read()}};
           },
-          ShowMember(member),
+          [member](const Json& result) { return ShowLines(result[member]); },
           {example}};
 }
 
 void AddHostname(Tool& tool) {
   CLI::App& noun = tool.AddNoun("hostname", "Show and set the host name", "get");
   tool.AddVerb(noun, "get",
-               Shows("Show the host name", "hostname", ReadHostname, "networkgrpc hostname get"));
+               {"Show the host name",
+                [] {
+                  return Json{{"hostname", ReadHostname()}};
+                },
+                ShowMember("hostname"),
+                {"networkgrpc hostname get"}});
   const auto name = std::make_shared<std::string>();
   const auto show = [](const Json& result) {
     return "host name is set to '" + Text(result["hostname"]) + "'\n";
   };
   CLI::App& set = tool.AddVerb(noun, "set",
                                {"Set the host name, exactly as given",
-                                [name] { return SetHostname(*name); },
+                                [name] { return SetHostnameTo(*name); },
                                 show,
                                 {"networkgrpc hostname set studio-amp"}});
   CLI::App& derive = tool.AddVerb(
       noun, "from-ampname",
       {"Set a host name made from the amplifier's name: its letters, in lower case, and digits",
-       [name] { return SetFromAmplifierName(*name); },
+       [name] { return SetHostnameTo(HostnameFrom(*name)); },
        show,
        {"networkgrpc hostname from-ampname 'Studio Amp 2'"}});
   set.add_option("NAME", *name, "The host name")->required();
@@ -82,54 +97,62 @@ void AddHostname(Tool& tool) {
 }
 
 void AddNtp(Tool& tool) {
-  CLI::App& noun = tool.AddNoun("ntp", "Show and set the NTP server", "get");
+  CLI::App& noun = tool.AddNoun("ntp", "Show and set the NTP servers", "get");
   tool.AddVerb(noun, "get",
-               Shows("Show the first NTP server; an empty line if none", "server", ReadNtpServer,
+               Lists("Show the stored NTP servers, one per line", "servers", ReadNtpServers,
                      "networkgrpc ntp get"));
-  const auto server = std::make_shared<std::string>();
+  const auto servers = std::make_shared<std::vector<std::string>>();
   const auto reload = std::make_shared<bool>(false);
   CLI::App& set =
       tool.AddVerb(noun, "set",
-                   {"Store an NTP server, the only one",
-                    [server, reload] { return SetNtp(*server, *reload); },
-                    [](const Json& result) {
-                      return "NTP server is set to '" + Text(result["server"]) +
-                             (result["reload"] ? "', stored and applied\n" : "', stored\n");
-                    },
-                    {"networkgrpc ntp set time.example --reload"}});
-  set.add_option("SERVER", *server, "Its name or address")->required();
+                   {"Store the list of NTP servers",
+                    [&tool, servers, reload] { return SetNtp(tool, *servers, *reload); },
+                    ShowSetNtp,
+                    {"networkgrpc ntp set time.example --reload --yes"}});
+  set.add_option("SERVER", *servers, "Names or addresses")->required();
   set.add_flag("--reload", *reload, "Apply the stored NTP configuration at once");
+  tool.AddYes(set);
 }
 
 }  // namespace
 
-std::string ReadHostname() {
-  return Get<std::string>(kDaemon, "read the host name", NetworkgRPC::GetHostname);
+std::string ReadHostname() { return Read(rpc::kGetHostname, "read the host name").hostname(); }
+
+void SetHostname(const std::string& name) {
+  nm::Hostname request;
+  request.set_hostname(name);
+  Change(rpc::kSetHostname, "set the host name", request);
 }
 
-std::string ReadNtpServer() {
-  return FirstOrNone("read the NTP server", NetworkgRPC::GetNTPServer,
-                     &NetworkManagerClient::GetNTPServer);
+std::vector<std::string> ReadNtpServers() {
+  return Strings(Read(rpc::kGetNTPServer, "read the NTP servers").servers());
 }
 
-std::string ReadDns() {
-  return FirstOrNone("read the DNS server", NetworkgRPC::GetCurrentDNS,
-                     &NetworkManagerClient::GetDNSList);
+void StoreNtpServers(const std::vector<std::string>& servers) {
+  nm::NTPServer request;
+  for (const std::string& server : servers) request.add_servers(server);
+  Change(rpc::kSetNTPServer, "store the NTP servers", request);
 }
 
-std::string ReadGateway() {
-  return Get<std::string>(kDaemon, "read the default gateway", NetworkgRPC::GetDefaultGateway);
+std::vector<std::string> ReadDnsServers() {
+  return Strings(Read(rpc::kGetDNSList, "read the DNS servers").dns());
 }
+
+std::string ReadGateway() { return Read(rpc::kGetRouting, "read the default gateway").gateway(); }
 
 void AddHostSettings(Tool& tool) {
   AddHostname(tool);
   AddNtp(tool);
-  tool.AddVerb(tool.app, "dns",
-               Shows("Show the first DNS server in use; an empty line if none", "dns", ReadDns,
-                     "networkgrpc dns"));
+  tool.AddVerb(
+      tool.app, "dns",
+      Lists("Show the DNS servers in use, one per line", "dns", ReadDnsServers, "networkgrpc dns"));
   tool.AddVerb(tool.app, "gateway",
-               Shows("Show the default gateway; an empty line if none", "gateway", ReadGateway,
-                     "networkgrpc gateway"));
+               {"Show the default gateway; an empty line if none",
+                [] {
+                  return Json{{"gateway", ReadGateway()}};
+                },
+                ShowMember("gateway"),
+                {"networkgrpc gateway"}});
   CLI::App& reset = tool.AddVerb(tool.app, "factory-reset",
                                  {"Reset the network settings to factory defaults",
                                   [&tool] { return Reset(tool); },

@@ -2,111 +2,93 @@
 #include "tools/interface.h"
 
 #include <algorithm>
+#include <array>
 
 #include "state_document/table.h"
 #include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
+#include "tools/ipv4.h"
+#include "tools/switch.h"
 
 namespace tool {
 namespace {
 
-namespace nm = ostrevan::networkmanager;
-
 constexpr auto kDaemon = Daemon::kNetworkManager;
-using Info = NetworkgRPC::InterfaceInfo;
-using Records = std::vector<Info>;
+constexpr const char* kListCommand = "networkgrpc interface list";
+using Interfaces = std::vector<Interface>;
 
-NetworkManagerClient& Client() { return NetworkManagerClient::GetInstance(); }
+struct Role {
+  const client::Setting& setting;
+  const char* label;
+};
+const std::array<Role, 3> kRoles{{{client::kControlInterface, "eth0"},
+                                  {client::kDantePrimaryInterface, "dante-0"},
+                                  {client::kDanteSecondaryInterface, "dante-1"}}};
 
-// The library prints an error line for an id without a role.
-std::string LabelOf(std::int32_t id) {
-  std::string label;
-  if (!RoleOf(id).empty()) NetworkgRPC::GetTarvoInterfaceName(id, label);
-  return label;
+// As in the library, each role has the first interface of its name, and an empty name
+// disables the role.
+void AssignRoles(Interfaces& interfaces) {
+  for (const Role& role : kRoles) {
+    const std::string name = role.setting.Value();
+    const auto found = std::find_if(interfaces.begin(), interfaces.end(),
+                                    [&](const Interface& it) { return it.name == name; });
+    if (name.empty() || found == interfaces.end() || !found->role.empty()) continue;
+    found->role = role.setting.role;
+    found->label = role.label;
+  }
 }
 
-Json List() {
-  Json interfaces = Json::array();
-  for (const auto& interface : AllInterfaces()) interfaces.push_back(ToJson(interface));
-  return {{"interfaces", interfaces}};
+// In Mbit/s: 0 without a link, null if the number of the speed is not known.
+Json SpeedToJson(nm::EnLinkSpeed speed) {
+  constexpr std::array<int, 4> kSpeeds{0, 10, 100, 1000};
+  const auto number = static_cast<std::size_t>(speed);
+  return number < kSpeeds.size() ? Json(kSpeeds.at(number)) : Json();
 }
 
-// Records of an interface with a role have neither name nor id.
-Json OfRoles(const Records& records, const std::vector<std::string>& roles) {
-  Json interfaces = Json::array();
-  for (std::size_t i = 0; i < records.size(); ++i)
-    interfaces.push_back({{"role", roles.at(i)},
-                          {"mode", ModeToJson(records[i].mode)},
-                          {"active", records[i].active},
-                          {"ip", records[i].ip},
-                          {"netmask", records[i].netmask},
-                          {"mac", records[i].mac}});
-  return {{"interfaces", interfaces}};
+Json List(const Interfaces& interfaces) {
+  Json list = Json::array();
+  for (const Interface& interface : interfaces) list.push_back(ToJson(interface));
+  return {{"interfaces", list}};
 }
 
-std::string ShowOfRoles(const Json& result) {
-  terminal::Table table({"ROLE", "MODE", "ACTIVE", "IP", "NETMASK", "MAC"});
-  for (const Json& it : result["interfaces"])
-    table.Add(
-        {it["role"], it["mode"], it["active"] ? "yes" : "no", it["ip"], it["netmask"], it["mac"]});
-  return table.Text();
-}
+std::string ShowList(const Json& result) { return ShowInterfaces(result["interfaces"]); }
 
+// The second one is in use only if the switch gives it a port of its own.
 Json Dante() {
-  Records records;
-  Do(kDaemon, "read the Dante interfaces",
-     [&] { return NetworkgRPC::GetDanteInterfacesInfo(records); });
-  std::vector<std::string> roles = {client::kDantePrimaryInterface.role,
-                                    client::kDanteSecondaryInterface.role};
-  if (Client().GetDantePrimaryInterfaceID() == -1) roles.erase(roles.begin());
-  return OfRoles(records, roles);
+  constexpr int kBothDantePorts = 1;
+  const bool both = ReadSwitchModeInEffect().id() == kBothDantePorts;
+  Interfaces dante;
+  for (const Interface& it : ReadInterfaces())
+    if (it.role == client::kDantePrimaryInterface.role ||
+        (both && it.role == client::kDanteSecondaryInterface.role))
+      dante.push_back(it);
+  return List(dante);
 }
 
-Json Control() {
-  Records records;
-  const auto has_role = [] {
-    if (Client().GetControlInterfaceID() != -1) return true;
-    AllInterfaces();  // throws if the role is unresolved for want of a list
-    return false;
-  };
-  DoTo({"doctor", has_role}, kDaemon, "read the control interface",
-       [&] { return NetworkgRPC::GetControlInterfacesInfo(records); });
-  return OfRoles(records, {client::kControlInterface.role});
-}
+Json Control() { return List({FindRole(client::kControlInterface.role)}); }
 
 Json Mac(const std::string& name) {
-  std::string mac;
-  const auto is_listed = [&] {
-    const Records all = AllInterfaces();
-    return std::any_of(all.begin(), all.end(), [&](const Info& it) { return it.name == name; });
-  };
-  DoTo({"interface list", is_listed}, kDaemon, "read the MAC address of interface '" + name + "'",
-       [&] { return NetworkgRPC::GetMACAddress(name, mac); });
-  return {{"name", name}, {"mac", mac}};
+  const Interface interface = FindInterface(name);
+  return {{"name", interface.name}, {"mac", interface.mac}};
 }
 
 Json Label(int id) {
-  std::string label;
-  const auto has_label = [] {
-    AllInterfaces();  // throws if roles are unresolved for want of a list
-    return false;
-  };
-  DoTo({"interface list", has_label}, kDaemon, "read the label of interface " + std::to_string(id),
-       [&] { return NetworkgRPC::GetTarvoInterfaceName(id, label); });
-  return {{"id", id}, {"label", label}};
+  for (const Interface& it : ReadInterfaces())
+    if (it.id == id && !it.role.empty()) return {{"id", id}, {"label", it.label}};
+  throw Failure(ExitStatus::kNotFound,
+                "no interface " + std::to_string(id) + " with a role; see '" + kListCommand + "'",
+                kDaemon);
 }
 
 Json Stored(const std::string& name) {
-  const auto interface = FindInterface(name);
-  const auto config = StoredConfiguration(interface.id);
-  return {{"id", interface.id},
-          {"name", interface.name},
-          {"mode", ModeToJson(config.mode())},
-          {"ip", config.ip()},
-          {"netmask", config.netmask()},
-          {"gateway", config.gateway()},
-          {"dns", std::vector<std::string>(config.dns().begin(), config.dns().end())}};
+  const Interface interface = FindInterface(name);
+  if (!interface.stored.has_value())
+    throw Failure(ExitStatus::kNotFound, "nothing is stored for interface '" + interface.name + "'",
+                  kDaemon);
+  Json result = {{"id", interface.id}, {"name", interface.name}};
+  result.update(ToJson(*interface.stored));
+  return result;
 }
 
 std::string ShowStored(const Json& result) {
@@ -124,75 +106,122 @@ void AddNamed(Tool& tool, CLI::App& noun, const std::string& verb, const Verb& r
   const auto name = std::make_shared<std::string>();
   CLI::App& command = tool.AddVerb(
       noun, verb, {rest.description, [run, name] { return run(*name); }, rest.show, rest.examples});
-  tool.Offer(command.add_option("NAME", *name, "Name of the interface, such as lan0")->required(),
+  tool.Offer(command.add_option("NAME", *name, "Name or id of the interface")->required(),
              Candidates::kInterfaceNames);
 }
 
 }  // namespace
 
-Records AllInterfaces() {
-  Records interfaces;
-  const char* action = "list the interfaces";
-  Do(kDaemon, action, [&] { return NetworkgRPC::GetAllIPv4(interfaces); });
-  if (!interfaces.empty()) return interfaces;
-  // The library's list is also empty if only configuration or status is missing.
-  nm::Interfaces known;
-  const bool listed = Client().GetAvailableInterfaces(&known).ok();
-  if (!listed || known.interfaces_size() != 0) throw Explain(kDaemon, action);
+std::optional<bool> Interface::IsPending() const {
+  if (!stored.has_value() || !status.has_value() || stored->mode() != nm::STATIC)
+    return std::nullopt;
+  return !status->flag4() || status->ip() != stored->ip() || status->netmask() != stored->netmask();
+}
+
+Interfaces ReadInterfaces() {
+  const auto known = Read(rpc::kGetAvailableInterfaces, "list the interfaces");
+  Interfaces interfaces;
+  nm::Ids ids;
+  for (const auto& it : known.interfaces()) {
+    ids.add_ids(it.id());
+    interfaces.emplace_back();
+    interfaces.back().id = it.id();
+    interfaces.back().name = it.name();
+    interfaces.back().mac = it.mac();
+  }
+  const auto stored =
+      Read(rpc::kGetNetworkConfig, "read the stored configuration of the interfaces", ids);
+  const auto status = Read(rpc::kGetNetworkStatus, "read the state of the interfaces", ids);
+  for (Interface& it : interfaces) {
+    if (const auto* found = FindById(stored.configs(), it.id)) it.stored = *found;
+    if (const auto* found = FindById(status.status(), it.id)) it.status = *found;
+  }
+  AssignRoles(interfaces);
   return interfaces;
 }
 
-Info FindInterface(const std::string& name_or_id) {
-  const auto all = AllInterfaces();
-  for (const auto& interface : all)
+Interface FindInterface(const std::string& name_or_id) {
+  const Interfaces all = ReadInterfaces();
+  for (const Interface& interface : all)
     if (interface.name == name_or_id) return interface;
-  for (const auto& interface : all)
+  for (const Interface& interface : all)
     if (std::to_string(interface.id) == name_or_id) return interface;
   throw Failure(ExitStatus::kNotFound,
-                "interface '" + name_or_id + "' not found; see 'networkgrpc interface list'",
-                kDaemon);
+                "interface '" + name_or_id + "' not found; see '" + kListCommand + "'", kDaemon);
 }
 
-nm::InterfaceConfig StoredConfiguration(std::int32_t id) {
-  nm::Ids request;
-  nm::InterfacesConfig reply;
-  request.add_ids(id);
-  const std::string action = "read the stored configuration of interface " + std::to_string(id);
-  Do(kDaemon, action, [&] { return Client().GetNetworkConfig(request, &reply).ok(); });
-  for (const auto& config : reply.configs())
-    if (config.id() == id) return config;
-  throw Failure(ExitStatus::kNotFound, "cannot " + action + ": not found", kDaemon);
-}
-
-std::string RoleOf(std::int32_t id) {
-  if (id == Client().GetControlInterfaceID()) return client::kControlInterface.role;
-  if (id == Client().GetDantePrimaryInterfaceID()) return client::kDantePrimaryInterface.role;
-  if (id == Client().GetDanteSecondaryInterfaceID()) return client::kDanteSecondaryInterface.role;
-  return "";
+Interface FindRole(const std::string& role) {
+  for (const Interface& interface : ReadInterfaces())
+    if (interface.role == role) return interface;
+  throw Failure(ExitStatus::kNotFound,
+                "no interface has the role " + role + "; see 'networkgrpc doctor'", kDaemon);
 }
 
 Json ModeToJson(std::int32_t mode) {
   return state_document::NameOf(state_document::kAddressingModes, mode);
 }
 
-Json ToJson(const Info& interface) {
-  return {{"id", interface.id},
-          {"name", interface.name},
-          {"role", RoleOf(interface.id)},
-          {"label", LabelOf(interface.id)},
-          {"mode", ModeToJson(interface.mode)},
-          {"active", interface.active},
-          {"ip", interface.ip},
-          {"netmask", interface.netmask},
-          {"mac", interface.mac}};
+Json ToJson(const nm::InterfaceConfig& stored) {
+  return {{"mode", ModeToJson(stored.mode())},
+          {"ip", stored.ip()},
+          {"netmask", stored.netmask()},
+          {"gateway", stored.gateway()},
+          {"dns", std::vector<std::string>(stored.dns().begin(), stored.dns().end())}};
+}
+
+nm::InterfaceConfig WithAddresses(const Interface& interface, const Json& entry) {
+  nm::InterfaceConfig config = interface.stored.value_or(nm::InterfaceConfig());
+  config.set_id(interface.id);
+  config.set_mode(static_cast<nm::EnInterfaceMode>(
+      state_document::NumberOf(state_document::kAddressingModes, entry["mode"])));
+  config.set_ip(entry["ip"].get<std::string>());
+  config.set_netmask(entry["netmask"].get<std::string>());
+  config.set_gateway(entry["gateway"].get<std::string>());
+  config.clear_dns();
+  for (const Json& server : entry["dns"]) config.add_dns(server.get<std::string>());
+  return config;
+}
+
+void StoreConfiguration(const Interface& interface, const nm::InterfaceConfig& config) {
+  Change(rpc::kSetNetworkConfig, "configure interface '" + interface.name + "'", config);
+}
+
+std::string AddressText(const std::string& ip, const std::string& netmask) {
+  if (ip.empty() || netmask.empty()) return ip;
+  const auto length = PrefixLength(netmask);
+  return length.has_value() ? ip + "/" + std::to_string(*length) : ip + " " + netmask;
+}
+
+// An address that is not in use is not in effect, whatever the daemon sends.
+Json ToJson(const Interface& interface) {
+  const auto pending = interface.IsPending();
+  Json json = {{"id", interface.id},     {"name", interface.name},
+               {"role", interface.role}, {"label", interface.label},
+               {"mac", interface.mac},   {"stored", nullptr},
+               {"in_effect", nullptr},   {"pending", pending ? Json(*pending) : Json()}};
+  if (interface.stored.has_value()) json["stored"] = ToJson(*interface.stored);
+  if (interface.status.has_value())
+    json["in_effect"] = {{"active", interface.IsActive()},
+                         {"ip", interface.IsActive() ? interface.status->ip() : ""},
+                         {"netmask", interface.IsActive() ? interface.status->netmask() : ""},
+                         {"speed_mbit_s", SpeedToJson(interface.status->speed())}};
+  return json;
 }
 
 std::string ShowInterfaces(const Json& interfaces) {
-  terminal::Table table({"ID", "NAME", "ROLE", "LABEL", "MODE", "ACTIVE", "IP", "NETMASK", "MAC"});
-  for (const Json& it : interfaces)
-    table.Add({Text(it["id"]), Text(it["name"]), Text(it["role"]), Text(it["label"]),
-               Text(it["mode"]), it["active"] ? "yes" : "no", Text(it["ip"]), Text(it["netmask"]),
-               Text(it["mac"])});
+  terminal::Table table({"ID", "NAME", "ROLE", "LABEL", "STORED", "STORED-ADDRESS", "IN-EFFECT",
+                         "PENDING", "MBIT/S", "MAC"});
+  const auto address = [](const Json& of) {
+    return of.is_null() ? "" : AddressText(of["ip"], of["netmask"]);
+  };
+  for (const Json& it : interfaces) {
+    const Json& stored = it["stored"];
+    const Json& in_effect = it["in_effect"];
+    table.Add({Text(it["id"]), it["name"], it["role"], it["label"],
+               stored.is_null() ? "" : Text(stored["mode"]), address(stored), address(in_effect),
+               YesNoOrUnknown(it["pending"]),
+               in_effect.is_null() ? "" : Text(in_effect["speed_mbit_s"]), it["mac"]});
+  }
   return table.Text();
 }
 
@@ -201,17 +230,15 @@ void AddInterface(Tool& tool) {
       tool.AddNoun("interface", "Show and set the addresses of the network interfaces", "list");
   tool.AddVerb(noun, "list",
                {"List all interfaces",
-                List,
-                [](const Json& result) { return ShowInterfaces(result["interfaces"]); },
+                [] { return List(ReadInterfaces()); },
+                ShowList,
                 {"networkgrpc interface list"}});
   tool.AddVerb(
       noun, "dante",
-      {"List the Dante interfaces in use", Dante, ShowOfRoles, {"networkgrpc interface dante"}});
-  tool.AddVerb(noun, "control",
-               {"Show the control interface",
-                Control,
-                ShowOfRoles,
-                {"networkgrpc interface control --json"}});
+      {"List the Dante interfaces in use", Dante, ShowList, {"networkgrpc interface dante"}});
+  tool.AddVerb(
+      noun, "control",
+      {"Show the control interface", Control, ShowList, {"networkgrpc interface control --json"}});
   AddNamed(tool, noun, "stored",
            {"Show the stored configuration, in effect or not",
             {},

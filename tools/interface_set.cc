@@ -1,11 +1,14 @@
 // networkgrpc interface set: stores addresses, and can roll them back.
 #include <iostream>
+#include <memory>
 #include <optional>
 
 #include "terminal/arguments.h"
 #include "terminal/prompt.h"
 #include "tools/call.h"
 #include "tools/interface.h"
+#include "tools/ipv4.h"
+#include "tools/pending.h"
 #include "tools/rollback.h"
 
 namespace tool {
@@ -19,7 +22,10 @@ struct Arguments {
   bool dante_secondary = false;
   std::string name;
   bool dynamic = false;
-  NetworkgRPC::InterfaceInfo info;
+  std::string ip;
+  std::string netmask;
+  std::string gateway;
+  std::vector<std::string> dns;
   bool reload = false;
   double confirm_within = 0;  // seconds; 0: keep without confirmation
 };
@@ -28,91 +34,140 @@ struct Arguments {
   throw Failure(ExitStatus::kUsage, message);
 }
 
+// "10.0.0.1/24" stands for address and netmask.
+void SplitPrefix(Arguments& arguments) {
+  const std::size_t slash = arguments.ip.find('/');
+  if (slash == std::string::npos) return;
+  const std::string length = arguments.ip.substr(slash + 1);
+  if (!arguments.netmask.empty())
+    Misused("--ip with a prefix length and --netmask exclude each other");
+  for (int bits = 1; bits <= 32; ++bits)
+    if (std::to_string(bits) == length) arguments.netmask = Netmask(bits);
+  if (arguments.netmask.empty())
+    Misused("--ip '" + arguments.ip + "': the prefix length must be an integer from 1 to 32");
+  arguments.ip.erase(slash);
+}
+
 void Check(const Arguments& arguments) {
-  const auto& info = arguments.info;
   if (!arguments.control && !arguments.dante_primary && !arguments.dante_secondary &&
       arguments.name.empty())
     Misused("--control, --dante-primary, --dante-secondary or --name is required");
-  const bool addresses =
-      !info.ip.empty() || !info.netmask.empty() || !info.gateway.empty() || !info.dns.empty();
+  const bool addresses = !arguments.ip.empty() || !arguments.netmask.empty() ||
+                         !arguments.gateway.empty() || !arguments.dns.empty();
   if (arguments.dynamic && addresses) Misused("--dynamic cannot be combined with addresses");
-  // The library would store dynamic addressing for an incomplete address.
-  if (!arguments.dynamic && (info.ip.empty() || info.netmask.empty()))
-    Misused("--dynamic, or both --ip and --netmask are required");
+  if (!arguments.dynamic && (arguments.ip.empty() || arguments.netmask.empty()))
+    Misused("--dynamic, or an address with its netmask is required, such as --ip 10.0.0.2/24");
   if (arguments.confirm_within != 0 && !arguments.reload)
     Misused(
         "--confirm-within requires --reload: without it nothing is applied, so there is nothing "
         "to roll back");
+  if (arguments.dynamic) return;
+  const std::string wrong = CheckAddresses(arguments.ip, arguments.netmask, arguments.gateway);
+  if (!wrong.empty()) Misused(wrong);
+  for (const std::string& server : arguments.dns)
+    if (!ParseIpv4(server)) Misused("DNS server '" + server + "' is not an IPv4 address");
 }
 
-NetworkgRPC::InterfaceInfo Target(const Arguments& arguments) {
+Interface Target(const Arguments& arguments) {
   if (!arguments.name.empty()) return FindInterface(arguments.name);
-  const auto& setting = arguments.control         ? client::kControlInterface
-                        : arguments.dante_primary ? client::kDantePrimaryInterface
-                                                  : client::kDanteSecondaryInterface;
-  for (const auto& interface : AllInterfaces())
-    if (RoleOf(interface.id) == setting.role) return interface;
-  throw Failure(ExitStatus::kNotFound,
-                std::string(setting.role) + " interface not found; see 'networkgrpc doctor'",
-                kDaemon);
+  return FindRole(arguments.control         ? client::kControlInterface.role
+                  : arguments.dante_primary ? client::kDantePrimaryInterface.role
+                                            : client::kDanteSecondaryInterface.role);
 }
 
-void Store(const Arguments& arguments, const NetworkgRPC::InterfaceInfo& target) {
-  const auto& info = arguments.info;
-  Do(kDaemon, "configure interface '" + target.name + "'", [&] {
-    if (arguments.control) return NetworkgRPC::SetControlIP(info, arguments.reload);
-    if (arguments.dante_primary) return NetworkgRPC::SetDanteIP(info, 0, arguments.reload);
-    if (arguments.dante_secondary) return NetworkgRPC::SetDanteIP(info, 1, arguments.reload);
-    return NetworkgRPC::SetGenericIP(target.id, info, arguments.reload);
-  });
+nm::InterfaceConfig Wanted(const Arguments& arguments, const Interface& target) {
+  return WithAddresses(target, {{"mode", ModeToJson(arguments.dynamic ? nm::DYNAMIC : nm::STATIC)},
+                                {"ip", arguments.ip},
+                                {"netmask", arguments.netmask},
+                                {"gateway", arguments.gateway},
+                                {"dns", arguments.dns}});
 }
 
-void ConfirmOrRestore(Tool& tool, const Arguments& arguments, Rollback& rollback) {
-  time_limit::Stop();
+std::string Described(const nm::InterfaceConfig& config) {
+  const std::string address = AddressText(config.ip(), config.netmask());
+  return Text(ModeToJson(config.mode())) + (address.empty() ? "" : " " + address);
+}
+
+// What the question names: the change, and what else a reload applies.
+std::vector<std::string> Changes(const Arguments& arguments, const Interface& target,
+                                 const nm::InterfaceConfig& wanted) {
+  std::vector<std::string> changes = {
+      "interface '" + target.name + "' is " +
+      (target.IsActive() ? "in use at " + AddressText(target.status->ip(), target.status->netmask())
+                         : "not in use") +
+      "; " + Described(wanted) + " will be stored" + (arguments.reload ? " and applied" : "")};
+  if (arguments.reload)
+    for (std::string& line : AlsoApplied(PendingNetworkSettings(), {InterfacePath(target.name)}))
+      changes.push_back(std::move(line));
+  return changes;
+}
+
+void ConfirmOrRestore(const Arguments& arguments, Rollback& rollback) {
   rollback.Restart(arguments.confirm_within);
   if (terminal::AnswersYesWithin(arguments.confirm_within, "Keep the new configuration?") &&
       rollback.Keep())
     return;
   std::cerr << '\n';
-  time_limit::Start(tool.Limit());
-  time_limit::Calling(kDaemon);
   if (rollback.Restore())
     throw Failure(ExitStatus::kFailed, "not confirmed: the previous configuration is restored");
-  throw Failure(ExitStatus::kFailed,
-                "not confirmed, and restoring the previous configuration failed; see 'networkgrpc "
-                "interface list'",
-                kDaemon);
+  Failure failure(ExitStatus::kFailed,
+                  "not confirmed, and restoring the previous configuration failed; see "
+                  "'networkgrpc interface list'",
+                  kDaemon);
+  failure.outcome = Outcome::kUnknown;
+  throw failure;
+}
+
+Json Store(const Arguments& arguments, const Interface& target, const nm::InterfaceConfig& wanted) {
+  StoreConfiguration(target, wanted);
+  Json result = {{"id", target.id}, {"name", target.name}, {"stored", true}, {"applied", false}};
+  result.update(ToJson(wanted));
+  if (arguments.reload)
+    Apply("the configuration of interface '" + target.name + "'", result, ReloadNetwork);
+  return result;
+}
+
+// What fails half way is rolled back at once; a change that was not begun needs none.
+Json StoreWithRollback(const Arguments& arguments, const Interface& target,
+                       const nm::InterfaceConfig& wanted, Rollback& rollback) {
+  try {
+    return Store(arguments, target, wanted);
+  } catch (Failure& failure) {
+    if (failure.outcome == Outcome::kNotDone) {
+      rollback.Keep();
+    } else {
+      failure.message += rollback.Restore() ? "; the previous configuration is restored"
+                                            : "; restoring the previous configuration failed";
+      failure.result = nullptr;
+    }
+    throw;
+  }
 }
 
 Json Set(Tool& tool, Arguments arguments) {
+  SplitPrefix(arguments);
   Check(arguments);
-  arguments.info.mode = arguments.dynamic ? kDynamic : kStatic;
   // Before the first call: see Rollback.
   std::optional<Rollback> rollback;
   if (arguments.confirm_within != 0) rollback.emplace();
 
-  const auto target = Target(arguments);
-  if (target.active && !rollback)
-    tool.Confirm("interface '" + target.name + "' is in use at " + target.ip, "Change it?");
-  if (rollback)
-    rollback->Arm(StoredConfiguration(target.id).SerializeAsString(),
-                  tool.Limit().seconds + arguments.confirm_within);
-  Store(arguments, target);
-  if (rollback) ConfirmOrRestore(tool, arguments, *rollback);
-  return {{"id", target.id},
-          {"name", target.name},
-          {"mode", ModeToJson(arguments.info.mode)},
-          {"ip", arguments.info.ip},
-          {"netmask", arguments.info.netmask},
-          {"gateway", arguments.info.gateway},
-          {"dns", arguments.info.dns},
-          {"reload", arguments.reload}};
+  const Interface target = Target(arguments);
+  const nm::InterfaceConfig wanted = Wanted(arguments, target);
+  const bool asks = target.IsActive() || arguments.reload;
+  if (asks && !rollback && !tool.yes) tool.Confirm(Changes(arguments, target, wanted));
+  if (!rollback) return Store(arguments, target, wanted);
+
+  rollback->Arm(target.stored.value_or(nm::InterfaceConfig()).SerializeAsString(),
+                2 * tool.Timeout() + arguments.confirm_within);
+  const Json result = StoreWithRollback(arguments, target, wanted, *rollback);
+  ConfirmOrRestore(arguments, *rollback);
+  return result;
 }
 
 std::string Show(const Json& result) {
-  std::string text = Text(result["name"]) + ": " + Text(result["mode"]);
-  if (result["ip"] != "") text += " " + Text(result["ip"]) + " " + Text(result["netmask"]);
-  return text + (result["reload"] ? ", stored and applied\n" : ", stored\n");
+  const std::string address = AddressText(result["ip"], result["netmask"]);
+  return Text(result["name"]) + ": " + Text(result["mode"]) + (address.empty() ? "" : " ") +
+         Text(address) + ShowApplied(result);
 }
 
 void AddTarget(Tool& tool, CLI::App& verb, Arguments& arguments) {
@@ -139,15 +194,19 @@ void AddInterfaceSet(Tool& tool, CLI::App& noun) {
                    {"Store the addresses of an interface; to be confirmed if it is in use",
                     [&tool, arguments] { return Set(tool, *arguments); },
                     Show,
-                    {"networkgrpc interface set --control --ip 10.0.0.60 --netmask 255.0.0.0 --yes",
+                    {"networkgrpc interface set --control --ip 10.0.0.60/8 --yes",
                      "networkgrpc interface set --dante-primary --dynamic --reload --yes"}});
   AddTarget(tool, verb, *arguments);
   verb.add_flag("--dynamic", arguments->dynamic, "Use the addresses that the network assigns");
-  auto& info = arguments->info;
-  verb.add_option("--ip", info.ip, "Static IPv4 address")->type_name("ADDRESS");
-  verb.add_option("--netmask", info.netmask, "Netmask")->type_name("ADDRESS");
-  verb.add_option("--gateway", info.gateway, "Default gateway")->type_name("ADDRESS");
-  verb.add_option("--dns", info.dns, "DNS server")->type_name("ADDRESS");
+  verb.add_option("--ip", arguments->ip, "Static IPv4 address, with or without prefix length")
+      ->type_name("ADDRESS[/N]");
+  verb.add_option("--netmask", arguments->netmask, "Netmask, such as 255.255.255.0")
+      ->type_name("ADDRESS");
+  verb.add_option("--gateway", arguments->gateway, "Default gateway")->type_name("ADDRESS");
+  verb.add_option("--dns", arguments->dns, "DNS server; may be repeated")
+      ->type_name("ADDRESS")
+      ->expected(1)
+      ->take_all();
   verb.add_flag("--reload", arguments->reload, "Apply the stored configuration at once");
   verb.add_option("--confirm-within", arguments->confirm_within,
                   "Ask after the change instead, and restore the previous configuration unless "

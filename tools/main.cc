@@ -1,14 +1,25 @@
 // networkgrpc: shows and changes the settings of a device from a shell.
-#include <unistd.h>
+#include <fcntl.h>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "tools/rollback.h"
 #include "tools/tool.h"
 
+namespace {
+
+// Otherwise a socket could become standard output, and receive what is printed.
+bool OpenStandardDescriptors() {
+  for (const int descriptor : {0, 1, 2})
+    if (fcntl(descriptor, F_GETFD) < 0 && open("/dev/null", O_RDWR) != descriptor) return false;
+  return true;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+  if (!OpenStandardDescriptors()) return static_cast<int>(tool::ExitStatus::kFailed);
   // Two commands are not for people: completion by shells, and the rollback
   // process.
   const std::string first = argc > 1 ? argv[1] : "";
@@ -27,10 +38,5 @@ int main(int argc, char** argv) {
   tool::AddWatch(tool);
   if (first == "__complete") return tool.Complete({argv + 2, argv + argc});
 
-  const int status = tool.Main(argc, argv);
-  if (tool.exit_at_once) {
-    std::fflush(nullptr);
-    _exit(status);
-  }
-  return status;
+  return tool.Main(argc, argv);
 }

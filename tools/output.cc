@@ -5,7 +5,7 @@
 namespace tool {
 namespace {
 
-constexpr int kSchema = 1;
+constexpr int kSchema = 2;
 
 Json Head(const std::string& command) { return {{"schema", kSchema}, {"command", command}}; }
 
@@ -23,16 +23,21 @@ Json ErrorJson(const std::string& command, const Failure& failure) {
   object["error"] = {{"code", static_cast<int>(failure.status)},
                      {"name", Name(failure.status)},
                      {"daemon", Name(failure.daemon)},
-                     {"message", failure.what()}};
+                     {"endpoint", failure.daemon == Daemon::kNone ? "" : Endpoint(failure.daemon)},
+                     {"rpc", failure.rpc},
+                     {"grpc_status", failure.grpc_status},
+                     {"daemon_message", failure.daemon_message},
+                     {"message", failure.message},
+                     {"outcome", Name(failure.outcome)}};
   return object;
 }
 
 std::string JsonText(const Json& value) {
-  return value.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+  return terminal::EscapedInJson(value.dump(-1, ' ', false, Json::error_handler_t::replace)) + "\n";
 }
 
-std::string ErrorLine(const Failure& failure) {
-  return "networkgrpc: " + terminal::Printable(failure.what()) + "\n";
+std::string ErrorLine(const std::string& message) {
+  return "networkgrpc: " + terminal::Printable(message) + "\n";
 }
 
 }  // namespace tool

@@ -9,17 +9,18 @@
 
 namespace tool {
 
-/// {"schema":1,"command":...,"result":...}
+/// {"schema":2,"command":...,"result":...}
 Json ResultJson(const std::string& command, const Json& result);
 
-/// {"schema":1,"command":...,"error":{"code","name","daemon","message"}}, with
-/// "result" before "error" if the failure has one.
+/// {"schema":2,"command":...,"error":{...}}, with "result" before "error" if the failure
+/// has one.
 Json ErrorJson(const std::string& command, const Failure& failure);
 
-/// One line, ended by a line feed. Bytes that are not UTF-8 are replaced.
+/// One line, ended by a line feed. Bytes that are not UTF-8 are replaced, and characters
+/// that are not printable are escaped.
 std::string JsonText(const Json& value);
 
 /// "networkgrpc: MESSAGE" in one line, ended by a line feed.
-std::string ErrorLine(const Failure& failure);
+std::string ErrorLine(const std::string& message);
 
 }  // namespace tool

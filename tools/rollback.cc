@@ -12,8 +12,8 @@
 #include <chrono>
 #include <csignal>
 
-#include "NetworkManagerClient.h"
-#include "tools/failure.h"
+#include "tools/call.h"
+#include "tools/pending.h"
 
 namespace tool {
 namespace {
@@ -56,7 +56,10 @@ Rollback::Rollback() {
   posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+  sigset_t none;
+  sigemptyset(&none);
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK);
   std::string name = "networkgrpc";
   std::string command = kRollbackCommand;
   std::array<char*, 3> arguments{name.data(), command.data(), nullptr};
@@ -107,13 +110,15 @@ constexpr int kPauseMs = 1000;  // the network may be reloading
 using Clock = std::chrono::steady_clock;
 
 bool RestoreOnce(const std::string& configuration) {
-  ostrevan::networkmanager::InterfaceConfig config;
+  nm::InterfaceConfig config;
   if (!config.ParseFromString(configuration)) return false;
-  auto& client = NetworkManagerClient::GetInstance();
-  ostrevan::networkmanager::Success stored;
-  ostrevan::networkmanager::Success reloaded;
-  return client.SetNetworkConfig(config, &stored).ok() && stored.success() &&
-         client.ReloadNetworkConfig(&reloaded).ok() && reloaded.success();
+  try {
+    Change(rpc::kSetNetworkConfig, "restore the configuration", config);
+    ReloadNetwork();
+    return true;
+  } catch (const Failure&) {
+    return false;
+  }
 }
 
 bool RestoreWithRetries(const std::string& configuration) {

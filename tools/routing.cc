@@ -1,7 +1,8 @@
 // networkgrpc routing: what each receive channel is subscribed to.
 #include <algorithm>
+#include <array>
+#include <memory>
 
-#include "DantegRPC.h"
 #include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
@@ -12,16 +13,14 @@
 namespace tool {
 namespace {
 
-constexpr auto kDaemon = Daemon::kDante;
-using Link = DantegRPC::ChannelLink;
+using Link = dapi::LinkInfo;
 
 Json List() {
   Json routing = Json::array();
   const auto channels = ReadRxChannels();
-  for (const Link& link : ReadRouting()) {
+  for (const Link& link : ReadRouting(channels)) {
     Json entry = ToJson(link);
-    const auto* channel = FindById(channels, link.rxChannelId);
-    entry["rx_name"] = channel != nullptr ? channel->name : "";
+    entry["rx_name"] = FindById(channels.channels(), link.id())->name();
     routing.push_back(entry);
   }
   return {{"routing", routing}};
@@ -66,10 +65,7 @@ std::string ShowGrid(const Json& result) {
 }
 
 Json Subscribe(const Link& link) {
-  const int id = link.rxChannelId;
-  DoTo(ListedBy(DantegRPC::GetRxChannels, id, "channel list"), kDaemon,
-       "set the subscription of receive channel " + std::to_string(id),
-       [&] { return DantegRPC::SetTapping(link); });
+  SetSubscription(link);
   return ToJson(link);
 }
 
@@ -80,17 +76,14 @@ std::string ShowSubscription(const Json& result) {
          (source.empty() ? " is not subscribed\n" : " is subscribed to " + Text(source) + "\n");
 }
 
-Json Set(const Link& link) {
-  // The library would remove the subscription.
-  if (link.deviceName.empty() || link.channelName.empty())
-    throw Failure(ExitStatus::kUsage, "DEVICE and CHANNEL must not be empty; see 'routing clear'");
-  return Subscribe(link);
-}
-
-Json SetRaw(Link link) {
-  if (link.ip.empty())
-    throw Failure(ExitStatus::kUsage, "IP must not be empty; see 'routing clear'");
-  link.isRaw = true;
+// An empty name would remove the subscription.
+Json Set(int rx, const std::string& device, const std::string& channel) {
+  if (device.empty() || channel.empty())
+    throw Failure(ExitStatus::kUsage,
+                  "DEVICE and CHANNEL must not be empty; see 'networkgrpc routing clear'");
+  Link link = Unsubscribed(rx);
+  link.set_devicename(device);
+  link.set_channelname(channel);
   return Subscribe(link);
 }
 
@@ -100,37 +93,52 @@ void AddReceiver(Tool& tool, CLI::App& verb, int& id) {
              Candidates::kRxChannels);
 }
 
+// The parameters of a stream as an entry of "raw" in a state document.
+struct Stream {
+  int rx = 0;
+  std::string ip;
+  std::array<std::uint32_t, 5> values{};  // value2 to value6
+  std::string encoding = "L24";
+  std::string sip;
+  std::uint64_t session_id = 0;
+  CLI::Option* session_option = nullptr;
+};
+
+Json SetRaw(const Stream& stream) {
+  if (stream.ip.empty())
+    throw Failure(ExitStatus::kUsage, "IP must not be empty; see 'networkgrpc routing clear'");
+  Json entry = ToJson(Unsubscribed(stream.rx));
+  Json& raw = entry["raw"] = {{"ip", stream.ip},
+                              {"encoding", stream.encoding},
+                              {"sip", stream.sip},
+                              {"session_id", nullptr}};
+  for (std::size_t i = 0; i < stream.values.size(); ++i)
+    raw["value" + std::to_string(i + 2)] = stream.values.at(i);
+  if (stream.session_option->count() != 0) raw["session_id"] = stream.session_id;
+  return Subscribe(LinkFromJson(entry));
+}
+
 void AddSetRaw(Tool& tool, CLI::App& noun) {
-  const auto link = std::make_shared<Link>();
-  const auto encoding = std::make_shared<std::string>("L24");
-  const auto session = std::make_shared<CLI::Option*>(nullptr);
+  const auto stream = std::make_shared<Stream>();
   CLI::App& raw =
       tool.AddVerb(noun, "set-raw",
                    {"Subscribe a receive channel to a stream by its parameters",
-                    [link, encoding, session] {
-                      link->encoding = *encoding == "L16" ? 1 : 0;
-                      link->hasSessionId = (*session)->count() != 0;
-                      return SetRaw(*link);
-                    },
+                    [stream] { return SetRaw(*stream); },
                     ShowSubscription,
                     {"networkgrpc routing set-raw 2 239.69.0.2 --encoding L24 --session-id 7"}});
-  AddReceiver(tool, raw, link->rxChannelId);
-  raw.add_option("IP", link->ip, "An address of the stream")->required();
-  const std::vector<std::pair<const char*, std::uint32_t*>> values = {{"--value2", &link->value2},
-                                                                      {"--value3", &link->value3},
-                                                                      {"--value4", &link->value4},
-                                                                      {"--value5", &link->value5},
-                                                                      {"--value6", &link->value6}};
-  for (const auto& [name, value] : values)
-    terminal::AddInteger(raw, name, *value, "Parameter of the stream, passed unchanged")
+  AddReceiver(tool, raw, stream->rx);
+  raw.add_option("IP", stream->ip, "An address of the stream")->required();
+  for (std::size_t i = 0; i < stream->values.size(); ++i)
+    terminal::AddInteger(raw, "--value" + std::to_string(i + 2), stream->values.at(i),
+                         "Parameter of the stream, passed unchanged")
         ->type_name("N");
-  raw.add_option("--encoding", *encoding, "Sample encoding, L24 or L16; default L24")
+  raw.add_option("--encoding", stream->encoding, "Sample encoding, L24 or L16; default L24")
       ->type_name("NAME")
       ->check(terminal::OneOf({"L24", "L16"}));
-  raw.add_option("--sip", link->sip, "A second address of the stream")->type_name("ADDRESS");
-  *session =
-      terminal::AddInteger(raw, "--session-id", link->sessionId, "Session identifier of the stream")
-          ->type_name("N");
+  raw.add_option("--sip", stream->sip, "A second address of the stream")->type_name("ADDRESS");
+  stream->session_option = terminal::AddInteger(raw, "--session-id", stream->session_id,
+                                                "Session identifier of the stream")
+                               ->type_name("N");
 }
 
 }  // namespace
@@ -147,15 +155,21 @@ void AddRouting(Tool& tool) {
        {"networkgrpc routing list", "networkgrpc routing list --grid"}});
   list.add_flag("--grid", *grid, "Show a grid of receive channels and sources");
 
-  const auto link = std::make_shared<Link>();
-  CLI::App& set = tool.AddVerb(noun, "set",
-                               {"Subscribe a receive channel to a transmit channel",
-                                [link] { return Set(*link); },
-                                ShowSubscription,
-                                {"networkgrpc routing set 1 'Stage box' 'Mic 1'"}});
-  AddReceiver(tool, set, link->rxChannelId);
-  set.add_option("DEVICE", link->deviceName, "Name of the transmitting device")->required();
-  set.add_option("CHANNEL", link->channelName, "Name of its transmit channel")->required();
+  struct Arguments {
+    int rx = 0;
+    std::string device;
+    std::string channel;
+  };
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App& set = tool.AddVerb(
+      noun, "set",
+      {"Subscribe a receive channel to a transmit channel",
+       [arguments] { return Set(arguments->rx, arguments->device, arguments->channel); },
+       ShowSubscription,
+       {"networkgrpc routing set 1 'Stage box' 'Mic 1'"}});
+  AddReceiver(tool, set, arguments->rx);
+  set.add_option("DEVICE", arguments->device, "Name of the transmitting device")->required();
+  set.add_option("CHANNEL", arguments->channel, "Name of its transmit channel")->required();
   AddSetRaw(tool, noun);
 
   const auto id = std::make_shared<int>(0);

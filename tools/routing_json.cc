@@ -4,60 +4,54 @@
 
 namespace tool {
 
+namespace dapi = ostrevan::grpcdapi;
 using state_document::kEncodings;
 
-Json ToJson(const DantegRPC::ChannelLink& link) {
-  Json entry = {{"rx_channel", link.rxChannelId},
-                {"device", link.deviceName},
-                {"channel", link.channelName},
+// A raw message without an address describes no stream.
+Json ToJson(const dapi::LinkInfo& link) {
+  Json entry = {{"rx_channel", link.id()},
+                {"device", link.devicename()},
+                {"channel", link.channelname()},
                 {"raw", nullptr}};
-  if (!link.isRaw) return entry;
-  entry["raw"] = {{"ip", link.ip},
-                  {"value2", link.value2},
-                  {"value3", link.value3},
-                  {"value4", link.value4},
-                  {"value5", link.value5},
-                  {"value6", link.value6},
-                  {"encoding", state_document::NameOf(kEncodings, link.encoding)},
-                  {"sip", link.sip},
-                  {"session_id", link.hasSessionId ? Json(link.sessionId) : Json(nullptr)}};
+  const dapi::rawLinkInfo& raw = link.raw();
+  if (raw.ip().empty()) return entry;
+  entry["raw"] = {{"ip", raw.ip()},
+                  {"value2", raw.value2()},
+                  {"value3", raw.value3()},
+                  {"value4", raw.value4()},
+                  {"value5", raw.value5()},
+                  {"value6", raw.value6()},
+                  {"encoding", state_document::NameOf(kEncodings, raw.encoding())},
+                  {"sip", raw.sip()},
+                  {"session_id", raw.has_sessionid() ? Json(raw.sessionid()) : Json()}};
   return entry;
 }
 
-DantegRPC::ChannelLink Unsubscribed(std::int32_t rx_channel) {
-  DantegRPC::ChannelLink link;
-  link.rxChannelId = rx_channel;
+dapi::LinkInfo Unsubscribed(std::int32_t rx_channel) {
+  dapi::LinkInfo link;
+  link.set_id(rx_channel);
   return link;
 }
 
-DantegRPC::ChannelLink LinkFromJson(const Json& entry) {
-  DantegRPC::ChannelLink link;
-  link.rxChannelId = entry.at("rx_channel");
-  link.deviceName = entry.at("device");
-  link.channelName = entry.at("channel");
-  const Json& raw = entry.at("raw");
-  link.isRaw = !raw.is_null();
-  if (!link.isRaw) return link;
-  link.ip = raw.at("ip");
-  link.value2 = raw.at("value2");
-  link.value3 = raw.at("value3");
-  link.value4 = raw.at("value4");
-  link.value5 = raw.at("value5");
-  link.value6 = raw.at("value6");
-  link.encoding = state_document::NumberOf(kEncodings, raw.at("encoding"));
-  link.sip = raw.at("sip");
-  link.hasSessionId = !raw.at("session_id").is_null();
-  if (link.hasSessionId) link.sessionId = raw.at("session_id");
+dapi::LinkInfo LinkFromJson(const Json& entry) {
+  dapi::LinkInfo link;
+  link.set_id(entry.at("rx_channel"));
+  link.set_devicename(entry.at("device").get<std::string>());
+  link.set_channelname(entry.at("channel").get<std::string>());
+  const Json& from = entry.at("raw");
+  if (from.is_null()) return link;
+  dapi::rawLinkInfo& raw = *link.mutable_raw();
+  raw.set_ip(from.at("ip").get<std::string>());
+  raw.set_value2(from.at("value2"));
+  raw.set_value3(from.at("value3"));
+  raw.set_value4(from.at("value4"));
+  raw.set_value5(from.at("value5"));
+  raw.set_value6(from.at("value6"));
+  raw.set_encoding(
+      static_cast<dapi::Encoding>(state_document::NumberOf(kEncodings, from.at("encoding"))));
+  raw.set_sip(from.at("sip").get<std::string>());
+  if (!from.at("session_id").is_null()) raw.set_sessionid(from.at("session_id"));
   return link;
-}
-
-Json Achievable(const Json& entry) {
-  DantegRPC::ChannelLink link = LinkFromJson(entry);
-  const bool is_stream = link.isRaw && !link.ip.empty();
-  const bool is_names = !link.isRaw && !link.deviceName.empty() && !link.channelName.empty();
-  if (!is_stream && !is_names) return ToJson(Unsubscribed(link.rxChannelId));
-  if (link.encoding != 1) link.encoding = 0;  // L24: the library sends no other
-  return ToJson(link);
 }
 
 std::string SourceText(const Json& entry) {

@@ -1,23 +1,19 @@
-// Converts a receive channel's subscription between the library's record and the
-// entries of "routing" in a state document.
+// Converts a receive channel's subscription between the daemon's message and the entries
+// of "routing" in a state document.
 #pragma once
 
-#include "DantegRPC.h"
+#include "ostrevan/grpcdapi.pb.h"
 #include "tools/json.h"
 
 namespace tool {
 
-Json ToJson(const DantegRPC::ChannelLink& link);
+Json ToJson(const ostrevan::grpcdapi::LinkInfo& link);
 
 /// A channel without a subscription.
-DantegRPC::ChannelLink Unsubscribed(std::int32_t rx_channel);
+ostrevan::grpcdapi::LinkInfo Unsubscribed(std::int32_t rx_channel);
 
 /// The other way; `entry` has every member.
-DantegRPC::ChannelLink LinkFromJson(const Json& entry);
-
-/// What the library can set of an entry: the same entry, or one without what it
-/// cannot send.
-Json Achievable(const Json& entry);
+ostrevan::grpcdapi::LinkInfo LinkFromJson(const Json& entry);
 
 /// "Out 1 @ Stage box", "stream 239.1.2.3", or "".
 std::string SourceText(const Json& entry);

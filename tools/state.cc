@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "state_document/document.h"
+#include "state_document/save_file.h"
 #include "terminal/printable.h"
 #include "tools/failure.h"
 #include "tools/state_import.h"
@@ -39,6 +40,22 @@ Json Diff(const DiffArguments& arguments) {
   return result;
 }
 
+std::string DocumentText(const Json& state) {
+  return terminal::EscapedInJson(state_document::ToText(state));
+}
+
+// A file that cannot be written is named before the daemons are asked.
+Json Export(const std::string& file) {
+  try {
+    if (!file.empty()) state_document::CheckSavable(file);
+    Json state = ReadState();
+    if (!file.empty()) state_document::SaveFile(file, DocumentText(state));
+    return state;
+  } catch (const std::runtime_error& error) {
+    throw Failure(ExitStatus::kFailed, error.what());
+  }
+}
+
 std::string ShowDiff(const Json& result) {
   return result["equal"] ? "no difference\n" : ShowDifferences(result["differences"]);
 }
@@ -46,9 +63,13 @@ std::string ShowDiff(const Json& result) {
 }  // namespace
 
 Json ReadStateFile(const std::string& file) {
-  const auto document =
-      file == "-" ? state_document::Read(std::cin, file) : state_document::ReadFile(file);
-  return state_document::Settable(document.Root());
+  try {
+    const auto document =
+        file == "-" ? state_document::Read(std::cin, file) : state_document::ReadFile(file);
+    return state_document::Settable(document.Root());
+  } catch (const std::runtime_error& error) {  // the file cannot be read, or is no document
+    throw Failure(ExitStatus::kFailed, error.what());
+  }
 }
 
 std::string ShowDifferences(const Json& differences) {
@@ -61,11 +82,19 @@ std::string ShowDifferences(const Json& differences) {
 }
 
 void AddState(Tool& tool) {
-  tool.AddVerb(tool.app, "export",
-               {"Print the settable state as a JSON document",
-                ReadState,
-                state_document::ToText,
-                {"networkgrpc export >state.json"}});
+  const auto output = std::make_shared<std::string>();
+  CLI::App& exports =
+      tool.AddVerb(tool.app, "export",
+                   {"Print the settable state as a JSON document",
+                    [output] { return Export(*output); },
+                    [output](const Json& state) { return output->empty() ? DocumentText(state) : ""; },
+                    {"networkgrpc export --output state.json"}});
+  tool.Offer(
+      exports
+          .add_option("--output", *output,
+                      "Write it to this file instead, which is replaced as a whole or not at all")
+          ->type_name("FILE"),
+      Candidates::kFiles);
   const auto arguments = std::make_shared<DiffArguments>();
   CLI::App& diff =
       tool.AddVerb(tool.app, "diff",

@@ -13,11 +13,13 @@ using state_document::Differences;
 using state_document::Merged;
 using state_document::ToJson;
 
-/// The state of the device, as a document.
+/// The state of the device, as a document, and its two parts.
 Json ReadState();
+Json ReadNetworkState();
+Json ReadDanteState();
 
 /// The settable members of a document; the file "-" is standard input. Throws
-/// std::runtime_error if it cannot be read or is wrong.
+/// a Failure if it cannot be read or is wrong.
 Json ReadStateFile(const std::string& file);
 
 /// One line per difference: "PATH: FROM -> TO".

@@ -1,10 +1,13 @@
 #include "tools/state_import.h"
 
+#include <algorithm>
 #include <iostream>
+#include <memory>
 #include <optional>
 
-#include "NetworkManagerClient.h"
 #include "tools/call.h"
+#include "tools/interrupt.h"
+#include "tools/pending.h"
 #include "tools/state.h"
 #include "tools/state_plan.h"
 
@@ -16,108 +19,162 @@ struct Arguments {
   bool reload = false;
 };
 
-std::vector<Difference> DifferencesOf(const std::vector<Step>& steps) {
-  std::vector<Difference> differences;
-  for (const Step& step : steps)
-    for (Difference& it : Differences(step.path, step.from, step.to))
-      differences.push_back(std::move(it));
-  return differences;
-}
-
-Json Impossible(const std::vector<Step>& steps) {
-  Json list = Json::array();
-  for (const Step& step : steps)
-    if (!step.impossible.empty())
-      list.push_back({{"path", step.path}, {"reason", step.impossible}});
-  return list;
+Json Reason(const std::string& path, const std::string& reason) {
+  return {{"path", path}, {"reason", reason}};
 }
 
 std::string ShowReasons(const std::string& heading, const Json& list) {
   std::string text;
-  for (const Json& it : list) text += "  " + Text(it["path"]) + ": " + Text(it["reason"]) + "\n";
-  return text.empty() ? "" : heading + "\n" + text;
+  for (const Json& it : list) text += heading + Text(it["path"]) + ": " + Text(it["reason"]) + "\n";
+  return text;
 }
 
-std::string ShowPlan(const Json& result) {
-  return "Differences:\n" + ShowDifferences(result["differences"]) +
-         ShowReasons("Cannot be applied:", result["not_possible"]);
+bool Contains(const Json& list, const std::string& path) {
+  return std::find(list.begin(), list.end(), path) != list.end();
 }
 
-// NTP servers are set all or none: half of a list would look intended.
-void CheckNtpServers(const std::vector<Step>& steps) {
-  for (const Step& step : steps)
-    if (step.path == "network.ntp" && !step.impossible.empty())
-      throw Failure(ExitStatus::kFailed,
-                    "network.ntp: " + step.impossible + "; nothing was changed");
-}
-
-void Apply(const std::vector<Step>& steps, Json& result) {
-  std::optional<Failure> first;
-  for (const Step& step : steps) {
-    if (!step.set) continue;
-    if (first.has_value()) {
-      result["not_applied"].push_back({{"path", step.path}, {"reason", "not tried"}});
-      continue;
-    }
-    try {
-      Do(step.daemon, "set " + step.path, step.set);
-      result["applied"].push_back(step.path);
-    } catch (const Failure& failure) {
-      result["not_applied"].push_back({{"path", step.path}, {"reason", failure.what()}});
-      first = failure;
+// An import, and what has become of each of its steps.
+class Import {
+ public:
+  Import(const Json& document, bool with_reload) : reload(with_reload) {
+    const Json current = ReadState();
+    wanted = Merged(current, document);
+    steps = Plan(current, wanted);
+    if (reload) pending = PendingNetworkSettings();
+    result = {{"differences", Json::array()},
+              {"applied", Json::array()},
+              {"stored", Json::array()},
+              {"unknown", Json::array()},
+              {"not_applied", Json::array()},
+              {"remaining", Json::array()},
+              {"reloaded", false},
+              {"verified", false}};
+    for (const Step& step : steps) {
+      for (const Json& it : ToJson(Differences(step.path, step.from, step.to)))
+        result["differences"].push_back(it);
+      if (step.from.is_null()) NotApplied(step, "not found on the device");
     }
   }
-  if (first.has_value()) throw first->With(result);
-}
 
-void Reload() {
-  Do(Daemon::kNetworkManager, "reload the network configuration", [] {
-    ostrevan::networkmanager::Success reply;
-    return NetworkManagerClient::GetInstance().ReloadNetworkConfig(&reply).ok() && reply.success();
-  });
-}
+  bool IsNeeded() const { return !steps.empty() || !pending.empty(); }
 
-void Verify(const Json& wanted, Json& result) {
-  const auto remaining = Differences("", ReadState(), wanted);
-  result["remaining"] = ToJson(remaining);
-  result["verified"] = remaining.empty();
-  if (!remaining.empty())
-    throw Failure(ExitStatus::kFailed, "verification failed: the device differs from the document")
-        .With(result);
-}
+  std::string PlanText() const {
+    return (steps.empty() ? "" : "Differences:\n" + ShowDifferences(result["differences"])) +
+           ShowReasons("cannot be applied: ", result["not_applied"]);
+  }
+
+  std::vector<std::string> Question() const {
+    std::vector<std::string> changed;
+    for (const Step& step : steps) changed.push_back(step.path);
+    std::vector<std::string> lines = AlsoApplied(pending, changed);
+    if (!steps.empty()) lines.insert(lines.begin(), "the device will be changed");
+    return lines;
+  }
+
+  /// Reports whatever ends it: a signal ends it between two calls.
+  Json Run() {
+    const interrupt::Handler handler;
+    for (const Step& step : steps)
+      if (!step.from.is_null()) Do(step);
+    if (reload) Reload(Effect::kNtpReload, false, ReloadNtp);
+    if (reload) Reload(Effect::kNetworkReload, !pending.empty(), ReloadNetwork);
+    if (!failure.has_value()) Verify();
+    if (failure.has_value()) throw failure->With(result);
+    return result;
+  }
+
+ private:
+  void NotApplied(const Step& step, const std::string& reason) {
+    result["not_applied"].push_back(Reason(step.path, reason));
+  }
+
+  void Do(const Step& step) {
+    if (failure.has_value()) return NotApplied(step, "not tried");
+    try {
+      step.set();
+      result[step.effect == Effect::kAtOnce ? "applied" : "stored"].push_back(step.path);
+    } catch (const Failure& it) {
+      const bool is_known = it.outcome == Outcome::kNotDone;
+      result[is_known ? "not_applied" : "unknown"].push_back(Reason(step.path, it.message));
+      Stop(it, "");
+    }
+  }
+
+  // Not if nothing waits for it.
+  void Reload(Effect effect, bool is_pending, const std::function<void()>& call) {
+    Json waiting = Json::array();
+    for (const Step& step : steps)
+      if (step.effect == effect && Contains(result["stored"], step.path))
+        waiting.push_back(step.path);
+    if (failure.has_value() || (waiting.empty() && !is_pending)) return;
+    try {
+      call();
+      result["reloaded"] = true;
+      for (const Json& path : waiting) {
+        Json& stored = result["stored"];
+        stored.erase(std::find(stored.begin(), stored.end(), path));
+        result["applied"].push_back(path);
+      }
+    } catch (const Failure& it) {
+      Stop(it,
+           it.outcome == Outcome::kNotDone ? "stored, not applied: " : "stored, perhaps applied: ");
+    }
+  }
+
+  void Verify() {
+    try {
+      const auto remaining = Differences("", ReadState(), wanted);
+      result["remaining"] = ToJson(remaining);
+      result["verified"] = remaining.empty();
+      if (!remaining.empty())
+        Stop({ExitStatus::kFailed, "the device differs from the document"}, "not verified: ");
+    } catch (const Failure& it) {
+      Stop(it, "not verified: ");
+      if (HasChanged()) failure->outcome = Outcome::kUnknown;
+    }
+  }
+
+  bool HasChanged() const { return !result["applied"].empty() || !result["stored"].empty(); }
+
+  void Stop(const Failure& it, const std::string& prefix) {
+    failure = it;
+    failure->message.insert(0, prefix);
+    if (it.outcome == Outcome::kNotDone && HasChanged()) failure->outcome = Outcome::kPartly;
+  }
+
+  bool reload;
+  Json wanted;
+  std::vector<Step> steps;
+  std::vector<PendingSetting> pending;  // before the import, if there is to be a reload
+  Json result;
+  std::optional<Failure> failure;
+};
 
 Json Run(Tool& tool, const Arguments& arguments) {
-  const Json document = ReadStateFile(arguments.file);
-  const Json current = ReadState();
-  const Json wanted = Merged(current, document);
-  const auto steps = Plan(current, wanted);
-  CheckNtpServers(steps);
-  Json result = {{"differences", ToJson(DifferencesOf(steps))},
-                 {"not_possible", Impossible(steps)},
-                 {"applied", Json::array()},
-                 {"not_applied", Json::array()},
-                 {"remaining", Json::array()},
-                 {"reload", arguments.reload},
-                 {"verified", false}};
-  if (!steps.empty()) {
-    std::cerr << ShowPlan(result);
-    tool.Confirm("the device will be changed", "Change it?");
-    Apply(steps, result);
+  Import import(ReadStateFile(arguments.file), arguments.reload);
+  if (import.IsNeeded()) {
+    std::cerr << import.PlanText();
+    tool.Confirm(import.Question());
   }
-  if (arguments.reload) Reload();
-  Verify(wanted, result);
-  return result;
+  return import.Run();
+}
+
+std::string ShowPaths(const std::string& heading, const Json& paths) {
+  std::string text;
+  for (const Json& path : paths) text += heading + Text(path) + "\n";
+  return text;
 }
 
 std::string Show(const Json& result) {
-  if (result["differences"].empty()) return "the device matches the document\n";
-  std::string text;
-  for (const Json& path : result["applied"]) text += "applied      " + Text(path) + "\n";
-  for (const Json& it : result["not_applied"])
-    text += "not applied  " + Text(it["path"]) + ": " + Text(it["reason"]) + "\n";
+  std::string text = ShowPaths("applied      ", result["applied"]) +
+                     ShowPaths("stored       ", result["stored"]) +
+                     ShowReasons("not known    ", result["unknown"]) +
+                     ShowReasons("not applied  ", result["not_applied"]);
   for (const Json& it : result["remaining"])
     text += "differs      " + ShowDifferences(Json::array({it}));
-  return result["verified"] ? text + "verified\n" : text;
+  if (result["reloaded"]) text += "the stored network configuration is applied\n";
+  if (!result["verified"]) return text;
+  return text + "the device matches the document\n";
 }
 
 }  // namespace

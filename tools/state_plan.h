@@ -5,21 +5,20 @@
 #include <string>
 #include <vector>
 
-#include "tools/daemon.h"
 #include "tools/json.h"
 
 namespace tool {
 
+/// When a setting that is stored comes into effect.
+enum class Effect { kAtOnce, kNtpReload, kNetworkReload };
+
 /// One setting that differs, and how it is set.
 struct Step {
   std::string path;
-  Json from;
+  Json from;  // null if the device has no such object: it cannot be set
   Json to;
-  Daemon daemon = Daemon::kNone;
-  /// Why the library cannot set `to`, else empty. `set` then sets what comes
-  /// nearest, and is empty if that would change nothing.
-  std::string impossible;
-  std::function<bool()> set;
+  Effect effect = Effect::kAtOnce;
+  std::function<void()> set;
 };
 
 /// The steps in a safe order: what can cut the connection comes last.

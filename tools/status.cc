@@ -1,57 +1,56 @@
 // networkgrpc status: a summary of all settings.
-#include <array>
+#include <algorithm>
 #include <optional>
 
-#include "NetworkgRPC_c.h"
 #include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/dante.h"
 #include "tools/host_settings.h"
 #include "tools/interface.h"
+#include "tools/routing_json.h"
+#include "tools/switch.h"
 #include "tools/tool.h"
 
 namespace tool {
 namespace {
 
-Json CurrentSwitchMode() {
-  int id = 0;
-  Do(Daemon::kNetworkManager, "read the switch mode in effect",
-     [&] { return cGetCurrentSwitchMode(&id) == 0; });
-  const auto modes = Get<std::vector<NetworkgRPC::SwitchMode>>(
-      Daemon::kNetworkManager, "list the switch modes", NetworkgRPC::GetSwitchModes);
-  const auto* mode = FindById(modes, id);
-  return {{"id", id}, {"name", mode != nullptr ? mode->name : ""}};
+Json ModeJson(const nm::SwitchMode& mode) { return {{"id", mode.id()}, {"name", mode.name()}}; }
+
+Json SwitchMode() {
+  const auto stored = ReadStoredSwitchMode();
+  const auto in_effect = ReadSwitchModeInEffect();
+  return {{"stored", ModeJson(stored)},
+          {"in_effect", ModeJson(in_effect)},
+          {"pending", stored.id() != in_effect.id()}};
 }
 
-// Null if it cannot be read, also if there is no such interface.
-Json Control() {
-  std::array<cInterfaceInfo, 1> control{};
-  if (cGetControlInterface(control.data(), control.size()) != 1) return nullptr;
-  return {{"ip", control[0].ip}, {"netmask", control[0].netmask}, {"mac", control[0].mac}};
-}
-
+// Whether the stored NTP servers are in effect is not known: daemons do not report it.
 Json Network() {
   Json interfaces = Json::array();
   const std::string hostname = ReadHostname();
-  for (const auto& interface : AllInterfaces()) interfaces.push_back(ToJson(interface));
-  return {{"hostname", hostname},    {"control", Control()}, {"switch_mode", CurrentSwitchMode()},
-          {"ntp", ReadNtpServer()},  {"dns", ReadDns()},     {"gateway", ReadGateway()},
+  for (const auto& interface : ReadInterfaces()) interfaces.push_back(ToJson(interface));
+  return {{"hostname", hostname},
+          {"switch_mode", SwitchMode()},
+          {"ntp", {{"stored", ReadNtpServers()}, {"pending", nullptr}}},
+          {"dns", ReadDnsServers()},
+          {"gateway", ReadGateway()},
           {"interfaces", interfaces}};
 }
 
 Json Dante() {
   const std::string name = ReadDeviceName();
   const auto tx = ReadTxChannels();
-  std::size_t subscribed = 0;
-  const auto links = ReadRouting();
-  for (const auto& link : links) subscribed += link.isRaw || !link.deviceName.empty() ? 1U : 0U;
+  const auto links = ReadRouting(ReadRxChannels());
+  const auto subscribed = std::count_if(links.begin(), links.end(), [](const auto& link) {
+    return !SourceText(ToJson(link)).empty();
+  });
   return {{"name", name},
           {"sample_rate", ReadSampleRate()},
           {"latency", ReadLatency()},
           {"aes67", ReadAes67()},
           {"transmit", !ReadTransmitDisabled()},
           {"ptp_slave_only", ReadPtpSlaveOnly()},
-          {"tx_channels", tx.size()},
+          {"tx_channels", tx.channels_size()},
           {"rx_channels", links.size()},
           {"subscribed", subscribed}};
 }
@@ -77,18 +76,31 @@ Json Run() {
 
 // --- Text ----------------------------------------------------------------------
 
+std::string Joined(const Json& strings) {
+  std::string text;
+  for (const Json& it : strings) text += (text.empty() ? "" : ", ") + Text(it);
+  return text;
+}
+
+std::string ModeText(const Json& mode) {
+  const auto text = [](const Json& it) { return Text(it["id"]) + " " + Text(it["name"]); };
+  return text(mode["in_effect"]) +
+         (mode["pending"] ? "; pending: " + text(mode["stored"]) : std::string());
+}
+
 std::string ShowNetwork(const Json& network) {
-  if (network.is_null()) return "unknown\n";
+  if (network.is_null()) return "not known\n";
   terminal::Table table;
-  const Json& mode = network["switch_mode"];
   table.Add({"hostname", network["hostname"]});
-  table.Add({"switch mode", Text(mode["id"]) + " " + Text(mode["name"])});
-  for (const char* member : {"ntp", "dns", "gateway"}) table.Add({member, network[member]});
+  table.Add({"switch mode", ModeText(network["switch_mode"])});
+  table.Add({"ntp, stored", Joined(network["ntp"]["stored"])});
+  table.Add({"dns", Joined(network["dns"])});
+  table.Add({"gateway", network["gateway"]});
   return table.Text() + "\n" + ShowInterfaces(network["interfaces"]);
 }
 
 std::string ShowDante(const Json& dante) {
-  if (dante.is_null()) return "unknown\n";
+  if (dante.is_null()) return "not known\n";
   terminal::Table table;
   table.Add({"name", dante["name"]});
   table.Add({"sample rate", Text(dante["sample_rate"])});

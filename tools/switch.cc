@@ -9,57 +9,67 @@
 namespace tool {
 namespace {
 
-constexpr auto kDaemon = Daemon::kNetworkManager;
-using Mode = NetworkgRPC::SwitchMode;
-using Modes = std::vector<Mode>;
-
-Mode ReadStored() {
-  return Get<Mode>(kDaemon, "read the stored switch mode", NetworkgRPC::GetConfiguredSwitchMode);
-}
-
-Json ToJson(const Mode& mode) { return {{"id", mode.id}, {"name", mode.name}}; }
+Json ToJson(const nm::SwitchMode& mode) { return {{"id", mode.id()}, {"name", mode.name()}}; }
 
 std::string ShowMode(const Json& mode) {
   return Text(mode["id"]) + " " + Text(mode["name"]) + "\n";
 }
 
+nm::SwitchModes ReadModes() { return Read(rpc::kGetAvailableSwitchModes, "list the switch modes"); }
+
 Json List() {
   Json modes = Json::array();
-  const auto all = Get<Modes>(kDaemon, "list the switch modes", NetworkgRPC::GetSwitchModes);
-  const Mode stored = ReadStored();
-  const Mode in_effect = ReadSwitchModeInEffect();
-  for (const Mode& mode : all) {
+  const auto all = ReadModes();
+  const auto stored = ReadStoredSwitchMode();
+  const auto in_effect = ReadSwitchModeInEffect();
+  for (const auto& mode : all.modes()) {
     Json entry = ToJson(mode);
-    entry["configured"] = mode.id == stored.id;
-    entry["current"] = mode.id == in_effect.id;
+    entry["stored"] = mode.id() == stored.id();
+    entry["in_effect"] = mode.id() == in_effect.id();
     modes.push_back(entry);
   }
-  return {{"modes", modes}};
+  return {{"modes", modes}, {"pending", stored.id() != in_effect.id()}};
 }
 
 std::string ShowList(const Json& result) {
-  terminal::Table table({"ID", "NAME", "STORED", "IN EFFECT"});
+  terminal::Table table({"ID", "NAME", "STORED", "IN-EFFECT"});
   for (const Json& mode : result["modes"])
-    table.Add({Text(mode["id"]), mode["name"], mode["configured"] ? "yes" : "",
-               mode["current"] ? "yes" : ""});
-  return table.Text();
+    table.Add({Text(mode["id"]), mode["name"], mode["stored"] ? "yes" : "no",
+               mode["in_effect"] ? "yes" : "no"});
+  return table.Text() + (result["pending"] ? "The stored mode is not in effect yet.\n" : "");
 }
 
-Json Set(int id) {
-  DoTo(ListedBy(NetworkgRPC::GetSwitchModes, id, "switch list"), kDaemon,
-       "select switch mode " + std::to_string(id), [id] { return SelectSwitchMode(id); });
+std::vector<std::string> Changes(int id) {
+  const auto modes = ReadModes();
+  const auto* wanted = FindById(modes.modes(), id);
+  const auto in_effect = ReadSwitchModeInEffect();
+  return {"switch mode " + std::to_string(id) + (wanted != nullptr ? " " + wanted->name() : "") +
+          " will be stored, for the next reload or restart; in effect is " +
+          std::to_string(in_effect.id()) + " " + in_effect.name()};
+}
+
+Json Set(const Tool& tool, int id) {
+  if (!tool.yes) tool.Confirm(Changes(id));
+  SelectSwitchMode(id);
   return {{"id", id}};
 }
 
 }  // namespace
 
-Mode ReadSwitchModeInEffect() {
-  return Get<Mode>(kDaemon, "read the switch mode in effect", NetworkgRPC::GetCurrentSwitchMode);
+nm::SwitchMode ReadSwitchModeInEffect() {
+  return Read(rpc::kGetSwitchModeStatus, "read the switch mode in effect");
 }
 
-// Wraps as the library does, so that every id reaches the daemon.
-bool SelectSwitchMode(std::int32_t id) {
-  return NetworkgRPC::SetSwitchMode(static_cast<std::int32_t>(static_cast<std::uint32_t>(id) + 1U));
+nm::SwitchMode ReadStoredSwitchMode() {
+  return Read(rpc::kGetSwitchMode, "read the stored switch mode");
+}
+
+void SelectSwitchMode(std::int32_t id) {
+  nm::Id request;
+  request.set_id(id);
+  const Listing listing{"switch list",
+                        [id] { return FindById(ReadModes().modes(), id) != nullptr; }};
+  ChangeObject(listing, rpc::kSetSwitchMode, "select switch mode " + std::to_string(id), request);
 }
 
 void AddSwitch(Tool& tool) {
@@ -74,16 +84,17 @@ void AddSwitch(Tool& tool) {
                 {"networkgrpc switch current"}});
   tool.AddVerb(noun, "configured",
                {"Show the stored switch mode",
-                [] { return ToJson(ReadStored()); },
+                [] { return ToJson(ReadStoredSwitchMode()); },
                 ShowMode,
                 {"networkgrpc switch configured"}});
   const auto id = std::make_shared<int>(0);
   CLI::App& set = tool.AddVerb(
       noun, "set",
       {"Select a switch mode: how the network ports are used",
-       [id] { return Set(*id); },
-       [](const Json& result) { return "switch mode " + Text(result["id"]) + " is selected\n"; },
-       {"networkgrpc switch set 1"}});
+       [&tool, id] { return Set(tool, *id); },
+       [](const Json& result) { return "switch mode " + Text(result["id"]) + " is stored\n"; },
+       {"networkgrpc switch set 1 --yes"}});
+  tool.AddYes(set);
   tool.Offer(terminal::AddInteger(set, "ID", *id, "The mode's id in 'switch list'")->required(),
              Candidates::kSwitchModes);
 }

@@ -3,14 +3,15 @@
 
 #include <cstdint>
 
-#include "NetworkgRPC.h"
+#include "ostrevan/networkmanager.pb.h"
 
 namespace tool {
 
-NetworkgRPC::SwitchMode ReadSwitchModeInEffect();
+ostrevan::networkmanager::SwitchMode ReadSwitchModeInEffect();
+ostrevan::networkmanager::SwitchMode ReadStoredSwitchMode();
 
-/// Selects a switch mode by the id that every getter reports. The library's
-/// setter alone counts the modes from 1.
-bool SelectSwitchMode(std::int32_t id);
+/// Selects a switch mode by the id that every getter reports. The library's setter alone
+/// counts the modes from 1.
+void SelectSwitchMode(std::int32_t id);
 
 }  // namespace tool

@@ -4,10 +4,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <new>
 
 #include "terminal/arguments.h"
 #include "terminal/help.h"
+#include "terminal/printable.h"
 #include "terminal/prompt.h"
+#include "tools/interrupt.h"
 #include "tools/output.h"
 
 namespace tool {
@@ -34,15 +37,25 @@ bool IsUtf8(const std::string& text) {
   }
 }
 
+// "--yes=no" is no "--yes".
+void RejectValuesOfFlags(CLI::App& command) {
+  for (CLI::Option* option : command.get_options())
+    if (option->get_expected_max() == 0) option->disable_flag_override();
+  for (CLI::App* below : command.get_subcommands(nullptr)) RejectValuesOfFlags(*below);
+}
+
 std::string ExitStatusSection() {
   using terminal::Entry;
   return terminal::Section(
-      "Exit status", Entry("0", "done") + Entry("1", "failed") +
-                         Entry("2", "the command line is wrong, or --yes is missing") +
-                         Entry("3", "the time limit passed") +
-                         Entry("4", "the daemon rejected the request, or the request failed") +
-                         Entry("8", "the daemon cannot be reached") +
-                         Entry("10", "the interface, channel or switch mode was not found"));
+      "Exit status",
+      Entry("0", "done") + Entry("1", "failed: not confirmed, or the value read back differs") +
+          Entry("2", "the command line is wrong, or --yes is missing") +
+          Entry("3", "a time limit expired; nothing was changed") +
+          Entry("4", "the daemon rejected the request") +
+          Entry("5", "the daemon answered with an error status") +
+          Entry("6", "the connection or a time limit ended during a change: it may be done") +
+          Entry("8", "the daemon cannot be reached; nothing was changed") +
+          Entry("10", "the interface, role, channel or switch mode was not found"));
 }
 
 std::string EnvironmentSection() {
@@ -57,6 +70,16 @@ std::string EnvironmentSection() {
 }  // namespace
 
 const char* OnOff(bool on) { return on ? "on" : "off"; }
+
+const char* YesNoOrUnknown(const Json& value) {
+  if (value.is_null()) return "unknown";
+  return value.get<bool>() ? "yes" : "no";
+}
+
+const char* ShowApplied(const Json& result) {
+  if (result["applied"].is_null()) return ", stored, perhaps applied\n";
+  return result["applied"].get<bool>() ? ", stored and applied\n" : ", stored\n";
+}
 
 ToText ShowMember(const char* member) {
   return [member](const Json& result) {
@@ -73,8 +96,8 @@ struct Tool::Found {
 
 Tool::Tool() : app("Show and change the settings of a networked amplifier", kName) {
   app.set_help_flag("-h,--help", "Print this help and exit");
-  app.set_help_all_flag("--help-all", "Print the help of all verbs of a noun and exit");
-  app.set_version_flag("--version", std::string(kName) + " " + NETWORKGRPC_VERSION,
+  app.set_help_all_flag("--help-all", "Print the help of all commands below and exit");
+  app.set_version_flag("-V,--version", std::string(kName) + " " + NETWORKGRPC_VERSION,
                        "Print the version and exit");
   app.formatter(std::make_shared<terminal::Help>(
       [this](const CLI::App& command, bool all) { return MoreHelp(command, all); }));
@@ -85,9 +108,14 @@ Tool::Tool() : app("Show and change the settings of a networked amplifier", kNam
 
 void Tool::AddGlobalOptions() {
   app.add_flag("--json", json, "Print one JSON object instead of text");
-  app.add_option("--timeout", timeout, "Fail after this time; default 30")
+  app.add_option("--timeout", calls.timeout, "Longest time for a call; default 30")
       ->type_name("SECONDS")
       ->check(terminal::Seconds(0.01));
+  app.add_option("--total-timeout", calls.total_timeout,
+                 "Longest time for all calls together; default no limit")
+      ->type_name("SECONDS")
+      ->check(terminal::Seconds(0.01));
+  app.add_flag("--verbose", calls.verbose, "Report each call on standard error");
   app.add_option("--network-manager", network_manager, "Endpoint of the network-manager daemon")
       ->type_name("ENDPOINT");
   app.add_option("--dapi", dapi, "Endpoint of the Dante API daemon")->type_name("ENDPOINT");
@@ -130,20 +158,19 @@ void Tool::AddYes(CLI::App& verb) {
   verb.add_flag("-y,--yes", yes, "Do not ask for confirmation; required if there is no terminal");
 }
 
-void Tool::Confirm(const std::string& what, const std::string& question) {
+void Tool::Confirm(const std::vector<std::string>& changes) const {
   if (yes) return;
   if (!terminal::HasPerson())
-    throw Failure(ExitStatus::kUsage,
-                  what + "; there is no terminal to ask for confirmation: --yes is required");
-  time_limit::Stop();  // a person may think
-  if (!terminal::AnswersYes(what + ". " + question))
-    throw Failure(ExitStatus::kFailed, "nothing was changed");
-  time_limit::Start(Limit());
+    throw Failure(ExitStatus::kUsage, changes.front() +
+                                          "; there is no terminal to ask for confirmation: "
+                                          "--yes is required");
+  for (const std::string& change : changes) std::cerr << terminal::Printable(change) + "\n";
+  const Pause pause;
+  if (!terminal::AnswersYes("Continue?"))
+    throw Failure(ExitStatus::kFailed, "not confirmed: nothing was changed");
 }
 
-time_limit::Limit Tool::Limit() const { return {timeout, json, Selected().name}; }
-
-// The library reads its endpoints from the environment.
+// Every client reads its endpoint from the environment.
 void Tool::UseEndpoints() const {
   if (!network_manager.empty())
     setenv(EndpointSetting(Daemon::kNetworkManager).variable, network_manager.c_str(), 1);
@@ -167,36 +194,48 @@ Tool::Found Tool::Selected() const {
 }
 
 int Tool::Fail(const Found& found, const Failure& failure) const {
-  time_limit::Stop();
   if (json) return Print(JsonText(ErrorJson(found.name, failure)), failure.status);
   const bool has_result = !failure.result.is_null();
   const int status =
       Print(has_result ? verbs.at(found.verb).show(failure.result) : "", failure.status);
-  std::cerr << ErrorLine(failure);
+  std::cerr << ErrorLine(failure.message);
   return status;
 }
 
 int Tool::Run(const Found& found) {
   const Verb& verb = verbs.at(found.verb);
-  time_limit::Start(Limit());
+  SetCallOptions(calls);
+  interrupt::Watch();
   try {
     const Json result = verb.run();
-    time_limit::Stop();
-    return Print(json ? JsonText(ResultJson(found.name, result)) : verb.show(result),
-                 ExitStatus::kDone);
+    const bool has_result = !result.is_null();  // watch has none
+    const std::string text = json ? JsonText(ResultJson(found.name, result)) : verb.show(result);
+    return Print(has_result ? text : "", ExitStatus::kDone);
   } catch (const Failure& failure) {
     return Fail(found, failure);
-  } catch (const std::exception& error) {  // out of memory, an impossible reply
-    return Fail(found, {ExitStatus::kFailed, error.what()});
+  } catch (const std::bad_alloc&) {
+    return Fail(found, {ExitStatus::kFailed, "out of memory"});
   }
 }
 
 int Tool::Usage(const std::string& message, bool as_json) const {
-  const std::string hint = "; see 'networkgrpc --help'";
-  const Failure failure(ExitStatus::kUsage, message + hint);
-  if (as_json) return Print(JsonText(ErrorJson(Selected().name, failure)), failure.status);
-  std::cerr << ErrorLine(failure);
+  const std::string name = Selected().name;
+  const std::string command = name.empty() ? "" : name + " ";
+  const Failure failure(ExitStatus::kUsage, message + "; see 'networkgrpc " + command + "--help'");
+  if (as_json) return Print(JsonText(ErrorJson(name, failure)), failure.status);
+  std::cerr << ErrorLine(failure.message);
   return Exit(failure.status);
+}
+
+void Tool::Parse(std::vector<std::string> arguments) {
+  // "help interface set" is "interface set --help".
+  if (!arguments.empty() && arguments.front() == "help") {
+    arguments.erase(arguments.begin());
+    arguments.emplace_back("--help");
+  }
+  RejectValuesOfFlags(app);
+  std::reverse(arguments.begin(), arguments.end());  // as the parser expects them
+  app.parse(std::move(arguments));
 }
 
 int Tool::Main(int argc, char** argv) {
@@ -206,7 +245,7 @@ int Tool::Main(int argc, char** argv) {
   for (const std::string& argument : arguments)
     if (!IsUtf8(argument)) return Usage("an argument is not valid UTF-8", as_json);
   try {
-    app.parse(argc, argv);
+    Parse(arguments);
   } catch (const CLI::CallForHelp&) {
     return Print(app.help(), ExitStatus::kDone);
   } catch (const CLI::CallForAllHelp&) {

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "tools/call.h"
 #include "tools/failure.h"
 #include "tools/json.h"
-#include "tools/time_limit.h"
 
 namespace tool {
 
@@ -44,6 +44,12 @@ ToText ShowMember(const char* member);
 
 const char* OnOff(bool on);
 
+/// "yes", "no", or "unknown" for null.
+const char* YesNoOrUnknown(const Json& value);
+
+/// The end of a line about a result with the members that Apply adds.
+const char* ShowApplied(const Json& result);
+
 class Tool {
  public:
   Tool();
@@ -62,9 +68,12 @@ class Tool {
   /// What completes the value of an argument or option.
   void Offer(CLI::Option* option, Candidates what) { candidates[option] = what; }
 
-  /// Prints what is about to happen and asks whether to continue; throws if not.
+  /// Prints what will change, a line each, and asks whether to continue; throws if not.
   /// Without a terminal --yes is required.
-  void Confirm(const std::string& what, const std::string& question);
+  ///
+  /// Every command asks that changes what is in use now: an address in use, a reload or
+  /// restart, which also applies what others have stored, the switch mode, transmission.
+  void Confirm(const std::vector<std::string>& changes) const;
 
   /// Parses, runs, prints; returns the exit status.
   int Main(int argc, char** argv);
@@ -72,15 +81,13 @@ class Tool {
   /// text, a tab, its description. A line without text stands for file names.
   int Complete(const std::vector<std::string>& words);
 
-  /// The time limit of the running command, for one that restarts it.
-  time_limit::Limit Limit() const;
+  /// Seconds that a call may take.
+  double Timeout() const { return calls.timeout; }
+  bool Verbose() const { return calls.verbose; }
 
   CLI::App app;
   bool json = false;
   bool yes = false;
-  /// Set by a command that leaves a thread in a call: the process must then end
-  /// without destructors.
-  bool exit_at_once = false;
 
  private:
   struct Found;
@@ -89,6 +96,7 @@ class Tool {
   std::string MoreHelp(const CLI::App& command, bool all) const;
   void UseEndpoints() const;
   Found Selected() const;
+  void Parse(std::vector<std::string> arguments);
   int Run(const Found& found);
   int Fail(const Found& found, const Failure& failure) const;
   int Usage(const std::string& message, bool as_json) const;
@@ -96,7 +104,7 @@ class Tool {
   std::map<const CLI::App*, Verb> verbs;
   std::map<const CLI::App*, std::string> verb_of_noun;
   std::map<const CLI::Option*, Candidates> candidates;
-  double timeout = 30;
+  CallOptions calls;
   std::string network_manager;
   std::string dapi;
 };

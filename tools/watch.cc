@@ -1,15 +1,18 @@
 // networkgrpc watch: prints changes.
-#include <poll.h>
-#include <unistd.h>
-
-#include <csignal>
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <ctime>
 #include <iostream>
-#include <optional>
+#include <memory>
+#include <mutex>
+#include <thread>
 
 #include "terminal/arguments.h"
 #include "tools/call.h"
 #include "tools/host_settings.h"
 #include "tools/interface.h"
+#include "tools/interrupt.h"
 #include "tools/output.h"
 #include "tools/state.h"
 #include "tools/switch.h"
@@ -18,85 +21,128 @@
 namespace tool {
 namespace {
 
-// Every line is written at once, so that nothing remains to be written.
-void End(int) { _exit(static_cast<int>(ExitStatus::kDone)); }
-
-// The settings, and what is in effect.
-Json Observe() {
-  Json state = ReadState();
-  Json live = {{"switch_mode", ReadSwitchModeInEffect().id},
-               {"dns", ReadDns()},
-               {"gateway", ReadGateway()},
-               {"interfaces", Json::array()}};
-  for (const auto& it : AllInterfaces())
-    live["interfaces"].push_back(
-        {{"name", it.name}, {"active", it.active}, {"ip", it.ip}, {"netmask", it.netmask}});
-  return {{"network", state["network"]}, {"dante", state["dante"]}, {"live", live}};
+// As in RFC 3339, in UTC.
+std::string Time() {
+  const std::time_t now = std::time(nullptr);
+  std::tm parts{};
+  gmtime_r(&now, &parts);
+  std::array<char, 32> text{};
+  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
+  return text.data();
 }
 
-class Watcher {
+// The settings, and what is in effect.
+Json ObserveNetwork() {
+  Json live = {{"switch_mode", ReadSwitchModeInEffect().id()},
+               {"dns", ReadDnsServers()},
+               {"gateway", ReadGateway()},
+               {"interfaces", Json::array()}};
+  for (const auto& it : ReadInterfaces()) {
+    Json entry = {{"name", it.name}};
+    entry.update(ToJson(it)["in_effect"]);
+    live["interfaces"].push_back(entry);
+  }
+  return {{"network", ReadNetworkState()}, {"live", live}};
+}
+
+Json ObserveDante() { return {{"dante", ReadDanteState()}}; }
+
+/// Where the watchers of both daemons write, one line at a time.
+class Lines {
  public:
-  explicit Watcher(Tool& owner) : tool(owner) {}
-
-  void Poll() {
-    time_limit::Start(tool.Limit());
-    std::optional<Json> now;
-    std::optional<Failure> failure;
-    try {
-      now = Observe();
-    } catch (const Failure& it) {
-      failure = it;
-    }
-    time_limit::Stop();
-    if (failure.has_value())
-      Report(*failure);
-    else
-      Report(*now);
-  }
-
- private:
-  void Report(const Failure& failure) {
-    if (last_error == failure.what()) return;
-    last_error = failure.what();
-    Write(tool.json ? JsonText(ErrorJson("watch", failure))
-                    : terminal::Printable(failure.what()) + "\n");
-  }
-
-  void Report(const Json& now) {
-    if (!last_error.empty()) {
-      last_error.clear();
-      Event("daemons", nullptr, "answer again");
-    }
-    if (last.is_null())
-      Event("watch", nullptr, "started");
-    else
-      for (const Difference& it : Differences("", last, now)) Event(it.path, it.from, it.to);
-    last = now;
-  }
+  explicit Lines(bool as_json) : json(as_json) {}
 
   void Event(const std::string& path, const Json& from, const Json& to) {
     const Json event = {{"path", path}, {"from", from}, {"to", to}};
-    Write(tool.json ? JsonText(ResultJson("watch", event)) : ShowDifferences(Json::array({event})));
+    Write(ResultJson("watch", event), ShowDifferences(Json::array({event})));
   }
 
-  void Write(const std::string& line) {
-    std::cout << line << std::flush;
-    if (!std::cout) throw Failure(ExitStatus::kFailed, "cannot write");
+  void Error(const Failure& failure) {
+    Write(ErrorJson("watch", failure), terminal::Printable(failure.message) + "\n");
   }
 
-  Tool& tool;
+  /// Waits; false if the program is to end.
+  bool Continues(double seconds) {
+    std::unique_lock<std::mutex> lock(mutex);
+    const auto pause = std::chrono::duration<double>(seconds);
+    return !ended.wait_for(lock, pause, [this] { return has_ended; });
+  }
+
+  void End() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    has_ended = true;
+    ended.notify_all();
+  }
+
+  bool CanWrite() const { return static_cast<bool>(std::cout); }
+
+ private:
+  void Write(Json object, const std::string& text) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (has_ended) return;
+    const std::string time = Time();
+    object["time"] = time;
+    std::cout << (json ? JsonText(object) : time + " " + text) << std::flush;
+    if (CanWrite()) return;
+    has_ended = true;
+    ended.notify_all();
+  }
+
+  const bool json;
+  std::mutex mutex;
+  std::condition_variable ended;
+  bool has_ended = false;
+};
+
+// Watches one daemon: what another does, or does not, is no obstacle.
+class Watcher {
+ public:
+  Watcher(Lines& to, Daemon which, Json (*how)()) : lines(to), daemon(which), observe(how) {}
+
+  void Run(double interval) {
+    do {
+      Poll();
+    } while (lines.Continues(interval));
+  }
+
+ private:
+  void Poll() {
+    try {
+      Report(observe());
+    } catch (const Failure& failure) {
+      if (last_error != failure.message) lines.Error(failure);
+      last_error = failure.message;
+    }
+  }
+
+  void Report(const Json& now) {
+    if (!last_error.empty()) lines.Event(Name(daemon), nullptr, "answers again");
+    last_error.clear();
+    if (last.is_null())
+      lines.Event(Name(daemon), nullptr, "watched");
+    else
+      for (const Difference& it : Differences("", last, now)) lines.Event(it.path, it.from, it.to);
+    last = now;
+  }
+
+  Lines& lines;
+  const Daemon daemon;
+  Json (*const observe)();
   Json last;
   std::string last_error;
 };
 
-[[noreturn]] void Run(Tool& tool, double interval) {
-  std::signal(SIGINT, End);
-  std::signal(SIGTERM, End);
-  Watcher watcher(tool);
-  while (true) {
-    watcher.Poll();
-    poll(nullptr, 0, static_cast<int>(interval * 1000));
-  }
+// Ends when interrupted, with success, or when nobody reads the lines any more.
+Json Run(const Tool& tool, double interval) {
+  Lines lines(tool.json);
+  const interrupt::Handler handler([&lines] { lines.End(); });
+  Watcher network(lines, Daemon::kNetworkManager, ObserveNetwork);
+  Watcher dante(lines, Daemon::kDante, ObserveDante);
+  std::thread other([&dante, interval] { dante.Run(interval); });
+  network.Run(interval);
+  other.join();
+  if (!lines.CanWrite()) throw Failure(ExitStatus::kFailed, "cannot write the lines");
+  return nullptr;
 }
 
 }  // namespace
@@ -105,7 +151,7 @@ void AddWatch(Tool& tool) {
   const auto interval = std::make_shared<double>(2);
   CLI::App& verb = tool.AddVerb(tool.app, "watch",
                                 {"Print changes, one per line, until interrupted",
-                                 [&tool, interval]() -> Json { Run(tool, *interval); },
+                                 [&tool, interval] { return Run(tool, *interval); },
                                  [](const Json&) { return std::string(); },
                                  {"timeout --preserve-status 1 networkgrpc watch --interval 0.2"}});
   verb.add_option("--interval", *interval, "Time between two readings; default 2")

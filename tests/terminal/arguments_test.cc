@@ -34,8 +34,9 @@ INSTANTIATE_TEST_SUITE_P(
     , Checks,
     testing::Values(Case{"Port",
                          terminal::Integer(0, 65535),
-                         {"0", "65535", "+5", "0x10"},
-                         {"65536", "-1", "", "abc", "1.5", "1e3", "5x", "99999999999999999999"},
+                         {"0", "65535", "010"},
+                         {"65536", "-1", "", "abc", "1.5", "1e3", "5x", "+5", " 5", "0x10",
+                          "99999999999999999999"},
                          "'65536' must be an integer from 0 to 65535"},
                     Case{"AtLeastOne",
                          terminal::Integer(1, 64),
@@ -65,20 +66,42 @@ INSTANTIATE_TEST_SUITE_P(
                          "'maybe' must be on or off"}),
     [](const testing::TestParamInfo<Case>& it) { return std::string(it.param.name); });
 
-// What a program with one noun and a number says of command lines that are wrong.
-std::string Complaint(const std::vector<std::string>& words) {
-  CLI::App app("Do things.", "program");
-  app.require_subcommand(1);
-  CLI::App* noun = app.add_subcommand("noun", "Things.");
-  noun->require_subcommand(1);
-  std::uint32_t number = 0;
-  terminal::AddInteger(*noun->add_subcommand("set", "Set."), "ID", number, "Its id")->required();
-  try {
+// A program with one noun and a number.
+struct Program {
+  Program() {
+    app.require_subcommand(1);
+    CLI::App* noun = app.add_subcommand("noun", "Things.");
+    noun->require_subcommand(1);
+    CLI::App* set = noun->add_subcommand("set", "Set.");
+    terminal::AddInteger(*set, "ID", number, "Its id")->required();
+    CLI::Option* name = set->add_option("--name", text, "Its name");
+    set->add_flag("--unnamed", "None")->excludes(name)->disable_flag_override();
+  }
+
+  void Parse(const std::vector<std::string>& words) {
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+  }
+
+  CLI::App app{"Do things.", "program"};
+  std::uint32_t number = 0;
+  std::string text;
+};
+
+// What it says of command lines that are wrong.
+std::string Complaint(const std::vector<std::string>& words) {
+  Program program;
+  try {
+    program.Parse(words);
   } catch (const CLI::ParseError& error) {
-    return terminal::Explain(app, error);
+    return terminal::Explain(program.app, error);
   }
   return "";
+}
+
+TEST(CommandLine, IntegerBeginsWithZero_IsParsed_IsDecimal) {
+  Program program;
+  program.Parse({"noun", "set", "010"});
+  EXPECT_EQ(program.number, 10U);
 }
 
 TEST(CommandLine, Wrong_IsExplained_NamesTheCulprit) {
@@ -88,6 +111,15 @@ TEST(CommandLine, Wrong_IsExplained_NamesTheCulprit) {
   EXPECT_EQ(Complaint({"noun", "set"}), "ID is required");
   EXPECT_EQ(Complaint({"noun", "set", "1", "2"}), "unexpected argument '2'");
   EXPECT_EQ(Complaint({"noun", "set", "1", "--more"}), "unexpected argument '--more'");
+  EXPECT_EQ(Complaint({"noun", "set", "1", "--nane", "a"}),
+            "unexpected argument '--nane'; did you mean '--name'?");
+  EXPECT_EQ(Complaint({"noun", "se", "1"}), "unexpected argument 'se'; did you mean 'set'?");
+  EXPECT_EQ(Complaint({"noun", "set", "1", "--name"}), "--name requires a value");
+  EXPECT_EQ(Complaint({"noun", "set", "1", "--name=a", "--name=b"}),
+            "--name can be given only once");
+  EXPECT_EQ(Complaint({"noun", "set", "1", "--unnamed=2"}), "--unnamed does not have a value");
+  EXPECT_EQ(Complaint({"noun", "set", "1", "--unnamed", "--name=a"}),
+            "--name cannot be combined with --unnamed");
   EXPECT_EQ(Complaint({"noun", "put"}), "unexpected argument 'put'");
   EXPECT_EQ(Complaint({"verb"}), "unexpected argument 'verb'");
   EXPECT_EQ(Complaint({"noun"}), "a command is required");

@@ -99,22 +99,22 @@ start_device_with_unusual_names() {
 }
 
 @test "Validation_DocumentIsWrong_RejectsItAndNamesTheMember" {
-  validate - <<<'{"schema":1,"command":"dns","result":{"dns":"10.0.0.1"}}'
+  validate - <<<'{"schema":2,"command":"dns","result":{"dns":["10.0.0.1"]}}'
   while IFS='|' read -r document message; do
     run -1 --separate-stderr validate - <<<"$document"
     [[ $stderr == "-: line 1: $message"* ]] || { echo "$document: $stderr"; return 1; }
   done <<'DOCUMENTS'
 {} {}|not one JSON object
-{"schema":2,"command":"dns","result":{"dns":""}}|$.schema: 1 was expected
-{"schema":1,"command":"dns"}|$: 'error' is a required property
-{"schema":1,"command":"dns","error":{"code":7,"name":"failed","daemon":"","message":""}}|$.error.code: 7 is not one of
-{"schema":1,"command":"colour","result":{"dns":""}}|$.command: 'colour' is unknown
-{"schema":1,"command":"dns","result":{}}|$.result: 'dns' is a required property
-{"schema":1,"command":"dns","result":{"dns":"","ttl":1}}|$.result: Additional properties are not allowed ('ttl'
-{"schema":1,"command":"dns","result":{"dns":null}}|$.result.dns: None is not of type 'string'
-{"schema":1,"command":"dante latency","result":{"latency":4294967296}}|$.result.latency: 4294967296 is greater
-{"schema":1,"command":"channel count","result":{"tx":1,"rx":-2147483649}}|$.result.rx: -2147483649 is less
-{"schema":1,"command":"routing set","result":{"rx_channel":1,"device":"","channel":"","raw":{"ip":""}}}|$.result.raw: 'value2' is a required
-{"schema":1,"command":"export","result":{"schema":1,"dante":{"colour":1}}}|$.result.dante: Additional properties
+{"schema":1,"command":"dns","result":{"dns":[]}}|$.schema: 2 was expected
+{"schema":2,"command":"dns"}|$: 'error' is a required property
+{"schema":2,"command":"dns","error":{"code":7,"name":"failed","daemon":"","endpoint":"","rpc":"","grpc_status":"","daemon_message":"","message":"","outcome":"not-done"}}|$.error.code: 7 is not one of
+{"schema":2,"command":"colour","result":{"dns":[]}}|$.command: 'colour' is unknown
+{"schema":2,"command":"dns","result":{}}|$.result: 'dns' is a required property
+{"schema":2,"command":"dns","result":{"dns":[],"ttl":1}}|$.result: Additional properties are not allowed ('ttl'
+{"schema":2,"command":"dns","result":{"dns":null}}|$.result.dns: None is not of type 'array'
+{"schema":2,"command":"dante latency","result":{"latency":4294967296}}|$.result.latency: 4294967296 is greater
+{"schema":2,"command":"channel count","result":{"tx":1,"rx":-2147483649}}|$.result.rx: -2147483649 is less
+{"schema":2,"command":"routing set","result":{"rx_channel":1,"device":"","channel":"","raw":{"ip":""}}}|$.result.raw: 'value2' is a required
+{"schema":2,"command":"export","result":{"schema":1,"dante":{"colour":1}}}|$.result.dante: Additional properties
 DOCUMENTS
 }

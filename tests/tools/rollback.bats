@@ -17,7 +17,7 @@ is_back() { [ "$(stored)" = "$before" ]; }
 is_set() { [ "$(stored | jq -r .ip)" = 192.168.10.60 ]; }
 # The change, and its rollback.
 stored_twice() { [ "$(control calls | grep -c SetNetworkConfig)" -eq 2 ]; }
-in_use() { tool interface control --json | jq -r '.result.interfaces[0].ip'; }
+in_use() { tool interface control --json | jq -r '.result.interfaces[0].in_effect.ip'; }
 
 change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --reload)
 
@@ -83,8 +83,9 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
 @test "ConfirmWithin_TimeLimitExpiresDuringTheChange_RollsBack" {
   stop_devices
   start_controlled_simulator --fault SetNetworkConfig:freeze,times=1
-  run -3 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 60 --timeout 0.5 <<<y
-  wait_until stored_twice
+  run -6 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 60 --timeout 0.5 <<<y
+  [[ $stderr == *"outcome unknown"*"; the previous configuration is restored" ]]
+  stored_twice
 }
 
 @test "ConfirmWithin_RollbackFailsOnce_Retries" {
@@ -96,8 +97,18 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
 }
 
 @test "ConfirmWithin_DaemonRejectsTheChange_ChangesNothing" {
-  run -4 --separate-stderr "$TOOL" interface set --control --ip 300.0.0.1 --netmask 255.0.0.0 \
-    --reload --confirm-within 10 <<<y
+  stop_devices
+  start_controlled_simulator --fault SetNetworkConfig:reject
+  run -4 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<y
+  is_back
+  run -1 grep -q Reload <(control calls)
+}
+
+@test "ConfirmWithin_ReloadFails_RollsBackAndSaysSo" {
+  stop_devices
+  start_simulator --fault ReloadNetworkConfig:reject,times=1
+  run -4 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<y
+  [[ $stderr == *"cannot reload"*"; the previous configuration is restored" ]]
   is_back
 }
 
