@@ -159,8 +159,8 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   /// "eth0", Dante primary "dante-0", Dante secondary "dante-1". Unresolved roles have id -1, so -1
   /// matches the first unresolved role.
   ///
-  /// Makes no RPC, unless it is the process's first call to this class. Thread-safe (see
-  /// NetworkgRPC).
+  /// Makes no RPC, except GetAvailableInterfaces if the process has not called this daemon before.
+  /// Thread-safe (see NetworkgRPC).
   /// @param[in] id  Interface id.
   /// @param[out] label  The label. Unchanged on failure.
   /// @return
