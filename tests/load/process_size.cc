@@ -44,8 +44,8 @@ std::string WhatGrew(const std::vector<ProcessSize>& samples) {
   if (samples.size() < 8) return "too few samples to tell; ";
   std::string grew;
   if (support::kResidentMemoryIsMeaningful)
-    grew += Grew(samples, &ProcessSize::resident_kib, 1024, "resident KiB");
-  return grew + Grew(samples, &ProcessSize::threads, 2, "threads") +
+    grew += Grew(samples, &ProcessSize::resident_kib, 2048, "resident KiB");
+  return grew + Grew(samples, &ProcessSize::threads, 4, "threads") +
          Grew(samples, &ProcessSize::descriptors, 1, "descriptors");
 }
 
