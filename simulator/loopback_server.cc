@@ -3,115 +3,132 @@
 #include <grpcpp/security/server_credentials.h>
 #include <grpcpp/server_builder.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace simulator {
 namespace {
 
 // How often a free port is searched: one that is free on one loopback address is
-// seldom in use on the other, and seldom taken before this process listens on it.
+// seldom in use on the other.
 constexpr int kAttempts = 20;
 
 struct Loopback {
   int family;
   const char* address;
 };
-using Loopbacks = std::vector<Loopback>;
+// Listens on a port of a loopback address, 0 for any port. Closed, with the reason in
+// errno, if it cannot.
+Descriptor Listen(int family, int port) {
+  sockaddr_in6 in6{};
+  in6.sin6_family = AF_INET6;
+  in6.sin6_addr = in6addr_loopback;
+  in6.sin6_port = htons(static_cast<std::uint16_t>(port));
+  sockaddr_in in4{};
+  in4.sin_family = AF_INET;
+  in4.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  in4.sin_port = in6.sin6_port;
+  const bool is6 = family == AF_INET6;
+  const auto* address = is6 ? reinterpret_cast<sockaddr*>(&in6) : reinterpret_cast<sockaddr*>(&in4);
+  const auto size = static_cast<socklen_t>(is6 ? sizeof in6 : sizeof in4);
 
-// Binds the address and releases it. Returns its port, or 0 with the reason in errno.
-int TryBind(sockaddr* address, socklen_t size) {
-  const int file = socket(address->sa_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (file < 0) return 0;
-  // As gRPC does: connections that have just ended do not hold the port.
+  Descriptor listening(socket(family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+  // Connections that have just ended do not hold the port. Without SO_REUSEPORT, no
+  // other process can listen on it, too, and get half the connections.
   const int yes = 1;
-  setsockopt(file, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-  const bool bound = bind(file, address, size) == 0 && getsockname(file, address, &size) == 0;
-  const int reason = errno;
-  close(file);
-  errno = reason;
-  // The port has the same offset in both address families.
-  return bound ? ntohs(reinterpret_cast<const sockaddr_in*>(address)->sin_port) : 0;
+  setsockopt(listening.Get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+  if (!listening.IsOpen() || bind(listening.Get(), address, size) != 0 ||
+      listen(listening.Get(), SOMAXCONN) != 0)
+    listening.Close();
+  return listening;
 }
 
-// The same for a port of a loopback address, 0 for any port.
-int TryBind(int family, int port) {
-  const auto wanted = htons(static_cast<std::uint16_t>(port));
-  if (family == AF_INET6) {
-    sockaddr_in6 address{};
-    address.sin6_family = AF_INET6;
-    address.sin6_addr = in6addr_loopback;
-    address.sin6_port = wanted;
-    return TryBind(reinterpret_cast<sockaddr*>(&address), sizeof address);
+int PortOf(const Descriptor& listening) {
+  sockaddr_in6 address{};
+  socklen_t size = sizeof address;
+  getsockname(listening.Get(), reinterpret_cast<sockaddr*>(&address), &size);
+  return ntohs(address.sin6_port);  // at the same offset in both address families
+}
+
+bool IsAbsent(const Loopback& loopback) {
+  return loopback.family == AF_INET6 && (errno == EAFNOSUPPORT || errno == EADDRNOTAVAIL);
+}
+
+// Listens on one port of all loopback addresses of this machine, 0 for one that is
+// free on all. Otherwise returns none, and the address and the reason in `failure`.
+std::vector<Descriptor> ListenOnAll(int port, std::string& failure) {
+  static const std::array<Loopback, 2> kLoopbacks{{{AF_INET, "127.0.0.1"}, {AF_INET6, "[::1]"}}};
+  std::vector<Descriptor> sockets;
+  for (const Loopback& loopback : kLoopbacks) {
+    Descriptor listening = Listen(loopback.family, port);
+    if (listening.IsOpen()) {
+      port = PortOf(listening);
+      sockets.push_back(std::move(listening));
+    } else if (!IsAbsent(loopback)) {
+      failure = loopback.address + (':' + std::to_string(port)) + ": " + std::strerror(errno);
+      return {};
+    }
   }
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = wanted;
-  return TryBind(reinterpret_cast<sockaddr*>(&address), sizeof address);
+  return sockets;
 }
 
-Loopbacks LoopbacksOfThisMachine() {
-  Loopbacks loopbacks{{AF_INET, "127.0.0.1"}};
-  if (TryBind(AF_INET6, 0) != 0) loopbacks.push_back({AF_INET6, "[::1]"});
-  return loopbacks;
-}
-
-// Changes `port` from 0 to one that is free on all addresses. Returns the address
-// on which it is not free, and the reason; "" if there is none. Another process may
-// take the port before the caller does.
-std::string FindFreePort(const Loopbacks& loopbacks, int& port) {
-  for (const Loopback& loopback : loopbacks) {
-    const int bound = TryBind(loopback.family, port);
-    if (bound == 0)
-      return loopback.address + (':' + std::to_string(port)) + ": " + std::strerror(errno);
-    port = bound;
+std::vector<Descriptor> ListenOnAll(int port) {
+  std::string failure;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    std::vector<Descriptor> sockets = ListenOnAll(port, failure);
+    if (!sockets.empty()) return sockets;
+    if (port != 0) break;
   }
-  return "";
+  throw std::runtime_error("cannot listen on " + failure +
+                           "; use another port, or 0 for a free port");
 }
 
-// Null if another process has taken the port.
-std::unique_ptr<grpc::Server> Serve(grpc::CallbackGenericService& service,
-                                    const Loopbacks& loopbacks, int port) {
-  grpc::ServerBuilder builder;
-  // Without this, two processes could share the port and each get half the calls.
-  builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
-  for (const Loopback& loopback : loopbacks)
-    builder.AddListeningPort(loopback.address + (':' + std::to_string(port)),
-                             grpc::InsecureServerCredentials());
-  builder.RegisterCallbackGenericService(&service);
-  return builder.BuildAndStart();
+std::vector<int> Numbers(const std::vector<Descriptor>& sockets) {
+  std::vector<int> numbers;
+  for (const Descriptor& socket : sockets) numbers.push_back(socket.Get());
+  return numbers;
 }
 
 }  // namespace
 
 LoopbackServer::LoopbackServer(grpc::CallbackGenericService& service, int wanted_port)
-    : port(wanted_port) {
-  const Loopbacks loopbacks = LoopbacksOfThisMachine();
-  std::string failure;
-  for (int attempt = 0; server == nullptr && attempt < kAttempts; ++attempt) {
-    port = wanted_port;
-    failure = FindFreePort(loopbacks, port);
-    if (failure.empty()) server = Serve(service, loopbacks, port);
-    if (wanted_port != 0) break;
-  }
-  if (server == nullptr)
-    throw std::runtime_error("cannot listen on " +
-                             (failure.empty() ? "port " + std::to_string(port) : failure) +
-                             "; use another port, or 0 for a free port");
+    : sockets(ListenOnAll(wanted_port)), port(PortOf(sockets.front())) {
+  using Builder = grpc::ServerBuilder;
+  Builder builder;
+  connections = builder.experimental().AddExternalConnectionAcceptor(
+      Builder::experimental_type::ExternalConnectionType::FROM_FD,
+      grpc::InsecureServerCredentials());
+  builder.RegisterCallbackGenericService(&service);
+  server = builder.BuildAndStart();
+  if (server == nullptr) throw std::runtime_error("cannot start a gRPC server");
+  accepting.emplace(
+      "port " + std::to_string(port), Numbers(sockets),
+      [this](int listening, Descriptor connection) { Serve(listening, std::move(connection)); });
 }
 
 LoopbackServer::~LoopbackServer() {
+  accepting.reset();
+  sockets.clear();
   server->Shutdown(std::chrono::system_clock::now());
   server->Wait();
+}
+
+void LoopbackServer::Serve(int listening, Descriptor connection) {
+  const int yes = 1;
+  setsockopt(connection.Get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
+  grpc::experimental::ExternalConnectionAcceptor::NewConnectionParameters parameters;
+  parameters.listener_fd = listening;
+  parameters.fd = connection.Release();
+  connections->HandleNewConnection(&parameters);
 }
 
 }  // namespace simulator

@@ -1,26 +1,33 @@
 #include "simulator/program/control_socket.h"
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdint>
+#include <chrono>
 #include <cstring>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace simulator {
 namespace {
 
-// A silent peer must not keep the others waiting.
-constexpr timeval kServerLimit{2, 0};
-constexpr timeval kClientLimit{20, 0};
+using Clock = std::chrono::steady_clock;
+
+// How long one client may take to send its request, and to read the answer.
+constexpr std::chrono::seconds kRequestLimit{2};
+constexpr std::chrono::seconds kAnswerLimit{20};
+constexpr std::size_t kMostClients = 32;  // at once; others wait until they are accepted
+
+constexpr timeval kAskLimit{20, 0};
 constexpr std::size_t kLongestRequest = 65536;
 constexpr std::size_t kLongestAnswer = std::size_t{256} * 1024 * 1024;
 
@@ -41,38 +48,19 @@ sockaddr_un AddressOf(const std::string& path) {
   return address;
 }
 
-// A descriptor that is closed with the object.
-class Socket {
- public:
-  Socket() : file(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
-  explicit Socket(int accepted) : file(accepted) {}
-  ~Socket() {
-    if (file >= 0) close(file);
-  }
-  Socket(const Socket&) = delete;
-  Socket& operator=(const Socket&) = delete;
-
-  int File() const { return file; }
-  int Release() { return std::exchange(file, -1); }
-
- private:
-  int file;
-};
-
-bool Connect(const Socket& socket, const sockaddr_un& address) {
-  return connect(socket.File(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+Descriptor MakeSocket(int flags = 0) {
+  return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
 }
 
-void SetLimit(const Socket& socket, const timeval& limit) {
-  setsockopt(socket.File(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-  setsockopt(socket.File(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+bool Connect(const Descriptor& socket, const sockaddr_un& address) {
+  return connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-bool SendLine(const Socket& socket, std::string line) {
+bool SendLine(const Descriptor& socket, std::string line) {
   line += '\n';
   std::size_t sent = 0;
   while (sent < line.size()) {
-    const ssize_t size = send(socket.File(), line.data() + sent, line.size() - sent, MSG_NOSIGNAL);
+    const ssize_t size = send(socket.Get(), line.data() + sent, line.size() - sent, MSG_NOSIGNAL);
     if (size < 0 && errno == EINTR) continue;
     if (size <= 0) return false;
     sent += static_cast<std::size_t>(size);
@@ -82,10 +70,10 @@ bool SendLine(const Socket& socket, std::string line) {
 
 // False if the peer closed or the time limit passed before a newline, or if the line
 // is too long.
-bool ReceiveLine(const Socket& socket, std::size_t longest, std::string& line) {
+bool ReceiveLine(const Descriptor& socket, std::size_t longest, std::string& line) {
   std::array<char, 4096> part{};
   while (line.size() <= longest) {
-    const ssize_t size = recv(socket.File(), part.data(), part.size(), 0);
+    const ssize_t size = recv(socket.Get(), part.data(), part.size(), 0);
     if (size < 0 && errno == EINTR) continue;
     if (size <= 0) return false;
     line.append(part.data(), static_cast<std::size_t>(size));
@@ -108,7 +96,7 @@ void MakePrivateFolder(const std::string& path) {
 
 // Removes the socket of a simulator that was killed.
 void RemoveStale(const std::string& path, const sockaddr_un& address) {
-  const Socket socket;
+  const Descriptor socket = MakeSocket();
   if (Connect(socket, address)) Throw("listen on", path, "another simulator listens on it");
   struct stat found {};
   if (errno == ECONNREFUSED && stat(path.c_str(), &found) == 0 && S_ISSOCK(found.st_mode))
@@ -117,54 +105,115 @@ void RemoveStale(const std::string& path, const sockaddr_un& address) {
 
 }  // namespace
 
-ControlSocket::ControlSocket(std::string wanted_path) : path(std::move(wanted_path)) {
+// One connection: receives a line, then sends the answer.
+class ControlSocket::Client {
+ public:
+  explicit Client(Descriptor accepted) : socket(std::move(accepted)) {}
+
+  pollfd Awaited() const {
+    return {socket.Get(), static_cast<short>(answer.empty() ? POLLIN : POLLOUT), 0};
+  }
+  Clock::time_point Deadline() const { return deadline; }
+
+  /// Receives or sends what is possible without waiting. False when the client is
+  /// served or cannot be.
+  bool Continue(const Answer& to) { return answer.empty() ? Receive(to) : Send(); }
+
+ private:
+  bool Receive(const Answer& to) {
+    std::array<char, 4096> part{};
+    const ssize_t size = recv(socket.Get(), part.data(), part.size(), 0);
+    if (size < 0) return errno == EAGAIN || errno == EINTR;
+    request.append(part.data(), static_cast<std::size_t>(size));
+    const std::size_t end = request.find('\n', request.size() - static_cast<std::size_t>(size));
+    if (end == std::string::npos) return size > 0 && request.size() <= kLongestRequest;
+    request.resize(end);
+    answer = to(request) + '\n';
+    deadline = Clock::now() + kAnswerLimit;
+    return Send();
+  }
+
+  bool Send() {
+    const ssize_t size =
+        send(socket.Get(), answer.data() + sent, answer.size() - sent, MSG_NOSIGNAL);
+    if (size < 0) return errno == EAGAIN || errno == EINTR;
+    sent += static_cast<std::size_t>(size);
+    return sent < answer.size();
+  }
+
+  Descriptor socket;
+  Clock::time_point deadline = Clock::now() + kRequestLimit;
+  std::string request;
+  std::string answer;  // empty until the request is complete
+  std::size_t sent = 0;
+};
+
+ControlSocket::ControlSocket(std::string wanted_path)
+    : path(std::move(wanted_path)), acceptor("control socket " + path) {
   const sockaddr_un address = AddressOf(path);
   MakePrivateFolder(path);
   RemoveStale(path, address);
-  Socket socket;
+  listening = MakeSocket(SOCK_NONBLOCK);
   const mode_t mask = umask(0177);
   const int bound =
-      bind(socket.File(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+      bind(listening.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
   const int error = errno;
   umask(mask);
   errno = error;
-  if (bound != 0 || listen(socket.File(), SOMAXCONN) != 0) Throw("listen on", path);
-  ending = eventfd(0, EFD_CLOEXEC);
-  if (ending < 0) Throw("listen on", path);
-  listening = socket.Release();
+  if (bound != 0 || listen(listening.Get(), SOMAXCONN) != 0) Throw("listen on", path);
 }
 
 ControlSocket::~ControlSocket() {
-  const std::uint64_t one = 1;
-  if (thread.joinable() && write(ending, &one, sizeof one) == sizeof one) thread.join();
-  close(ending);
-  close(listening);
+  Signal(ending);
+  if (thread.joinable()) thread.join();
   unlink(path.c_str());
 }
 
-void ControlSocket::Serve(std::function<std::string(const std::string& request)> answer) {
+void ControlSocket::Serve(Answer answer) {
   thread = std::thread([this, answer = std::move(answer)] { Run(answer); });
 }
 
-void ControlSocket::Run(const std::function<std::string(const std::string&)>& answer) const {
-  std::array<pollfd, 2> awaited{{{listening, POLLIN, 0}, {ending, POLLIN, 0}}};
+void ControlSocket::Run(const Answer& answer) {
+  std::list<Client> clients;
   while (true) {
-    if (poll(awaited.data(), awaited.size(), -1) < 0 && errno != EINTR) return;
-    if (awaited[1].revents != 0) return;
-    const Socket client(accept4(listening, nullptr, nullptr, SOCK_CLOEXEC));
-    if (client.File() < 0) continue;
-    SetLimit(client, kServerLimit);
-    std::string request;
-    if (ReceiveLine(client, kLongestRequest, request)) SendLine(client, answer(request));
+    const bool is_ready = acceptor.IsReady();
+    std::vector<pollfd> awaited{{ending.Get(), POLLIN, 0}};
+    for (const Client& client : clients) awaited.push_back(client.Awaited());
+    const bool accepts = is_ready && clients.size() < kMostClients;
+    if (accepts) awaited.push_back({listening.Get(), POLLIN, 0});
+
+    if (poll(awaited.data(), awaited.size(), TimeLimit(clients, is_ready)) < 0) continue;
+    if (awaited[0].revents != 0) return;
+    std::size_t i = 1;
+    for (auto client = clients.begin(); client != clients.end(); ++i) {
+      const bool is_open = awaited[i].revents == 0 || client->Continue(answer);
+      const bool stays = is_open && Clock::now() < client->Deadline();
+      client = stays ? std::next(client) : clients.erase(client);
+    }
+    if (!accepts || awaited.back().revents == 0) continue;
+    Descriptor accepted = acceptor.Accept(listening.Get());
+    if (accepted.IsOpen()) clients.emplace_back(std::move(accepted));
   }
 }
 
+// In milliseconds, for poll.
+int ControlSocket::TimeLimit(const std::list<Client>& clients, bool is_ready) {
+  using std::chrono::milliseconds;
+  if (clients.empty()) return is_ready ? -1 : Acceptor::kRetryMs;
+  auto first = Clock::time_point::max();
+  for (const Client& client : clients) first = std::min(first, client.Deadline());
+  if (!is_ready) first = std::min(first, Clock::now() + milliseconds(Acceptor::kRetryMs));
+  const auto left = std::chrono::ceil<milliseconds>(first - Clock::now());
+  return static_cast<int>(std::max(left, milliseconds(0)).count());
+}
+
 std::string AskControl(const std::string& path, const std::string& request) {
-  const Socket socket;
+  const Descriptor socket = MakeSocket();
   if (!Connect(socket, AddressOf(path)))
     Throw("connect to", path,
           std::string(std::strerror(errno)) + "; start a simulator with --control");
-  SetLimit(socket, kClientLimit);
+  setsockopt(socket.Get(), SOL_SOCKET, SO_RCVTIMEO, &kAskLimit, sizeof kAskLimit);
+  setsockopt(socket.Get(), SOL_SOCKET, SO_SNDTIMEO, &kAskLimit, sizeof kAskLimit);
   std::string answer;
   if (!SendLine(socket, request) || !ReceiveLine(socket, kLongestAnswer, answer))
     Throw("use", path, "no answer");

@@ -1,14 +1,21 @@
-// A Unix socket that answers each connection's line with one line.
+// A Unix socket that answers each connection's line with one line. Clients that send
+// or read slowly hold up neither others nor the end.
 #pragma once
 
 #include <functional>
+#include <list>
 #include <string>
 #include <thread>
+
+#include "simulator/acceptor.h"
+#include "simulator/descriptor.h"
 
 namespace simulator {
 
 class ControlSocket {
  public:
+  using Answer = std::function<std::string(const std::string& request)>;
+
   /// Listens on `path`, which only this user can connect to: creates the folder
   /// with mode 0700 if it does not exist, and the socket with mode 0600. To be
   /// called before other threads start, because it changes the umask of the process
@@ -22,14 +29,18 @@ class ControlSocket {
   ControlSocket& operator=(const ControlSocket&) = delete;
 
   /// Answers requests from now on, in a thread of its own. To be called once.
-  void Serve(std::function<std::string(const std::string& request)> answer);
+  void Serve(Answer answer);
 
  private:
-  void Run(const std::function<std::string(const std::string& request)>& answer) const;
+  class Client;
+
+  void Run(const Answer& answer);
+  static int TimeLimit(const std::list<Client>& clients, bool is_ready);
 
   std::string path;
-  int listening = -1;
-  int ending = -1;  // readable when the thread is to end
+  Acceptor acceptor;
+  Descriptor listening;
+  Descriptor ending = MakeEvent();  // readable when the thread is to end
   std::thread thread;
 };
 

@@ -16,7 +16,7 @@
 
 #include "simulator/simulator.h"
 #include "support/run_program.h"
-#include "tests/simulator/simulator_process.h"
+#include "tests/simulator/program_in_folder.h"
 #include "tests/simulator/stubs.h"
 
 namespace {
@@ -24,6 +24,9 @@ namespace {
 using support::Ask;
 using support::DanteStub;
 using support::NetworkStub;
+using support::Port;
+using support::ProgramInFolder;
+using support::RunSimulator;
 using support::SimulatorProcess;
 using support::Stubs;
 using testing::ElementsAre;
@@ -31,13 +34,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::StartsWith;
-
-support::Finished RunSimulator(std::vector<std::string> options) {
-  options.insert(options.begin(), support::SimulatorProgram());
-  return support::Run(options);
-}
-
-std::string Port(const std::string& url) { return url.substr(url.rfind(':') + 1); }
 
 bool HasIpv6Loopback() {
   sockaddr_in6 loopback{};
@@ -159,39 +155,6 @@ TEST(Program, Version_IsThatOfTheProject) {
 }
 
 // --- States, faults, several devices, ctl --------------------------------------
-
-// A folder that only this user can enter, for sockets and states.
-class ProgramInFolder : public testing::Test {
- protected:
-  ProgramInFolder() {
-    std::string pattern = testing::TempDir() + "program_test.XXXXXX";
-    if (mkdtemp(pattern.data()) != nullptr) folder = pattern;
-  }
-  ~ProgramInFolder() override {
-    for (const char* file : {"first.json", "second.json"}) std::remove(Path(file).c_str());
-    std::remove(Path("control").c_str());  // of a simulator that was killed
-    rmdir(folder.c_str());
-  }
-  ProgramInFolder(const ProgramInFolder&) = delete;
-  ProgramInFolder& operator=(const ProgramInFolder&) = delete;
-
-  std::string Path(const std::string& name) const { return folder + '/' + name; }
-
-  std::string Content(const std::string& name) const {
-    std::ifstream stream(Path(name));
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-
-  // What ctl prints.
-  std::string Ctl(std::vector<std::string> words) {
-    words.insert(words.begin(), {"ctl", "--control", Path("control")});
-    const support::Finished finished = RunSimulator(std::move(words));
-    EXPECT_EQ(finished.status, 0) << finished.err;
-    return finished.out;
-  }
-
-  std::string folder;
-};
 
 bool SetName(const Stubs& stubs, const std::string& to) {
   ostrevan::grpcdapi::Name name;
