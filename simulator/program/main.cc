@@ -23,6 +23,7 @@
 #include "simulator/program/control_socket.h"
 #include "simulator/program/program_options.h"
 #include "state_document/save_file.h"
+#include "terminal/arenas.h"
 #include "terminal/printable.h"
 
 namespace {
@@ -161,6 +162,7 @@ int Ask(const ProgramOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  terminal::FixNumberOfArenas();
   int status = EXIT_SUCCESS;
   const std::optional<ProgramOptions> options = simulator::ParseProgramOptions(argc, argv, status);
   if (!options.has_value()) return status;
