@@ -21,6 +21,7 @@
 #include "simulator/json.h"
 #include "simulator/program/control_commands.h"
 #include "simulator/program/control_socket.h"
+#include "simulator/program/private_folder.h"
 #include "simulator/program/program_options.h"
 #include "state_document/save_file.h"
 #include "terminal/arenas.h"
@@ -122,14 +123,17 @@ int Serve(const ProgramOptions& options) {
   setenv("GRPC_VERBOSITY", "NONE", 0);
 
   std::vector<Simulator> devices;
+  std::optional<simulator::PrivateFolder> folder;
+  if (options.has_private_control) folder.emplace();
+  const std::string path = folder.has_value() ? folder->Path() + "/control" : options.control;
   std::optional<simulator::ControlSocket> control;
-  if (!options.control.empty()) control.emplace(options.control);
+  if (!path.empty()) control.emplace(path);
   for (const Builder& builder : prepared) devices.push_back(builder.Start());
   if (control.has_value())
     control->Serve([&devices](const std::string& request) {
       return simulator::AnswerControlRequest(devices, request);
     });
-  PrintReadyLines(devices, options.control);
+  PrintReadyLines(devices, path);
   int signal = 0;
   sigwait(&ending, &signal);
 

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <set>
@@ -18,6 +19,7 @@ constexpr int kLastPort = 65535;
 constexpr int kMostChannels = 512;
 constexpr int kMostDevices = 64;
 constexpr const char* kAutomatic = "auto";
+constexpr const char* kUnix = "unix:";
 
 // --- Help ----------------------------------------------------------------------
 
@@ -61,10 +63,16 @@ std::string EnvironmentAndFilesSections() {
   return terminal::Section(
              "Environment",
              Entry("XDG_RUNTIME_DIR", "the folder of the control socket 'auto'") +
+                 Entry("TMPDIR",
+                       "without XDG_RUNTIME_DIR, where a private folder is made for that socket; "
+                       "default /tmp") +
+                 Entry("control", "unix:PATH, the control socket of ctl, as in the ready line") +
                  Entry("GRPC_VERBOSITY", "what gRPC prints on standard error; default NONE")) +
          terminal::Section(
              "Files",
              Entry("$XDG_RUNTIME_DIR/networkgrpc-simulator/control", "the control socket 'auto'") +
+                 Entry("$TMPDIR/networkgrpc-simulator.XXXXXX/control",
+                       "the same without XDG_RUNTIME_DIR; removed at exit") +
                  Entry("PREFIX/share/NetworkgRPC/simulator/state.json",
                        "a state with every member, its meaning and default"));
 }
@@ -100,13 +108,35 @@ CLI::Option* AddNumber(CLI::App& app, const std::string& name, int& value, int l
       ->type_name("N");
 }
 
-// Empty for no socket.
-std::string ControlPath(const std::string& given) {
-  if (given != kAutomatic) return given;
+// The path of the control socket 'auto'; empty if the system has no folder for it.
+std::string AutomaticControl() {
   const char* const folder = std::getenv("XDG_RUNTIME_DIR");
-  if (folder == nullptr || *folder == '\0')
-    throw CLI::ValidationError("--control", "XDG_RUNTIME_DIR is not set; give a path");
+  if (folder == nullptr || *folder == '\0') return "";
   return std::string(folder) + '/' + kProgramName + "/control";
+}
+
+// "unix:PATH" as the ready line has it, or a path.
+std::string ControlPath(const std::string& given) {
+  return given.compare(0, std::strlen(kUnix), kUnix) == 0 ? given.substr(std::strlen(kUnix))
+                                                          : given;
+}
+
+void ChooseControlToListen(ProgramOptions& options) {
+  const bool is_automatic = options.control == kAutomatic;
+  options.control = is_automatic ? AutomaticControl() : ControlPath(options.control);
+  options.has_private_control = is_automatic && options.control.empty();
+}
+
+// `given` is empty if the option is not.
+std::string ControlToAsk(std::string given) {
+  const char* const announced = std::getenv("control");
+  const bool has_announced = announced != nullptr && ControlPath(announced) != announced;
+  if (given.empty()) given = has_announced ? announced : kAutomatic;
+  const std::string path = given == kAutomatic ? AutomaticControl() : ControlPath(given);
+  if (path.empty())
+    throw CLI::ValidationError(
+        "--control", "XDG_RUNTIME_DIR is not set; use the control=unix:PATH of the ready line");
+  return path;
 }
 
 // An option that can be repeated, each time with one value.
@@ -144,7 +174,7 @@ void DescribeState(CLI::App& app, ProgramOptions& options, std::vector<std::stri
       ->type_name("N");
   app.add_option("--control", options.control,
                  "Listen for ctl on this Unix socket, which only its owner can connect to; auto "
-                 "for one in XDG_RUNTIME_DIR")
+                 "for one in XDG_RUNTIME_DIR, or in a new private folder")
       ->type_name("PATH");
 }
 
@@ -200,7 +230,8 @@ void AddCommand(CLI::App& ctl, ProgramOptions& options, const std::string& name,
 void DescribeCtl(CLI::App& app, ProgramOptions& options, std::string& control, int& device) {
   CLI::App* const ctl = app.add_subcommand("ctl", "Query or change a running simulator");
   ctl->require_subcommand(1);
-  ctl->add_option("--control", control, "The simulator's control socket; default auto")
+  ctl->add_option("--control", control,
+                  "The simulator's control socket; default: the variable control, else auto")
       ->type_name("PATH");
   ctl->add_option("--device", device,
                   "Number of the device, in the order of the ready lines; "
@@ -235,7 +266,7 @@ std::vector<Fault> ParseFaults(const std::vector<std::string>& texts) {
 ProgramOptions Parse(CLI::App& app, int argc, char** argv) {
   ProgramOptions options;
   std::vector<std::string> faults;
-  std::string ctl_control = kAutomatic;
+  std::string ctl_control;
   int ctl_device = 1;
   app.formatter(std::make_shared<terminal::Help>(MoreHelp));
   app.description(
@@ -251,8 +282,11 @@ ProgramOptions Parse(CLI::App& app, int argc, char** argv) {
   app.parse(argc, argv);
   app.got_subcommand("ctl") ? CheckCtl(app) : CheckTogether(options);
   options.faults = ParseFaults(faults);
-  if (!options.requests.empty()) options.control = ctl_control;
-  options.control = ControlPath(options.control);
+  if (options.requests.empty()) {
+    ChooseControlToListen(options);
+  } else {
+    options.control = ControlToAsk(ctl_control);
+  }
   for (CtlRequest& request : options.requests) request.device = ctl_device;
   return options;
 }

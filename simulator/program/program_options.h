@@ -25,6 +25,7 @@ struct ProgramOptions {
   std::vector<std::string> saves;   // none, or one for each device
   std::vector<Fault> faults;
   std::string control;               // path of the socket, empty for none
+  bool has_private_control = false;  // the socket is in a PrivateFolder
   std::vector<CtlRequest> requests;  // if not empty, the command line is that of ctl
 };
 

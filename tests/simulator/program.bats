@@ -106,15 +106,32 @@ state_of_connection_to() {
   end
 }
 
-@test "the automatic control socket requires XDG_RUNTIME_DIR, and both sides find it" {
-  unset XDG_RUNTIME_DIR
-  run -2 "$SIMULATOR" --control auto
-  [[ "$output" == *"XDG_RUNTIME_DIR is not set; give a path"* ]]
+@test "the automatic control socket is in XDG_RUNTIME_DIR, and both sides find it" {
   export XDG_RUNTIME_DIR="$BATS_TEST_TMPDIR"
   start --control auto
   [[ "$READY" == *" control=unix:$BATS_TEST_TMPDIR/networkgrpc-simulator/control" ]]
   [ "$(timeout 20 "$SIMULATOR" ctl state | jq .schema)" = 1 ]
   end
+}
+
+@test "without XDG_RUNTIME_DIR, it is in a private folder that is removed at exit" {
+  unset XDG_RUNTIME_DIR
+  local folder
+  for TMPDIR in "$BATS_TEST_TMPDIR" ''; do
+    export TMPDIR
+    start --control auto
+    [[ "$READY" == *" control=unix:${TMPDIR:-/tmp}/networkgrpc-simulator."??????/control ]]
+    folder=${READY##*unix:} folder=${folder%/control}
+    [ "$(stat -c %a "$folder")" = 700 ]
+    [ "$(control="${READY##*control=}" timeout 20 "$SIMULATOR" ctl state | jq .schema)" = 1 ]
+    [ "$(timeout 20 "$SIMULATOR" ctl --control "${READY##*control=}" state | jq .schema)" = 1 ]
+    end
+    [ ! -e "$folder" ]
+  done
+  TMPDIR="$BATS_TEST_TMPDIR/absent" run -1 "$SIMULATOR" --control auto
+  [[ "$output" == *"control socket: $BATS_TEST_TMPDIR/absent: No such file or directory" ]]
+  run -2 "$SIMULATOR" ctl state
+  [[ "$output" == *"XDG_RUNTIME_DIR is not set; use the control=unix:PATH of the ready line"* ]]
 }
 
 @test "a control socket in a folder that others can enter is rejected" {
