@@ -15,11 +15,13 @@ bool IsInteger(const std::string& text, std::int64_t least, std::uint64_t most);
 
 CLI::Validator Integer(std::int64_t least, std::uint64_t most);
 
-/// An argument or option that accepts every integer of its type, in decimal: "010" is ten.
+/// An argument or option that accepts an integer of this range, by default of its type,
+/// in decimal: "010" is ten.
 template <class Number>
 CLI::Option* AddInteger(CLI::App& command, const std::string& name, Number& value,
-                        const std::string& description) {
-  using Limits = std::numeric_limits<Number>;
+                        const std::string& description,
+                        Number least = std::numeric_limits<Number>::min(),
+                        Number most = std::numeric_limits<Number>::max()) {
   const auto store = [&value](const std::string& text) {
     if constexpr (std::is_signed_v<Number>)
       value = static_cast<Number>(std::stoll(text));
@@ -27,8 +29,7 @@ CLI::Option* AddInteger(CLI::App& command, const std::string& name, Number& valu
       value = static_cast<Number>(std::stoull(text));
   };
   return command.add_option_function<std::string>(name, store, description)
-      ->check(Integer(static_cast<std::int64_t>(Limits::min()),
-                      static_cast<std::uint64_t>(Limits::max())));
+      ->check(Integer(static_cast<std::int64_t>(least), static_cast<std::uint64_t>(most)));
 }
 
 /// A number of seconds, at most a day.

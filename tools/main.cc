@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "terminal/arenas.h"
 #include "tools/rollback.h"
 #include "tools/tool.h"
 
@@ -19,6 +20,7 @@ bool OpenStandardDescriptors() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  terminal::FixNumberOfArenas();
   if (!OpenStandardDescriptors()) return static_cast<int>(tool::ExitStatus::kFailed);
   // Two commands are not for people: completion by shells, and the rollback
   // process.

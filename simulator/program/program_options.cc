@@ -100,12 +100,9 @@ std::string MoreHelp(const CLI::App& command, bool /*all*/) {
 
 CLI::Option* AddNumber(CLI::App& app, const std::string& name, int& value, int largest,
                        const std::string& description) {
-  return app
-      .add_option(
-          name, value,
-          description + ", 0 to " + std::to_string(largest) + "; default " + std::to_string(value))
-      ->check(terminal::Integer(0, static_cast<std::uint64_t>(largest)))
-      ->type_name("N");
+  const std::string range =
+      ", 0 to " + std::to_string(largest) + "; default " + std::to_string(value);
+  return terminal::AddInteger(app, name, value, description + range, 0, largest)->type_name("N");
 }
 
 // The path of the control socket 'auto'; empty if the system has no folder for it.
@@ -166,11 +163,11 @@ void DescribeState(CLI::App& app, ProgramOptions& options, std::vector<std::stri
                 "Write the state to this regular file at exit; once for each device");
   AddRepeatable(app, "--fault", faults, "METHOD:FAULT",
                 "Inject a fault on every device; can be repeated");
-  app.add_option("--devices", options.devices,
-                 "Number of devices, each with its own ports, names, addresses and ready line, 1 "
-                 "to " +
-                     std::to_string(kMostDevices) + "; default 1")
-      ->check(terminal::Integer(1, kMostDevices))
+  terminal::AddInteger(
+      app, "--devices", options.devices,
+      "Number of devices, each with its own ports, names, addresses and ready line, 1 to " +
+          std::to_string(kMostDevices) + "; default 1",
+      1, kMostDevices)
       ->type_name("N");
   app.add_option("--control", options.control,
                  "Listen for ctl on this Unix socket, which only its owner can connect to; auto "
@@ -233,10 +230,9 @@ void DescribeCtl(CLI::App& app, ProgramOptions& options, std::string& control, i
   ctl->add_option("--control", control,
                   "The simulator's control socket; default: the variable control, else auto")
       ->type_name("PATH");
-  ctl->add_option("--device", device,
-                  "Number of the device, in the order of the ready lines; "
-                  "default 1")
-      ->check(terminal::Integer(1, kMostDevices))
+  terminal::AddInteger(*ctl, "--device", device,
+                       "Number of the device, in the order of the ready lines; default 1", 1,
+                       kMostDevices)
       ->type_name("N");
   const Argument daemon = {"DAEMON", "DAPI or NetworkManager"};
   AddCommand(*ctl, options, "state", "Print the state as --save writes it");
