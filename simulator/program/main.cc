@@ -1,10 +1,11 @@
 // networkgrpc-simulator: the simulated device as a program. It prints one line with
 // its endpoints to standard output and serves until SIGTERM, SIGINT or SIGHUP. With
-// `ctl`, it sends commands to a running simulator.
+// `run`, it serves while a command runs instead. With `ctl`, it sends commands to a
+// running simulator.
 //
 // Exit status: 0 ended by a signal, --help, --version, or all commands of ctl
 // succeeded; 1 it cannot serve or save, or a command of ctl failed; 2 the command
-// line is wrong.
+// line is wrong. With run: that of the command (program/command.h).
 #include <pthread.h>
 
 #include <cerrno>
@@ -19,6 +20,7 @@
 
 #include "simulator/factory_defaults.h"
 #include "simulator/json.h"
+#include "simulator/program/command.h"
 #include "simulator/program/control_commands.h"
 #include "simulator/program/control_socket.h"
 #include "simulator/program/private_folder.h"
@@ -108,7 +110,16 @@ bool SaveAll(std::vector<Simulator>& devices, const std::vector<std::string>& fi
   return are_saved;
 }
 
+// What the first device's ready line says, for the command of run.
+std::vector<std::string> Variables(const Simulator& device, const std::string& control) {
+  std::vector<std::string> variables{"network_manager_url=" + device.NetworkManagerUrl(),
+                                     "grpc_dapi_url=" + device.DapiUrl()};
+  if (!control.empty()) variables.push_back("control=unix:" + control);
+  return variables;
+}
+
 int Serve(const ProgramOptions& options) {
+  const simulator::Command command(options.command);
   const std::vector<Builder> prepared = Prepare(options);
   CheckSaves(options.saves);
   // Before any thread starts, so that every thread leaves the signals to sigwait.
@@ -133,13 +144,19 @@ int Serve(const ProgramOptions& options) {
     control->Serve([&devices](const std::string& request) {
       return simulator::AnswerControlRequest(devices, request);
     });
-  PrintReadyLines(devices, path);
-  int signal = 0;
-  sigwait(&ending, &signal);
+  int status = EXIT_SUCCESS;
+  if (options.command.empty()) {
+    PrintReadyLines(devices, path);
+    int signal = 0;
+    sigwait(&ending, &signal);
+  } else {
+    status = command.Run(Variables(devices.front(), path), ending);
+  }
 
   control.reset();
   for (Simulator& device : devices) device.Stop();
-  return SaveAll(devices, options.saves) ? EXIT_SUCCESS : kFailed;
+  if (!SaveAll(devices, options.saves) && status == EXIT_SUCCESS) status = kFailed;
+  return status;
 }
 
 void PrintResult(const std::string& command, const Json& result) {

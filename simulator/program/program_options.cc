@@ -1,6 +1,7 @@
 #include "simulator/program/program_options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
@@ -55,7 +56,10 @@ std::string ExitStatusSection() {
           Entry("1",
                 "a port or file cannot be used or a state is invalid; with ctl: no simulator can "
                 "be reached, or it rejected the command") +
-          Entry("2", "the command line is wrong"));
+          Entry("2", "the command line is wrong") +
+          Entry("N",
+                "with run: the exit status of COMMAND, or 128 plus the signal that ended it; 127 "
+                "if it is not found, 126 if it cannot be run"));
 }
 
 std::string EnvironmentAndFilesSections() {
@@ -81,6 +85,7 @@ std::string MoreHelp(const CLI::App& command, bool /*all*/) {
   if (command.get_parent() != nullptr) return "";
   return FaultsSection() + ExitStatusSection() + EnvironmentAndFilesSections() +
          terminal::Examples({
+             "networkgrpc-simulator run -- networkgrpc status",
              "networkgrpc-simulator",
              "networkgrpc-simulator --save hall.json",
              "networkgrpc-simulator --state hall.json --save hall.json",
@@ -248,6 +253,31 @@ void DescribeCtl(CLI::App& app, ProgramOptions& options, std::string& control, i
   AddCommand(*ctl, options, "drop", "Close the connections to a daemon", daemon);
 }
 
+void DescribeDevices(CLI::App& app, ProgramOptions& options, std::vector<std::string>& faults) {
+  DescribePorts(app, options.device);
+  DescribeState(app, options, faults);
+}
+
+void DescribeRun(CLI::App& app, ProgramOptions& options, std::vector<std::string>& faults) {
+  CLI::App* const run = app.add_subcommand(
+      "run", "Simulate a device while a command runs, with its endpoints in the environment");
+  DescribeDevices(*run, options, faults);
+  run->add_option("COMMAND", options.command,
+                  "The command and its arguments, after --; it finds the first device");
+}
+
+// Cuts off what follows -- of run: CLI11 would look for options in it. Returns the
+// number of words that are left.
+int CutCommand(int argc, char** argv, std::vector<std::string>& command) {
+  char** const end = argv + argc;
+  char** const name = std::find_if(
+      argv, end, [](const std::string& word) { return word == "run" || word == "ctl"; });
+  char** const mark = std::find(name, end, std::string("--"));
+  if (mark == end || *name != std::string("run")) return argc;
+  command.assign(mark + 1, end);
+  return static_cast<int>(mark - argv);
+}
+
 std::vector<Fault> ParseFaults(const std::vector<std::string>& texts) {
   std::vector<Fault> faults;
   try {
@@ -272,10 +302,14 @@ ProgramOptions Parse(CLI::App& app, int argc, char** argv) {
       "The simulator runs until SIGTERM, SIGINT or SIGHUP.");
   app.set_version_flag("--version", std::string(kProgramName) + " " + NETWORKGRPC_VERSION,
                        "Print the version and exit");
-  DescribePorts(app, options.device);
-  DescribeState(app, options, faults);
+  app.require_subcommand(0, 1);
+  DescribeDevices(app, options, faults);
+  DescribeRun(app, options, faults);
   DescribeCtl(app, options, ctl_control, ctl_device);
-  app.parse(argc, argv);
+  std::vector<std::string> command;
+  app.parse(CutCommand(argc, argv, command), argv);
+  options.command.insert(options.command.end(), command.begin(), command.end());
+  if (app.got_subcommand("run") && options.command.empty()) throw CLI::RequiredError("COMMAND");
   app.got_subcommand("ctl") ? CheckCtl(app) : CheckTogether(options);
   options.faults = ParseFaults(faults);
   if (options.requests.empty()) {

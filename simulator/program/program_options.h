@@ -26,6 +26,7 @@ struct ProgramOptions {
   std::vector<Fault> faults;
   std::string control;               // path of the socket, empty for none
   bool has_private_control = false;  // the socket is in a PrivateFolder
+  std::vector<std::string> command;  // of run, empty for none
   std::vector<CtlRequest> requests;  // if not empty, the command line is that of ctl
 };
 
