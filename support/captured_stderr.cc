@@ -22,7 +22,7 @@ CapturedStderr::~CapturedStderr() {
   close(file);
 }
 
-std::string CapturedStderr::Take() {
+std::string CapturedStderr::Printed() const {
   std::fflush(stderr);
   std::string text;
   std::array<char, 4096> block{};
@@ -32,6 +32,11 @@ std::string CapturedStderr::Take() {
     text.append(block.data(), static_cast<std::size_t>(size));
     offset += size;
   }
+  return text;
+}
+
+std::string CapturedStderr::Take() {
+  std::string text = Printed();
   // The descriptor that writes shares this file's offset.
   if (ftruncate(file, 0) != 0 || lseek(file, 0, SEEK_SET) != 0)
     throw std::runtime_error("cannot empty the captured standard error");

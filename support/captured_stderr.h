@@ -14,7 +14,9 @@ class CapturedStderr {
   CapturedStderr(const CapturedStderr&) = delete;
   CapturedStderr& operator=(const CapturedStderr&) = delete;
 
-  /// Returns everything written since the last call.
+  /// Returns everything written since the last call of Take().
+  std::string Printed() const;
+  /// The same, and forgets it.
   std::string Take();
 
  private:

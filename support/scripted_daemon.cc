@@ -16,23 +16,51 @@
 
 namespace support {
 std::ostream& operator<<(std::ostream& out, const Request& request) {
-  return out << request.path << " [" << ToHex(request.bytes) << "]";
+  return out << request.path << " [" << ToHex(request.bytes) << "]" << request.besides;
 }
+
+namespace {
+
+bool StartsWith(grpc::string_ref text, const std::string& start) {
+  return text.substr(0, start.size()) == start;
+}
+
+bool EndsWith(grpc::string_ref text, const std::string& end) {
+  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+// gRPC itself sends a user agent; the authority is the target's host.
+std::string Besides(const grpc::GenericCallbackServerContext& context, int port) {
+  std::string besides;
+  if (context.deadline() != std::chrono::system_clock::time_point::max()) besides += " deadline";
+  for (const auto& [key, value] : context.client_metadata())
+    if (key != "user-agent" || !StartsWith(value, "grpc-c++/"))
+      besides +=
+          " " + std::string(key.data(), key.size()) + "=" + std::string(value.data(), value.size());
+  const grpc::string_ref authority = context.ExperimentalGetAuthority();
+  if (authority != "localhost" && !EndsWith(authority, ":" + std::to_string(port)))
+    besides += " authority=" + std::string(authority.data(), authority.size());
+  return besides;
+}
+
+}  // namespace
 
 // One call: reads the one request, then writes the one reply.
 class ScriptedDaemon::Call : public grpc::ServerGenericBidiReactor {
  public:
-  Call(ScriptedDaemon& owner, std::string method) : daemon(owner), path(std::move(method)) {
+  Call(ScriptedDaemon& owner, const grpc::GenericCallbackServerContext& context)
+      : daemon(owner), received{context.method(), "", Besides(context, owner.port)} {
     StartRead(&request);
   }
 
   void OnReadDone(bool ok) override {
     if (!ok) return Finish({grpc::StatusCode::INTERNAL, "no request"});
-    const Answer answer = daemon.Receive({path, simulator::ToString(request)});
+    received.bytes = simulator::ToString(request);
+    const Answer answer = daemon.Receive(std::move(received));
     if (answer.hangs) return;
-    if (!answer.status.ok()) return Finish(answer.status);
+    if (!answer.status.ok() && answer.bytes.empty()) return Finish(answer.status);
     reply = simulator::ToByteBuffer(answer.bytes);
-    StartWriteAndFinish(&reply, {}, grpc::Status::OK);
+    StartWriteAndFinish(&reply, {}, answer.status);
   }
 
   // A hanging call ends here when its connection does.
@@ -53,7 +81,7 @@ class ScriptedDaemon::Call : public grpc::ServerGenericBidiReactor {
   }
 
   ScriptedDaemon& daemon;
-  std::string path;
+  Request received;
   grpc::ByteBuffer request;
   grpc::ByteBuffer reply;
   std::atomic<bool> finished = false;
@@ -64,6 +92,8 @@ ScriptedDaemon::ScriptedDaemon(const std::string& address) {
   // Two daemons of one test must never share a port.
   builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
   builder.SetMaxReceiveMessageSize(-1);
+  for (const auto algorithm : {GRPC_COMPRESS_DEFLATE, GRPC_COMPRESS_GZIP})
+    builder.SetCompressionAlgorithmSupportStatus(algorithm, false);
   builder.AddListeningPort(address, grpc::InsecureServerCredentials(), &port);
   builder.RegisterCallbackGenericService(this);
   server = builder.BuildAndStart();
@@ -116,18 +146,9 @@ bool ScriptedDaemon::WaitForRequests(std::size_t count) {
   return arrived.wait_for(lock, std::chrono::seconds(20), [&] { return requests.size() >= count; });
 }
 
-bool ScriptedDaemon::LastCallHadDeadline() {
-  const std::lock_guard<std::mutex> lock(mutex);
-  return last_had_deadline;
-}
-
 grpc::ServerGenericBidiReactor* ScriptedDaemon::CreateReactor(
     grpc::GenericCallbackServerContext* context) {
-  {
-    const std::lock_guard<std::mutex> lock(mutex);
-    last_had_deadline = context->deadline() != std::chrono::system_clock::time_point::max();
-  }
-  return new Call(*this, context->method());
+  return new Call(*this, *context);
 }
 
 Answer ScriptedDaemon::Receive(Request request) {

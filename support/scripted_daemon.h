@@ -1,5 +1,6 @@
 // A gRPC server on loopback that knows no schema: it records what it receives, byte for
-// byte, and answers with the bytes or the status that a test has set.
+// byte, and answers with the bytes or the status that a test has set. It rejects compressed
+// requests.
 #pragma once
 
 #include <grpcpp/generic/async_generic_service.h>
@@ -23,12 +24,16 @@ namespace support {
 struct Request {
   std::string path;   // "/package.Service/Method"
   std::string bytes;  // the serialized message
+  // What the library never sends: a deadline, metadata, an authority that is not the target's.
+  std::string besides = {};
 
-  bool operator==(const Request& other) const { return path == other.path && bytes == other.bytes; }
+  bool operator==(const Request& other) const {
+    return path == other.path && bytes == other.bytes && besides == other.besides;
+  }
 };
 std::ostream& operator<<(std::ostream& out, const Request& request);
 
-/// One answer. With a status other than OK the bytes are not sent.
+/// One answer. With a status other than OK, bytes are only sent if there are any.
 struct Answer {
   std::string bytes;
   grpc::Status status = grpc::Status::OK;
@@ -68,8 +73,6 @@ class ScriptedDaemon : private grpc::CallbackGenericService {
   std::vector<Request> TakeRequests();
   /// Waits until `count` requests have arrived; false after 20 seconds.
   bool WaitForRequests(std::size_t count);
-  /// Whether the last call to arrive carried a deadline.
-  bool LastCallHadDeadline();
 
  private:
   class Call;
@@ -85,7 +88,6 @@ class ScriptedDaemon : private grpc::CallbackGenericService {
   std::map<std::string, std::function<Answer(const std::string&)>> lasting;
   std::map<std::string, std::deque<Answer>> next;
   std::map<std::pair<std::string, std::string>, Answer> exact;
-  bool last_had_deadline = false;
   int port = 0;
   std::unique_ptr<grpc::Server> server;
 };

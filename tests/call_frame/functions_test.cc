@@ -8,6 +8,7 @@
 
 #include <set>
 
+#include "support/captured_stderr.h"
 #include "support/outcome.h"
 
 namespace {
@@ -58,6 +59,44 @@ TEST_P(EveryFunction, OneCallFails_AnyStatusCode_PrintsTheLineOfThatCall) {
       EXPECT_EQ(Call(GetParam(), device), Expected(GetParam(), {i}));
     }
   }
+}
+
+// A daemon may send a reply although it fails the call.
+TEST_P(EveryFunction, OneCallFails_WithAGoodReply_PrintsTheLineOfThatCall) {
+  Device device;
+  device.BuildClients();
+  for (std::size_t i = 0; i < GetParam().steps.size(); ++i) {
+    SCOPED_TRACE(testing::Message() << "call " << i);
+    const grpc::Status status(grpc::StatusCode::INTERNAL, "scripted");
+    ScriptAllBut(device, GetParam(), i, {GetParam().steps[i].reply, status});
+
+    EXPECT_EQ(Call(GetParam(), device), Expected(GetParam(), {i}));
+  }
+}
+
+TEST_P(EveryFunction, CallsFail_PrintsEachLineBeforeTheNextCall) {
+  Device device;
+  device.BuildClients();
+  const support::CapturedStderr captured;
+  // What has been printed when a call arrives.
+  std::vector<std::string> printed;
+  std::vector<std::string> expected;
+  std::string so_far = GetParam().printed;
+  bool continues = true;
+  for (const support::Step& step : GetParam().steps) {
+    device.DaemonOf(step.path).ScriptEach(step.path, [&](const std::string&) {
+      printed.push_back(captured.Printed());
+      return support::Failure(grpc::StatusCode::INTERNAL);
+    });
+    if (continues) expected.push_back(so_far);
+    so_far += step.line;
+    continues = continues && step.continues;
+  }
+
+  std::string outputs;
+  GetParam().call(outputs);
+
+  EXPECT_EQ(printed, expected);
 }
 
 TEST_P(EveryFunction, OneChangeIsRejected_PrintsTheLineOfThatCall) {

@@ -1,6 +1,7 @@
 // The arguments of the two channels. This program defines CreateCustomChannel, which the
 // library calls instead of gRPC's.
 #include <grpcpp/create_channel.h>
+#include <grpcpp/grpcpp.h>
 #include <grpcpp/impl/grpc_library.h>
 #include <grpcpp/support/channel_arguments.h>
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@ namespace {
 struct Made {
   std::string target;
   std::vector<std::pair<std::string, std::string>> arguments;
+  std::shared_ptr<grpc::Channel> channel;
 };
 std::vector<Made> made;
 
@@ -31,27 +33,31 @@ namespace grpc {
 std::shared_ptr<Channel> CreateCustomChannel(const std::string& target,
                                              const std::shared_ptr<ChannelCredentials>& creds,
                                              const ChannelArguments& args) {
-  Made channel{target, {}};
+  Made channel{target, {}, nullptr};
   const grpc_channel_args list = args.c_channel_args();
   for (std::size_t i = 0; i < list.num_args; ++i) {
     const grpc_arg& argument = list.args[i];
-    channel.arguments.emplace_back(argument.key, argument.type == GRPC_ARG_INTEGER
-                                                     ? std::to_string(argument.value.integer)
-                                                     : "not an integer");
+    std::string value = "a pointer";
+    if (argument.type == GRPC_ARG_INTEGER) value = std::to_string(argument.value.integer);
+    if (argument.type == GRPC_ARG_STRING) value = argument.value.string;
+    channel.arguments.emplace_back(argument.key, value);
   }
+  channel.channel = experimental::CreateCustomChannelWithInterceptors(target, creds, args, {});
   made.push_back(channel);
-  return experimental::CreateCustomChannelWithInterceptors(target, creds, args, {});
+  return channel.channel;
 }
 
 }  // namespace grpc
 
 namespace {
 
-// What ChannelArguments sets by default in this version of gRPC, before ours.
+// All but the user agent that ChannelArguments sets in this version of gRPC.
 std::vector<std::pair<std::string, std::string>> OwnArguments(const Made& channel) {
+  const std::pair<std::string, std::string> by_grpc(GRPC_ARG_PRIMARY_USER_AGENT_STRING,
+                                                    "grpc-c++/" + grpc::Version());
   std::vector<std::pair<std::string, std::string>> own;
   for (const auto& argument : channel.arguments)
-    if (argument.first != GRPC_ARG_PRIMARY_USER_AGENT_STRING) own.push_back(argument);
+    if (argument != by_grpc) own.push_back(argument);
   return own;
 }
 
@@ -103,6 +109,14 @@ TEST(Channel, DapiUrlIsEmpty_IsTheEmptyTarget) {
 
   ASSERT_EQ(made.size(), 1U);
   EXPECT_EQ(made[0].target, "");
+}
+
+TEST(Channel, MadeWithoutACall_DoesNotConnect) {
+  const support::Device device;
+  DAPIClient::GetInstance();
+
+  ASSERT_EQ(made.size(), 1U);
+  EXPECT_EQ(made[0].channel->GetState(false), GRPC_CHANNEL_IDLE);
 }
 
 TEST(Channel, UsedAgain_IsNotMadeAgain) {

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <climits>
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
@@ -141,6 +142,24 @@ TEST(Discovery, InterfaceWithIdZeroAndWithoutMac_IsResolved) {
   EXPECT_EQ(Primary(), (Role{0, ""}));
 }
 
+TEST(Discovery, AnyIdAndMac_AreTakenAsTheyAre) {
+  Device device;
+  nm::Interfaces interfaces = Named({{-5, "lan0"}, {INT_MIN, "lan1"}, {INT_MAX, "lan2"}});
+  interfaces.mutable_interfaces(0)->set_mac("AB cd");
+  Script(device, interfaces);
+
+  EXPECT_EQ(Primary(), (Role{-5, "AB cd"}));
+  EXPECT_EQ(Control(), (Role{INT_MIN, "mac of " + std::to_string(INT_MIN)}));
+  EXPECT_EQ(Secondary(), (Role{INT_MAX, "mac of " + std::to_string(INT_MAX)}));
+}
+
+TEST(Discovery, NameWithNul_DoesNotMatchItsBeginning) {
+  Device device;
+  Script(device, Named({{5, std::string("lan0\0x", 6)}}));
+
+  EXPECT_EQ(Primary(), kUnresolved);
+}
+
 TEST(Discovery, EmptyList_LeavesAllRolesUnresolved) {
   Device device;
   Script(device, nm::Interfaces());
@@ -168,6 +187,18 @@ TEST(Discovery, CallFails_LeavesAllRolesUnresolvedForGoodAndSilently) {
   EXPECT_EQ(Secondary(), kUnresolved);
   EXPECT_EQ(Control(), kUnresolved);
   EXPECT_EQ(captured.Take(), "");
+}
+
+// A daemon may send a reply although it fails the call.
+TEST(Discovery, CallFailsWithAList_LeavesAllRolesUnresolved) {
+  Device device;
+  device.network_manager->ScriptNext(
+      NetworkManagerPath("GetAvailableInterfaces"),
+      {device.interfaces.bytes, grpc::Status(grpc::StatusCode::INTERNAL, "")});
+
+  EXPECT_EQ(Primary(), kUnresolved);
+  EXPECT_EQ(Secondary(), kUnresolved);
+  EXPECT_EQ(Control(), kUnresolved);
 }
 
 TEST(Discovery, ListChangesLater_RolesStay) {

@@ -234,6 +234,23 @@ TEST_F(Ampname, EmptyName_SetsTheDefault) {
   EXPECT_EQ(device.TakeRequests(), std::vector<Request>{SetHostname("unknown")});
 }
 
+TEST_F(Ampname, AnyName_PrintsItsLineBeforeTheCall) {
+  std::string printed_before;
+  device.network_manager->ScriptEach(NetworkManagerPath("SetHostname"), [&](const std::string&) {
+    printed_before = captured.Printed();
+    return support::Failure(grpc::StatusCode::INTERNAL);
+  });
+  const std::string failure =
+      "libNetworkgRPC: SetHostname: error while requesting informations via gRPC\n";
+
+  for (const char* name : {"", "-", "amp"}) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(setampname(name, 3), -1);
+    EXPECT_NE(printed_before, "");
+    EXPECT_EQ(captured.Take(), printed_before + failure);
+  }
+}
+
 TEST_F(Ampname, LengthBoundsNothingElse) {
   EXPECT_EQ(setampname("amp42", 1), 0);
   EXPECT_EQ(setampname("amp42", 1000), 0);

@@ -77,14 +77,17 @@ TEST_F(HostSettings, NoDnsServer_FailsSilently) {
 }
 
 TEST_F(HostSettings, EmptyFirstEntry_IsAServer) {
-  nm::NTPServer reply;
-  reply.add_servers("");
-  reply.add_servers("second");
-  device.network_manager->Script(NetworkManagerPath("GetNTPServer"), support::Reply(reply));
+  // Field 1 of both messages: an empty string, then "x".
+  for (const char* method : {"GetNTPServer", "GetDNSList"})
+    device.network_manager->Script(NetworkManagerPath(method),
+                                   {std::string("\x0a\x00\x0a\x01x", 5)});
   std::string server = "before";
+  std::string dns = "before";
 
   EXPECT_TRUE(NetworkgRPC::GetNTPServer(server));
+  EXPECT_TRUE(NetworkgRPC::GetCurrentDNS(dns));
   EXPECT_EQ(server, "");
+  EXPECT_EQ(dns, "");
 }
 
 TEST_F(HostSettings, SetNtpServer_SendsExactlyOneEntry) {

@@ -160,12 +160,13 @@ TEST_F(InterfaceAddress, SetFails_ReloadIsStillRequestedAndTheResultIsFalse) {
   device.BuildClients();
   Answer("SetNetworkConfig", false);
 
-  EXPECT_FALSE(NetworkgRPC::SetGenericIP(7, {}, true));
-  EXPECT_EQ(captured.Take(),
-            "libNetworkgRPC: ERROR: error while setting interface 7 network config in "
-            "SetGenericIP\n");
-  EXPECT_EQ(device.TakeRequests(),
-            Sent({{"SetNetworkConfig", Dynamic(7)}, {"ReloadNetworkConfig", ""}}));
+  for (const int id : {7, 0, -1, INT_MIN}) {
+    EXPECT_FALSE(NetworkgRPC::SetGenericIP(id, {}, true));
+    EXPECT_EQ(captured.Take(), "libNetworkgRPC: ERROR: error while setting interface " +
+                                   std::to_string(id) + " network config in SetGenericIP\n");
+    EXPECT_EQ(device.TakeRequests(),
+              Sent({{"SetNetworkConfig", Dynamic(id)}, {"ReloadNetworkConfig", ""}}));
+  }
 }
 
 TEST_F(InterfaceAddress, ReloadFails_IsPrintedAndTheResultIsTrue) {

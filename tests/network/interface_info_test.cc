@@ -1,6 +1,7 @@
 // The list of interfaces: how stored and live state are merged when answers are unusual.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
 
 #include "NetworkgRPC.h"
@@ -302,6 +303,17 @@ TEST_F(InterfaceInfo, AllIPv4_RepeatedIds_TakeTheFirstOfEachList) {
   EXPECT_EQ(Show(out),
             "[{mode=1 name=a ip=third netmask=live mask gateway= mac= dns= active=1 id=5}"
             "{mode=1 name=b ip=third netmask=live mask gateway= mac= dns= active=1 id=5}]");
+  EXPECT_EQ(IdsAskedFor(), "5 5 ");
+}
+
+TEST_F(InterfaceInfo, AllIPv4_AnyIds_AreAskedForInTheOrderOfTheList) {
+  nm::Interfaces interfaces;
+  for (const int id : {7, 0, -1, INT_MAX, 7, INT_MIN}) interfaces.add_interfaces()->set_id(id);
+  Answer("GetAvailableInterfaces", support::Reply(interfaces));
+  Script({}, {});
+
+  EXPECT_TRUE(NetworkgRPC::GetAllIPv4(out));
+  EXPECT_EQ(IdsAskedFor(), "7 0 -1 2147483647 7 -2147483648 ");
 }
 
 TEST_F(InterfaceInfo, AllIPv4_DescribedInAnotherOrder_MatchesById) {
@@ -331,6 +343,8 @@ TEST_F(InterfaceInfo, AllIPv4_NoInterfaces_AsksForNoneAndAppendsNone) {
   EXPECT_TRUE(NetworkgRPC::GetAllIPv4(out));
   EXPECT_TRUE(out.empty());
   EXPECT_EQ(captured.Take(), "");
+  EXPECT_EQ(Paths(), (std::vector<std::string>{"GetAvailableInterfaces", "GetAvailableInterfaces",
+                                               "GetNetworkConfig", "GetNetworkStatus"}));
 }
 
 TEST_F(InterfaceInfo, CalledTwice_DoublesTheEntries) {
