@@ -215,6 +215,8 @@ int Tool::Run(const Found& found) {
     return Fail(found, failure);
   } catch (const std::bad_alloc&) {
     return Fail(found, {ExitStatus::kFailed, "out of memory"});
+  } catch (const std::exception& error) {
+    return Fail(found, {ExitStatus::kFailed, std::string("unexpected failure: ") + error.what()});
   }
 }
 
