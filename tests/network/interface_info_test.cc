@@ -360,7 +360,8 @@ TEST(MacAddress, NameDiffersInCase_FailsWithNotFound) {
   CapturedStderr captured;
   std::string mac = "before";
 
-  for (const char* name : {"LAN0", "lan", "lan00", "", " lan0"})
+  for (const std::string& name : {std::string("LAN0"), std::string("lan0\0x", 6),
+                                  std::string("lan00"), std::string(), std::string(" lan0")})
     EXPECT_FALSE(NetworkgRPC::GetMACAddress(name, mac));
 
   EXPECT_EQ(mac, "before");
@@ -368,6 +369,18 @@ TEST(MacAddress, NameDiffersInCase_FailsWithNotFound) {
       "libNetworkgRPC: GetMACAddress: error while requesting informations via gRPC, interface "
       "not found\n";
   EXPECT_EQ(captured.Take(), line + line + line + line + line);
+}
+
+TEST(MacAddress, InterfaceWithoutOne_IsEmpty) {
+  Device device;
+  nm::Interfaces interfaces;
+  interfaces.add_interfaces()->set_name("lan0");
+  device.network_manager->Script(NetworkManagerPath("GetAvailableInterfaces"),
+                                 support::Reply(interfaces));
+  std::string mac = "before";
+
+  EXPECT_TRUE(NetworkgRPC::GetMACAddress("lan0", mac));
+  EXPECT_EQ(mac, "");
 }
 
 TEST(MacAddress, EmptyList_FailsWithNotFound) {
@@ -436,6 +449,23 @@ TEST(TarvoName, MinusOneWithUnresolvedRoles_IsTheFirstOfThem) {
   EXPECT_EQ(label, "eth0");
 }
 
+class TarvoNameOfMinusOne : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+TEST_P(TarvoNameOfMinusOne, OneRoleIsUnresolved_IsThatRole) {
+  Device device;
+  setenv(GetParam().first, "", 1);
+  std::string label;
+
+  EXPECT_TRUE(NetworkgRPC::GetTarvoInterfaceName(-1, label));
+  EXPECT_EQ(label, GetParam().second);
+}
+
+INSTANTIATE_TEST_SUITE_P(Roles, TarvoNameOfMinusOne,
+                         testing::Values(std::pair("control_interface_env", "eth0"),
+                                         std::pair("dante_primary_interface_env", "dante-0"),
+                                         std::pair("dante_secondary_interface_env", "dante-1")),
+                         [](const auto& test) { return std::string(test.param.first); });
+
 TEST(TarvoName, InterfaceWithTwoRoles_IsTheControlInterface) {
   Device device;
   setenv("control_interface_env", "lan0", 1);
@@ -443,6 +473,15 @@ TEST(TarvoName, InterfaceWithTwoRoles_IsTheControlInterface) {
 
   EXPECT_TRUE(NetworkgRPC::GetTarvoInterfaceName(support::kLan0, label));
   EXPECT_EQ(label, "eth0");
+}
+
+TEST(TarvoName, InterfaceWithBothDanteRoles_IsThePrimary) {
+  Device device;
+  setenv("dante_secondary_interface_env", "lan0", 1);
+  std::string label;
+
+  EXPECT_TRUE(NetworkgRPC::GetTarvoInterfaceName(support::kLan0, label));
+  EXPECT_EQ(label, "dante-0");
 }
 
 }  // namespace
