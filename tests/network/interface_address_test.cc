@@ -78,6 +78,16 @@ TEST_F(InterfaceAddress, StaticWithoutGatewayAndDns_SendsNeither) {
   EXPECT_EQ(sent.dns_size(), 0);
 }
 
+TEST_F(InterfaceAddress, StaticWithGatewayOnly_SendsIt) {
+  auto info = Static("10.0.0.5", "255.0.0.0");
+  info.gateway = "10.0.0.1";
+
+  const auto sent = SentFor(info);
+
+  EXPECT_EQ(sent.gateway(), "10.0.0.1");
+  EXPECT_EQ(sent.dns_size(), 0);
+}
+
 TEST_F(InterfaceAddress, StaticWithDns_SendsAListOfOneWhateverTheTextHolds) {
   auto info = Static("not an address", "x");
   info.dns = "10.0.0.1, 10.0.0.2";
