@@ -14,6 +14,8 @@ class Descriptor {
   explicit Descriptor(int opened = -1) : file(opened) {}
   ~Descriptor() { Close(); }
 
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
   Descriptor(Descriptor&& other) noexcept : file(other.Release()) {}
   Descriptor& operator=(Descriptor&& other) noexcept {
     if (this != &other) Close();

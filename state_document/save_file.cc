@@ -60,8 +60,9 @@ std::string Followed(std::string path, const Failure& failure) {
   for (int links = 0; links < kMostLinks; ++links) {
     const ssize_t size = readlink(path.c_str(), link.data(), link.size());
     if (size < 0) return path;
-    const std::string next(link.data(), static_cast<std::size_t>(size));
-    path = next[0] == '/' ? next : FolderOf(path) + '/' + next;
+    std::string next(link.data(), static_cast<std::size_t>(size));
+    if (next[0] != '/') next.insert(0, FolderOf(path) + '/');
+    path = std::move(next);
   }
   failure.Throw(std::strerror(ELOOP));
 }
