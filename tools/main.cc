@@ -1,6 +1,7 @@
 // networkgrpc: shows and changes the settings of a device from a shell.
 #include <fcntl.h>
 
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@ bool OpenStandardDescriptors() {
 
 int main(int argc, char** argv) {
   terminal::FixNumberOfArenas();
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that would be too large is an error, reported
   if (!OpenStandardDescriptors()) return static_cast<int>(tool::ExitStatus::kFailed);
   // Two commands are not for people: completion by shells, and the rollback
   // process.
