@@ -6,7 +6,7 @@
 //     it("name", thing.name);
 //   }
 //
-// A member that the object lacks keeps the value that it has. Nothing is judged
+// A member that the object lacks keeps the value that it has. Nothing is checked
 // here: the document that is read has passed state_document/document.h.
 #pragma once
 

@@ -1,5 +1,5 @@
 // One simulated device as plain data: what its two daemons know. Nothing here
-// judges or applies anything; see network_rules.h and dante_rules.h.
+// decides or applies anything; see network_rules.h and dante_rules.h.
 //
 // Fields that only carry a value for the daemon's users (flag7, value2 and the
 // like) keep the names that they have on the wire.

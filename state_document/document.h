@@ -3,7 +3,7 @@
 //
 //   state.json:3: network.hostname: must be a string
 //
-// A document is JSON; comments (// and /* */) are allowed. It is judged while it
+// A document is JSON; comments (// and /* */) are allowed. It is checked while it
 // is read, the first fault ends that: a value that the table does not know is
 // never descended into, so that no input is nested deeper than the table.
 #pragma once

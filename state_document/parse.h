@@ -1,4 +1,4 @@
-// Parses the text of a state document and judges every value when it comes.
+// Parses a state document and checks every value when it comes.
 #pragma once
 
 #include <cstddef>

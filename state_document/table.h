@@ -11,7 +11,7 @@
 // tools/schema/state.schema.json, for other programs, is made from the table by
 // tests/state_document/schema_test.cc.
 //
-// The form of a document is judged here, alike for every program. What a device
+// The form of a document is checked here, alike for every program. What a device
 // makes of the values is up to the device: to its daemons, or to the simulator.
 #pragma once
 
