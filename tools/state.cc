@@ -83,12 +83,12 @@ std::string ShowDifferences(const Json& differences) {
 
 void AddState(Tool& tool) {
   const auto output = std::make_shared<std::string>();
-  CLI::App& exports =
-      tool.AddVerb(tool.app, "export",
-                   {"Print the settable state as a JSON document",
-                    [output] { return Export(*output); },
-                    [output](const Json& state) { return output->empty() ? DocumentText(state) : ""; },
-                    {"networkgrpc export --output state.json"}});
+  CLI::App& exports = tool.AddVerb(
+      tool.app, "export",
+      {"Print the settable state as a JSON document",
+       [output] { return Export(*output); },
+       [output](const Json& state) { return output->empty() ? DocumentText(state) : ""; },
+       {"networkgrpc export --output state.json"}});
   tool.Offer(
       exports
           .add_option("--output", *output,
