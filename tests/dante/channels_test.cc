@@ -41,6 +41,16 @@ TEST_F(Channels, ListedTwice_AreAppendedTwiceInTheDaemonsOrder) {
   EXPECT_EQ(support::Show(channels), "[{2 label}{1 label}{2 label}{1 label}]");
 }
 
+TEST_F(Channels, ChannelWithoutALabel_IsListedWithAnEmptyName) {
+  dapi::Channels one;
+  one.add_channels()->set_defaultname("default");
+  device.dapi->Script(DapiPath("GetTxChannels"), support::Reply(one));
+  std::vector<DantegRPC::Channel> channels;
+
+  EXPECT_TRUE(DantegRPC::GetTxChannels(channels));
+  EXPECT_EQ(support::Show(channels), "[{0 }]");
+}
+
 TEST_F(Channels, NoChannels_SucceedsAndAppendsNothing) {
   device.dapi->Script(DapiPath("GetRxChannels"), {""});
   std::vector<DantegRPC::Channel> channels = {{9, "before"}};
@@ -83,9 +93,9 @@ TEST_F(Channels, Rename_SendsNumberAndNameWhateverTheyAre) {
   dapi::Success yes;
   yes.set_success(true);
   device.dapi->Script(DapiPath("SetTxChannelName"), support::Reply(yes));
-  for (const DantegRPC::Channel& channel :
-       {DantegRPC::Channel{0, "x"}, DantegRPC::Channel{-1, std::string(65536, 'x')},
-        DantegRPC::Channel{1, std::string("\0", 1)}}) {
+  for (const DantegRPC::Channel& channel : {DantegRPC::Channel{0, "x"}, DantegRPC::Channel{2, " "},
+                                            DantegRPC::Channel{-1, std::string(65536, 'x')},
+                                            DantegRPC::Channel{1, std::string("\0", 1)}}) {
     dapi::Channel request;
     request.set_id(channel.id);
     request.set_name(channel.name);

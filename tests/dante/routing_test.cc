@@ -116,11 +116,12 @@ TEST_F(Routing, Unsubscribed_IsARecordOfEmptyNamesAndZeros) {
             "[{rx=7 channel= device= isRaw=0 ip= values=0,0,0,0,0 encoding=0 sip= session=0,0}]");
 }
 
-TEST_F(Routing, RawWithoutIp_IsNotRawButItsOtherFieldsAreRead) {
+TEST_F(Routing, RawWithoutIp_IsNotRawWhateverFlag5SaysButItsOtherFieldsAreRead) {
   dapi::LinkInfo link;
   link.set_id(99);
   link.set_channelname("c");
   link.set_devicename("d");
+  link.set_flag5(true);
   auto& raw = *link.mutable_raw();
   raw.set_value2(2);
   raw.set_value3(3);

@@ -83,6 +83,17 @@ TEST(ControlInterface, NoRoom_FailsAndWritesNothing) {
     EXPECT_EQ(support::Show(entry), "<" + std::string(50, '#') + ">");
   }
   EXPECT_EQ(cGetControlInterface(nullptr, 0), -1);
+  // Configuration and status are requested all the same.
+  EXPECT_EQ(LaterRequests(device).size(), 4 * 2U);
+}
+
+TEST(ControlInterface, WithoutAddress_IsAnEntry) {
+  Device device;
+  ScriptControl(device, "", "");
+  cInterfaceInfo entry;
+
+  EXPECT_EQ(cGetControlInterface(&entry, 1), 1);
+  EXPECT_EQ(support::Show(entry), "<" + std::string(32, '.') + "02:00:00:00:00:11.>");
 }
 
 TEST(ControlInterface, TextsFillTheirFields_AreCopiedWhole) {
