@@ -189,6 +189,7 @@ TEST_F(Routing, SetHalfNamed_SendsTheChannelNumberOnly) {
 TEST_F(Routing, SetRawWithoutIp_SendsTheChannelNumberOnly) {
   DantegRPC::ChannelLink record = Raw();
   record.ip = "";
+  record.sip = "s";
   record.channelName = "01";
   record.deviceName = "stage";
 
@@ -221,6 +222,23 @@ TEST_F(Routing, SetRaw_SendsEveryParameterAndTheNames) {
   raw.set_sessionid(0);
 
   EXPECT_EQ(Sent(record).SerializeAsString(), expected.SerializeAsString());
+}
+
+TEST_F(Routing, SetRaw_LargestNumbersAndANegativeChannel_AreSentWhole) {
+  DantegRPC::ChannelLink record = Raw();
+  record.rxChannelId = -7;
+  record.value2 = record.value3 = record.value4 = record.value5 = record.value6 =
+      std::numeric_limits<std::uint32_t>::max();
+  record.hasSessionId = true;
+  record.sessionId = std::numeric_limits<std::uint64_t>::max();
+
+  const dapi::LinkInfo sent = Sent(record);
+
+  EXPECT_EQ(sent.id(), -7);
+  for (const std::uint32_t value : {sent.raw().value2(), sent.raw().value3(), sent.raw().value4(),
+                                    sent.raw().value5(), sent.raw().value6()})
+    EXPECT_EQ(value, record.value2);
+  EXPECT_EQ(sent.raw().sessionid(), record.sessionId);
 }
 
 TEST_F(Routing, SetRaw_EveryEncodingButL16IsSentAsL24) {
