@@ -71,10 +71,12 @@ class InterfaceInfo : public testing::Test {
     return paths;
   }
 
-  // The interface ids in the request of the next-to-last call.
+  // The interface ids in the requests of the last two calls.
   std::string IdsAskedFor() {
     const auto requests = device.TakeRequests();
     EXPECT_GE(requests.size(), 2U);
+    EXPECT_EQ(requests[requests.size() - 2].path, NetworkManagerPath("GetNetworkConfig"));
+    EXPECT_EQ(requests.back().path, NetworkManagerPath("GetNetworkStatus"));
     EXPECT_EQ(requests[requests.size() - 2].bytes, requests.back().bytes);
     nm::Ids ids;
     EXPECT_TRUE(ids.ParseFromString(requests.back().bytes));
