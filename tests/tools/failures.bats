@@ -124,7 +124,7 @@ RELOADS
   run -0 tool routing set 08 Box Mic
   [ "$(tool routing list --json | jq -r '.result.routing[7].device')" = Box ]
   for words in "routing set-raw 2 239.0.0.1 --session-id -1" "routing set-raw 2 239.0.0.1 --session-id 99999999999999999999" \
-    "routing set 0x1 a b" "routing set 1.0 a b" "switch set '' --yes"; do
+    "routing set 0x1 a b" "routing set 1.0 a b" "switch set one --yes"; do
     # shellcheck disable=SC2086 # split into words
     run -2 --separate-stderr tool $words
     [[ $stderr == *"must be an integer from "* ]]
