@@ -154,7 +154,10 @@ Json Set(Tool& tool, Arguments arguments) {
   const Interface target = Target(arguments);
   const nm::InterfaceConfig wanted = Wanted(arguments, target);
   const bool asks = target.IsActive() || arguments.reload;
-  if (asks && !rollback && !tool.yes) tool.Confirm(Changes(arguments, target, wanted));
+  if (rollback)
+    Tool::Announce(Changes(arguments, target, wanted));
+  else if (asks && !tool.yes)
+    tool.Confirm(Changes(arguments, target, wanted));
   if (!rollback) return Store(arguments, target, wanted);
 
   rollback->Arm(target.stored.value_or(nm::InterfaceConfig()).SerializeAsString(),

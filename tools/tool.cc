@@ -158,13 +158,17 @@ void Tool::AddYes(CLI::App& verb) {
   verb.add_flag("-y,--yes", yes, "Do not ask for confirmation; required if there is no terminal");
 }
 
+void Tool::Announce(const std::vector<std::string>& changes) {
+  for (const std::string& change : changes) std::cerr << terminal::Printable(change) + "\n";
+}
+
 void Tool::Confirm(const std::vector<std::string>& changes) const {
   if (yes) return;
   if (!terminal::HasPerson())
     throw Failure(ExitStatus::kUsage, changes.front() +
                                           "; there is no terminal to ask for confirmation: "
                                           "--yes is required");
-  for (const std::string& change : changes) std::cerr << terminal::Printable(change) + "\n";
+  Announce(changes);
   const Pause pause;
   if (!terminal::AnswersYes("Continue?"))
     throw Failure(ExitStatus::kFailed, "not confirmed: nothing was changed");

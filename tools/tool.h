@@ -74,6 +74,8 @@ class Tool {
   /// Every command asks that changes what is in use now: an address in use, a reload or
   /// restart, which also applies what others have stored, the switch mode, transmission.
   void Confirm(const std::vector<std::string>& changes) const;
+  /// Prints them only, for a command that asks afterwards.
+  static void Announce(const std::vector<std::string>& changes);
 
   /// Parses, runs, prints; returns the exit status.
   int Main(int argc, char** argv);

@@ -27,6 +27,12 @@ change=(interface set --control --ip 192.168.10.60 --netmask 255.255.255.0 --rel
   [ "$(in_use)" = 192.168.10.60 ]
 }
 
+@test "ConfirmWithin_OthersArePending_NamesThemBefore" {
+  tool switch set 1 --yes
+  run -0 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<y
+  [[ $stderr == "interface 'lan1' is in use at "*"the reload also applies switch mode 1 Redundant, now 0 Switched"*"Keep the new"* ]]
+}
+
 @test "ConfirmWithin_Declined_RollsBack" {
   run -1 --separate-stderr "$TOOL" "${change[@]}" --confirm-within 10 <<<n
   [[ $stderr == *"not confirmed: the previous configuration is restored" ]]
