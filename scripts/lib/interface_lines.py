@@ -9,7 +9,7 @@
     type NAME: virtual function NUMBER: SYMBOL
     enumerator TYPE::NAME: VALUE
 
-The result is left out if it is void or of a type that abidw was told to leave out, the parameters
+The result is left out if it is void or of a type that abidw leaves out, the parameters
 if the symbol contains them. The members of an anonymous union are listed as fields of the type that
 contains it. Types of the standard library have no lines of their own.
 """
