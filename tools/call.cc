@@ -20,7 +20,7 @@ namespace {
 
 using Clock = std::chrono::system_clock;
 
-CallOptions options;
+CallOptions chosen;
 double total_end = std::numeric_limits<double>::infinity();
 
 double Now() { return std::chrono::duration<double>(Clock::now().time_since_epoch()).count(); }
@@ -56,12 +56,12 @@ class Attempt {
       throw NotDone(ExitStatus::kUnreachable,
                     "the endpoint of " + The(asked.daemon) + " is empty; see 'networkgrpc doctor'");
     const double start = Now();
-    end = std::min(start + options.timeout, total_end);
+    end = std::min(start + chosen.timeout, total_end);
     if (asked.changes) Connect();
     if (interrupt::Requested()) throw NotDone(ExitStatus::kFailed, "interrupted");
     if (Now() >= end) throw NotDone(ExitStatus::kTimeLimit, TooLate());
     Perform(call);
-    if (options.verbose) Report(Now() - start);
+    if (chosen.verbose) Report(Now() - start);
     if (status.ok()) return;
     Failure failure = Why();
     failure.grpc_status = CodeName();
@@ -173,8 +173,8 @@ class Attempt {
 
 }  // namespace
 
-void SetCallOptions(const CallOptions& given) {
-  options = given;
+void SetCallOptions(const CallOptions& options) {
+  chosen = options;
   if (options.total_timeout > 0) total_end = Now() + options.total_timeout;
 }
 
