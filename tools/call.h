@@ -7,36 +7,17 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <type_traits>
 
 #include "ostrevan/common.pb.h"
+#include "tools/call_options.h"
 #include "tools/daemon.h"
 #include "tools/failure.h"
 #include "tools/rpc.h"
 
 namespace tool {
-
-/// Set from the command line before the first call.
-struct CallOptions {
-  double timeout = 30;       // seconds a call may take
-  double total_timeout = 0;  // seconds all calls may take; 0: no limit
-  bool verbose = false;      // report each call on standard error
-};
-void SetCallOptions(const CallOptions& options);
-
-/// While one lives, the total time limit stands still: a person may think.
-class Pause {
- public:
-  Pause();
-  ~Pause();
-
-  Pause(const Pause&) = delete;
-  Pause& operator=(const Pause&) = delete;
-
- private:
-  double began;
-};
 
 /// What the failure of a call reports.
 struct Asked {
@@ -70,6 +51,19 @@ Reply Read(const Rpc<Stub, Request, Reply>& rpc, const std::string& action,
     return (StubOf<Stub>().*rpc.method)(&context, request, &reply);
   });
   return reply;
+}
+
+/// Null if the daemon does not implement it, as daemons may those that the library does
+/// not call.
+template <class Stub, class Request, class Reply>
+std::optional<Reply> ReadIfImplemented(const Rpc<Stub, Request, Reply>& rpc,
+                                       const std::string& action, const Request& request = {}) {
+  try {
+    return Read(rpc, action, request);
+  } catch (const Failure& failure) {
+    if (failure.grpc_status != "UNIMPLEMENTED") throw;
+    return std::nullopt;
+  }
 }
 
 /// An RPC that changes something, which the daemon must confirm.

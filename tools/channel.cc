@@ -1,5 +1,4 @@
 // networkgrpc channel: the module's transmit and receive channels.
-#include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/dante.h"
@@ -7,12 +6,6 @@
 
 namespace tool {
 namespace {
-
-Json ToJson(const dapi::Channels& channels) {
-  Json list = Json::array();
-  for (const auto& it : channels.channels()) list.push_back({{"id", it.id()}, {"name", it.name()}});
-  return list;
-}
 
 Json List() {
   return {{"tx_channels", ToJson(ReadTxChannels())}, {"rx_channels", ToJson(ReadRxChannels())}};
@@ -35,21 +28,21 @@ std::string ShowCount(const Json& result) {
   return Text(result["tx"]) + " transmit, " + Text(result["rx"]) + " receive\n";
 }
 
-Json Rename(int id, const std::string& name) {
+Json Rename(int id, const std::string& name, bool receive) {
   if (name.empty()) throw Failure(ExitStatus::kUsage, "NAME must not be empty");
-  RenameTxChannel(id, name);
-  return {{"id", id}, {"name", name}};
+  (receive ? RenameRxChannel : RenameTxChannel)(id, name);
+  return {{"id", id}, {"name", name}, {"direction", receive ? "receive" : "transmit"}};
 }
 
 std::string ShowRename(const Json& result) {
-  return "transmit channel " + Text(result["id"]) + " is named '" + Text(result["name"]) + "'\n";
+  return Text(result["direction"]) + " channel " + Text(result["id"]) + " is named '" +
+         Text(result["name"]) + "'\n";
 }
 
 }  // namespace
 
 void AddChannel(Tool& tool) {
-  CLI::App& noun =
-      tool.AddNoun("channel", "List the channels and rename transmit channels", "list");
+  const Command noun = tool.AddNoun("channel", "List and rename the channels", "list");
   tool.AddVerb(
       noun, "list",
       {"List the transmit and receive channels", List, ShowList, {"networkgrpc channel list"}});
@@ -57,15 +50,17 @@ void AddChannel(Tool& tool) {
                {"Show the number of channels", Count, ShowCount, {"networkgrpc channel count"}});
   const auto id = std::make_shared<int>(0);
   const auto name = std::make_shared<std::string>();
-  CLI::App& rename = tool.AddVerb(noun, "rename",
-                                  {"Rename a transmit channel",
-                                   [id, name] { return Rename(*id, *name); },
-                                   ShowRename,
-                                   {"networkgrpc channel rename 1 'Main left'"}});
-  tool.Offer(
-      terminal::AddInteger(rename, "ID", *id, "The channel's id in 'channel list'")->required(),
-      Candidates::kTxChannels);
-  rename.add_option("NAME", *name, "The new name")->required();
+  const auto receive = std::make_shared<bool>(false);
+  Command rename = tool.AddVerb(noun, "rename",
+                                {"Rename a transmit channel, or a receive channel",
+                                 [id, name, receive] { return Rename(*id, *name, *receive); },
+                                 ShowRename,
+                                 {"networkgrpc channel rename 1 'Main left'",
+                                  "networkgrpc channel rename --receive 1 'Stage left'"}});
+  rename.Argument("ID", id.get(), "The channel's id in 'channel list'")
+      .Offer(Candidates::kTxChannels);
+  rename.Argument("NAME", name.get(), "The new name");
+  rename.Flag("--receive", receive.get(), "The receive channel with this id");
 }
 
 }  // namespace tool

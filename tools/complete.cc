@@ -5,6 +5,7 @@
 
 #include "terminal/printable.h"
 #include "tools/call.h"
+#include "tools/command_line.h"
 #include "tools/dante.h"
 #include "tools/interface.h"
 #include "tools/tool.h"
@@ -193,6 +194,7 @@ int Tool::Complete(const std::vector<std::string>& words) {
   // What gRPC prints would appear in the middle of the command line.
   if (std::freopen("/dev/null", "w", stderr) == nullptr) return 0;
   SetCallOptions({kLimit, kLimit, false});
+  const CLI::App& app = line->app;
   const Position position(app, words);
   network_manager = position.ValueOf(*app.get_option("--network-manager"));
   dapi = position.ValueOf(*app.get_option("--dapi"));
@@ -203,8 +205,8 @@ int Tool::Complete(const std::vector<std::string>& words) {
   if (position.WantsOption()) {
     list = Options(position.Command(), app);
   } else if (wanted != nullptr) {
-    const auto found = candidates.find(wanted);
-    if (found != candidates.end()) list = FromDevice(found->second);
+    const auto found = line->candidates.find(wanted);
+    if (found != line->candidates.end()) list = FromDevice(found->second);
   } else {
     for (const CLI::App* it : position.Command().get_subcommands(nullptr))
       list.push_back({it->get_name(), it->get_description()});

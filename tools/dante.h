@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ostrevan/grpcdapi.pb.h"
+#include "tools/json.h"
 
 namespace tool {
 
@@ -17,6 +18,9 @@ std::uint32_t ReadLatency();
 bool ReadAes67();
 bool ReadTransmitDisabled();
 bool ReadPtpSlaveOnly();
+/// {"clock", "value1", "slave_only", "config": {"value1", "value2"}}. The daemon defines
+/// the values; they and the clock are null if it does not report them.
+Json ReadPtp();
 
 void SetDeviceName(const std::string& name);
 void SetSampleRate(std::uint32_t rate);
@@ -27,7 +31,10 @@ void SetPtpSlaveOnly(bool on);
 
 ostrevan::grpcdapi::Channels ReadTxChannels();
 ostrevan::grpcdapi::Channels ReadRxChannels();
+/// [{"id", "name"}, ...]
+Json ToJson(const ostrevan::grpcdapi::Channels& channels);
 void RenameTxChannel(std::int32_t id, const std::string& name);
+void RenameRxChannel(std::int32_t id, const std::string& name);
 
 /// One subscription per receive channel, with the id of that channel.
 std::vector<ostrevan::grpcdapi::LinkInfo> ReadRouting(

@@ -131,6 +131,13 @@ void CheckRoles(const Json& roles, Findings& findings) {
                        " to a name from 'networkgrpc interface list'");
 }
 
+// Audio that is not synchronised drops out.
+void CheckClock(const Json& clock, Findings& findings) {
+  if (clock == "none" || clock == "undisciplined")
+    findings.Add("the PTP clock is not synchronised: it is " + Text(clock),
+                 "check the cables of the Dante network; see 'networkgrpc dante ptp'");
+}
+
 // --- The report ------------------------------------------------------------------
 
 Json DaemonReport(Daemon daemon, const Reply& reply) {
@@ -168,6 +175,8 @@ Json Versions(bool dante_replies) {
   versions["firmware"] = Read(rpc::kGetFirmwareVersion, "read the firmware version").version();
   return versions;
 }
+
+Json Clock(bool dante_replies) { return dante_replies ? ReadPtp()["clock"] : Json(); }
 
 // Empty if the daemon fails; that is a finding.
 Json Try(Json (*read)(bool), bool replies, Daemon daemon, Findings& findings, Json otherwise) {
@@ -210,6 +219,8 @@ Json Run(const Tool& tool) {
   CheckRoles(result["roles"], findings);
   result["versions"] =
       Try(Versions, replies[Daemon::kDante], Daemon::kDante, findings, Versions(false));
+  result["ptp_clock"] = Try(Clock, replies[Daemon::kDante], Daemon::kDante, findings, nullptr);
+  CheckClock(result["ptp_clock"], findings);
   result["environment"] = Environment();
   result["problems"] = findings.List();
   if (!findings.List().empty()) Throw(result);
@@ -251,7 +262,8 @@ std::string Show(const Json& result) {
   terminal::Table versions({"VERSION", ""});
   for (const auto& [name, value] : result["versions"].items()) versions.Add({name, value});
   std::string text = ShowDaemons(result["daemons"]) + "\n" + ShowRoles(result["roles"]) + "\n" +
-                     versions.Text() + "\n" + ShowEnvironment(result["environment"]) + "\n";
+                     versions.Text() + "\nPTP clock: " + TextOrUnknown(result["ptp_clock"]) +
+                     "\n\n" + ShowEnvironment(result["environment"]) + "\n";
   if (result["problems"].empty()) return text + "No problem found.\n";
   for (const Json& it : result["problems"])
     text += terminal::Bold("Problem: ") + Text(it["problem"]) +
@@ -262,7 +274,7 @@ std::string Show(const Json& result) {
 }  // namespace
 
 void AddDoctor(Tool& tool) {
-  tool.AddVerb(tool.app, "doctor",
+  tool.AddVerb(tool.Top(), "doctor",
                {"Diagnose the daemons and the environment",
                 [&tool] { return Run(tool); },
                 Show,

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "tools/call.h"
+#include "tools/interface.h"
 #include "tools/pending.h"
 #include "tools/tool.h"
 
@@ -68,8 +69,18 @@ Verb Lists(const char* description, const char* member, std::vector<std::string>
           {example}};
 }
 
+Json Gateway(const std::optional<std::string>& of_interface) {
+  if (!of_interface) return {{"interface", nullptr}, {"gateway", ReadGateway()}};
+  const Interface interface = FindInterface(*of_interface);
+  nm::Id id;
+  id.set_id(interface.id);
+  const auto routing = Read(rpc::kGetRoutingForInterface,
+                            "read the gateway of interface '" + interface.name + "'", id);
+  return {{"interface", interface.name}, {"gateway", routing.gateway()}};
+}
+
 void AddHostname(Tool& tool) {
-  CLI::App& noun = tool.AddNoun("hostname", "Show and set the host name", "get");
+  const Command noun = tool.AddNoun("hostname", "Show and set the host name", "get");
   tool.AddVerb(noun, "get",
                {"Show the host name",
                 [] {
@@ -81,36 +92,35 @@ void AddHostname(Tool& tool) {
   const auto show = [](const Json& result) {
     return "host name is set to '" + Text(result["hostname"]) + "'\n";
   };
-  CLI::App& set = tool.AddVerb(noun, "set",
-                               {"Set the host name, exactly as given",
-                                [name] { return SetHostnameTo(*name); },
-                                show,
-                                {"networkgrpc hostname set studio-amp"}});
-  CLI::App& derive = tool.AddVerb(
+  Command set = tool.AddVerb(noun, "set",
+                             {"Set the host name, exactly as given",
+                              [name] { return SetHostnameTo(*name); },
+                              show,
+                              {"networkgrpc hostname set studio-amp"}});
+  Command derive = tool.AddVerb(
       noun, "from-ampname",
       {"Set a host name made from the amplifier's name: its letters, in lower case, and digits",
        [name] { return SetHostnameTo(HostnameFrom(*name)); },
        show,
        {"networkgrpc hostname from-ampname 'Studio Amp 2'"}});
-  set.add_option("NAME", *name, "The host name")->required();
-  derive.add_option("NAME", *name, "The amplifier's name")->required();
+  set.Argument("NAME", name.get(), "The host name");
+  derive.Argument("NAME", name.get(), "The amplifier's name");
 }
 
 void AddNtp(Tool& tool) {
-  CLI::App& noun = tool.AddNoun("ntp", "Show and set the NTP servers", "get");
+  const Command noun = tool.AddNoun("ntp", "Show and set the NTP servers", "get");
   tool.AddVerb(noun, "get",
                Lists("Show the stored NTP servers, one per line", "servers", ReadNtpServers,
                      "networkgrpc ntp get"));
   const auto servers = std::make_shared<std::vector<std::string>>();
   const auto reload = std::make_shared<bool>(false);
-  CLI::App& set =
-      tool.AddVerb(noun, "set",
-                   {"Store the list of NTP servers",
-                    [&tool, servers, reload] { return SetNtp(tool, *servers, *reload); },
-                    ShowSetNtp,
-                    {"networkgrpc ntp set time.example --reload --yes"}});
-  set.add_option("SERVER", *servers, "Names or addresses")->required();
-  set.add_flag("--reload", *reload, "Apply the stored NTP configuration at once");
+  Command set = tool.AddVerb(noun, "set",
+                             {"Store the list of NTP servers",
+                              [&tool, servers, reload] { return SetNtp(tool, *servers, *reload); },
+                              ShowSetNtp,
+                              {"networkgrpc ntp set time.example --reload --yes"}});
+  set.Argument("SERVER", servers.get(), "Names or addresses");
+  set.Flag("--reload", reload.get(), "Apply the stored NTP configuration at once");
   tool.AddYes(set);
 }
 
@@ -144,20 +154,21 @@ void AddHostSettings(Tool& tool) {
   AddHostname(tool);
   AddNtp(tool);
   tool.AddVerb(
-      tool.app, "dns",
+      tool.Top(), "dns",
       Lists("Show the DNS servers in use, one per line", "dns", ReadDnsServers, "networkgrpc dns"));
-  tool.AddVerb(tool.app, "gateway",
-               {"Show the default gateway; an empty line if none",
-                [] {
-                  return Json{{"gateway", ReadGateway()}};
-                },
-                ShowMember("gateway"),
-                {"networkgrpc gateway"}});
-  CLI::App& reset = tool.AddVerb(tool.app, "factory-reset",
-                                 {"Reset the network settings to factory defaults",
-                                  [&tool] { return Reset(tool); },
-                                  [](const Json&) { return "network settings are reset\n"; },
-                                  {"networkgrpc factory-reset --yes"}});
+  const auto interface = std::make_shared<std::optional<std::string>>();
+  Command gateway = tool.AddVerb(tool.Top(), "gateway",
+                                 {"Show the default gateway, or that of an interface",
+                                  [interface] { return Gateway(*interface); },
+                                  ShowMember("gateway"),
+                                  {"networkgrpc gateway", "networkgrpc gateway lan0"}});
+  gateway.OptionalArgument("INTERFACE", interface.get(), "Name or id of the interface")
+      .Offer(Candidates::kInterfaceNames);
+  Command reset = tool.AddVerb(tool.Top(), "factory-reset",
+                               {"Reset the network settings to factory defaults",
+                                [&tool] { return Reset(tool); },
+                                [](const Json&) { return "network settings are reset\n"; },
+                                {"networkgrpc factory-reset --yes"}});
   tool.AddYes(reset);
 }
 

@@ -5,7 +5,6 @@
 #include <array>
 
 #include "state_document/table.h"
-#include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/ipv4.h"
@@ -102,12 +101,13 @@ std::string ShowStored(const Json& result) {
 
 using RunNamed = Json (*)(const std::string& name);
 
-void AddNamed(Tool& tool, CLI::App& noun, const std::string& verb, const Verb& rest, RunNamed run) {
+void AddNamed(Tool& tool, const Command& noun, const std::string& verb, const Verb& rest,
+              RunNamed run) {
   const auto name = std::make_shared<std::string>();
-  CLI::App& command = tool.AddVerb(
+  Command command = tool.AddVerb(
       noun, verb, {rest.description, [run, name] { return run(*name); }, rest.show, rest.examples});
-  tool.Offer(command.add_option("NAME", *name, "Name or id of the interface")->required(),
-             Candidates::kInterfaceNames);
+  command.Argument("NAME", name.get(), "Name or id of the interface")
+      .Offer(Candidates::kInterfaceNames);
 }
 
 }  // namespace
@@ -226,7 +226,7 @@ std::string ShowInterfaces(const Json& interfaces) {
 }
 
 void AddInterface(Tool& tool) {
-  CLI::App& noun =
+  const Command noun =
       tool.AddNoun("interface", "Show and set the addresses of the network interfaces", "list");
   tool.AddVerb(noun, "list",
                {"List all interfaces",
@@ -253,14 +253,13 @@ void AddInterface(Tool& tool) {
            Mac);
 
   const auto id = std::make_shared<int>(0);
-  CLI::App& label = tool.AddVerb(noun, "label",
-                                 {"Show the product's label of an interface with a role",
-                                  [id] { return Label(*id); },
-                                  ShowMember("label"),
-                                  {"networkgrpc interface label 1"}});
-  tool.Offer(
-      terminal::AddInteger(label, "ID", *id, "The interface's id in 'interface list'")->required(),
-      Candidates::kInterfaceIds);
+  Command label = tool.AddVerb(noun, "label",
+                               {"Show the product's label of an interface with a role",
+                                [id] { return Label(*id); },
+                                ShowMember("label"),
+                                {"networkgrpc interface label 1"}});
+  label.Argument("ID", id.get(), "The interface's id in 'interface list'")
+      .Offer(Candidates::kInterfaceIds);
   AddInterfaceSet(tool, noun);
 }
 

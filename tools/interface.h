@@ -56,6 +56,6 @@ Json ToJson(const Interface& interface);
 std::string ShowInterfaces(const Json& interfaces);
 
 /// networkgrpc interface set.
-void AddInterfaceSet(Tool& tool, CLI::App& noun);
+void AddInterfaceSet(Tool& tool, const Command& noun);
 
 }  // namespace tool

@@ -15,4 +15,9 @@ inline std::string Text(const Json& value) {
   return value.is_string() ? terminal::Printable(value.get<std::string>()) : value.dump();
 }
 
+/// The same, of what a daemon may not report.
+inline std::string TextOrUnknown(const Json& value) {
+  return value.is_null() ? "unknown" : Text(value);
+}
+
 }  // namespace tool

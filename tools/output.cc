@@ -5,7 +5,7 @@
 namespace tool {
 namespace {
 
-constexpr int kSchema = 2;
+constexpr int kSchema = 3;
 
 Json Head(const std::string& command) { return {{"schema", kSchema}, {"command", command}}; }
 

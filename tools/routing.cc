@@ -3,7 +3,6 @@
 #include <array>
 #include <memory>
 
-#include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/dante.h"
@@ -87,10 +86,9 @@ Json Set(int rx, const std::string& device, const std::string& channel) {
   return Subscribe(link);
 }
 
-void AddReceiver(Tool& tool, CLI::App& verb, int& id) {
-  tool.Offer(terminal::AddInteger(verb, "RX", id, "The receive channel's id in 'channel list'")
-                 ->required(),
-             Candidates::kRxChannels);
+void AddReceiver(Command& verb, int* id) {
+  verb.Argument("RX", id, "The receive channel's id in 'channel list'")
+      .Offer(Candidates::kRxChannels);
 }
 
 // The parameters of a stream as an entry of "raw" in a state document.
@@ -100,8 +98,7 @@ struct Stream {
   std::array<std::uint32_t, 5> values{};  // value2 to value6
   std::string encoding = "L24";
   std::string sip;
-  std::uint64_t session_id = 0;
-  CLI::Option* session_option = nullptr;
+  std::optional<std::uint64_t> session_id;
 };
 
 Json SetRaw(const Stream& stream) {
@@ -114,46 +111,42 @@ Json SetRaw(const Stream& stream) {
                               {"session_id", nullptr}};
   for (std::size_t i = 0; i < stream.values.size(); ++i)
     raw["value" + std::to_string(i + 2)] = stream.values.at(i);
-  if (stream.session_option->count() != 0) raw["session_id"] = stream.session_id;
+  if (stream.session_id) raw["session_id"] = *stream.session_id;
   return Subscribe(LinkFromJson(entry));
 }
 
-void AddSetRaw(Tool& tool, CLI::App& noun) {
+void AddSetRaw(Tool& tool, const Command& noun) {
   const auto stream = std::make_shared<Stream>();
-  CLI::App& raw =
+  Command raw =
       tool.AddVerb(noun, "set-raw",
                    {"Subscribe a receive channel to a stream by its parameters",
                     [stream] { return SetRaw(*stream); },
                     ShowSubscription,
                     {"networkgrpc routing set-raw 2 239.69.0.2 --encoding L24 --session-id 7"}});
-  AddReceiver(tool, raw, stream->rx);
-  raw.add_option("IP", stream->ip, "An address of the stream")->required();
+  AddReceiver(raw, &stream->rx);
+  raw.Argument("IP", &stream->ip, "An address of the stream");
   for (std::size_t i = 0; i < stream->values.size(); ++i)
-    terminal::AddInteger(raw, "--value" + std::to_string(i + 2), stream->values.at(i),
-                         "Parameter of the stream, passed unchanged")
-        ->type_name("N");
-  raw.add_option("--encoding", stream->encoding, "Sample encoding, L24 or L16; default L24")
-      ->type_name("NAME")
-      ->check(terminal::OneOf({"L24", "L16"}));
-  raw.add_option("--sip", stream->sip, "A second address of the stream")->type_name("ADDRESS");
-  stream->session_option = terminal::AddInteger(raw, "--session-id", stream->session_id,
-                                                "Session identifier of the stream")
-                               ->type_name("N");
+    raw.Option("--value" + std::to_string(i + 2), "N", &stream->values.at(i),
+               "Parameter of the stream, passed unchanged");
+  raw.Option("--encoding", "NAME", &stream->encoding, "Sample encoding, L24 or L16; default L24")
+      .OneOf({"L24", "L16"});
+  raw.Option("--sip", "ADDRESS", &stream->sip, "A second address of the stream");
+  raw.Option("--session-id", "N", &stream->session_id, "Session identifier of the stream");
 }
 
 }  // namespace
 
 void AddRouting(Tool& tool) {
-  CLI::App& noun =
+  const Command noun =
       tool.AddNoun("routing", "Show and set what receive channels are subscribed to", "list");
   const auto grid = std::make_shared<bool>(false);
-  CLI::App& list = tool.AddVerb(
+  Command list = tool.AddVerb(
       noun, "list",
       {"Show what each receive channel is subscribed to",
        List,
        [grid](const Json& result) { return *grid ? ShowGrid(result) : ShowList(result); },
        {"networkgrpc routing list", "networkgrpc routing list --grid"}});
-  list.add_flag("--grid", *grid, "Show a grid of receive channels and sources");
+  list.Flag("--grid", grid.get(), "Show a grid of receive channels and sources");
 
   struct Arguments {
     int rx = 0;
@@ -161,24 +154,24 @@ void AddRouting(Tool& tool) {
     std::string channel;
   };
   const auto arguments = std::make_shared<Arguments>();
-  CLI::App& set = tool.AddVerb(
+  Command set = tool.AddVerb(
       noun, "set",
       {"Subscribe a receive channel to a transmit channel",
        [arguments] { return Set(arguments->rx, arguments->device, arguments->channel); },
        ShowSubscription,
        {"networkgrpc routing set 1 'Stage box' 'Mic 1'"}});
-  AddReceiver(tool, set, arguments->rx);
-  set.add_option("DEVICE", arguments->device, "Name of the transmitting device")->required();
-  set.add_option("CHANNEL", arguments->channel, "Name of its transmit channel")->required();
+  AddReceiver(set, &arguments->rx);
+  set.Argument("DEVICE", &arguments->device, "Name of the transmitting device");
+  set.Argument("CHANNEL", &arguments->channel, "Name of its transmit channel");
   AddSetRaw(tool, noun);
 
   const auto id = std::make_shared<int>(0);
-  CLI::App& clear = tool.AddVerb(noun, "clear",
-                                 {"Remove the subscription of a receive channel",
-                                  [id] { return Subscribe(Unsubscribed(*id)); },
-                                  ShowSubscription,
-                                  {"networkgrpc routing clear 1"}});
-  AddReceiver(tool, clear, *id);
+  Command clear = tool.AddVerb(noun, "clear",
+                               {"Remove the subscription of a receive channel",
+                                [id] { return Subscribe(Unsubscribed(*id)); },
+                                ShowSubscription,
+                                {"networkgrpc routing clear 1"}});
+  AddReceiver(clear, id.get());
 }
 
 }  // namespace tool

@@ -12,7 +12,8 @@ Json ToJson(const dapi::LinkInfo& link) {
   Json entry = {{"rx_channel", link.id()},
                 {"device", link.devicename()},
                 {"channel", link.channelname()},
-                {"raw", nullptr}};
+                {"raw", nullptr},
+                {"flag5", link.flag5()}};
   const dapi::rawLinkInfo& raw = link.raw();
   if (raw.ip().empty()) return entry;
   entry["raw"] = {{"ip", raw.ip()},
@@ -38,6 +39,7 @@ dapi::LinkInfo LinkFromJson(const Json& entry) {
   link.set_id(entry.at("rx_channel"));
   link.set_devicename(entry.at("device").get<std::string>());
   link.set_channelname(entry.at("channel").get<std::string>());
+  link.set_flag5(entry.value("flag5", false));
   const Json& from = entry.at("raw");
   if (from.is_null()) return link;
   dapi::rawLinkInfo& raw = *link.mutable_raw();

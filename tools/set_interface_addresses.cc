@@ -3,7 +3,6 @@
 #include <memory>
 #include <optional>
 
-#include "terminal/arguments.h"
 #include "terminal/prompt.h"
 #include "tools/call.h"
 #include "tools/interface.h"
@@ -173,49 +172,38 @@ std::string Show(const Json& result) {
          Text(address) + ShowApplied(result);
 }
 
-void AddTarget(Tool& tool, CLI::App& verb, Arguments& arguments) {
-  std::vector<CLI::Option*> targets = {
-      verb.add_flag("--control", arguments.control, "Configure the control interface"),
-      verb.add_flag("--dante-primary", arguments.dante_primary,
-                    "Configure the Dante primary interface"),
-      verb.add_flag("--dante-secondary", arguments.dante_secondary,
-                    "Configure the Dante secondary interface"),
-      verb.add_option("--name", arguments.name, "Configure the interface of this name or id")
-          ->type_name("NAME")};
-  tool.Offer(targets.back(), Candidates::kInterfaceNames);
-  for (CLI::Option* one : targets)
-    for (CLI::Option* other : targets)
-      if (one != other) one->excludes(other);
+void AddTarget(Command& verb, Arguments& arguments) {
+  verb.Flag("--control", &arguments.control, "Configure the control interface");
+  verb.Flag("--dante-primary", &arguments.dante_primary, "Configure the Dante primary interface");
+  verb.Flag("--dante-secondary", &arguments.dante_secondary,
+            "Configure the Dante secondary interface");
+  verb.Option("--name", "NAME", &arguments.name, "Configure the interface of this name or id")
+      .Offer(Candidates::kInterfaceNames);
+  verb.AtMostOne({"--control", "--dante-primary", "--dante-secondary", "--name"});
 }
 
 }  // namespace
 
-void AddInterfaceSet(Tool& tool, CLI::App& noun) {
+void AddInterfaceSet(Tool& tool, const Command& noun) {
   const auto arguments = std::make_shared<Arguments>();
-  CLI::App& verb =
+  Command verb =
       tool.AddVerb(noun, "set",
                    {"Store the addresses of an interface; to be confirmed if it is in use",
                     [&tool, arguments] { return Set(tool, *arguments); },
                     Show,
                     {"networkgrpc interface set --control --ip 10.0.0.60/8 --yes",
                      "networkgrpc interface set --dante-primary --dynamic --reload --yes"}});
-  AddTarget(tool, verb, *arguments);
-  verb.add_flag("--dynamic", arguments->dynamic, "Use the addresses that the network assigns");
-  verb.add_option("--ip", arguments->ip, "Static IPv4 address, with or without prefix length")
-      ->type_name("ADDRESS[/N]");
-  verb.add_option("--netmask", arguments->netmask, "Netmask, such as 255.255.255.0")
-      ->type_name("ADDRESS");
-  verb.add_option("--gateway", arguments->gateway, "Default gateway")->type_name("ADDRESS");
-  verb.add_option("--dns", arguments->dns, "DNS server; may be repeated")
-      ->type_name("ADDRESS")
-      ->expected(1)
-      ->take_all();
-  verb.add_flag("--reload", arguments->reload, "Apply the stored configuration at once");
-  verb.add_option("--confirm-within", arguments->confirm_within,
-                  "Ask after the change instead, and restore the previous configuration unless "
-                  "the answer is y in time; also if networkgrpc is killed or its terminal lost")
-      ->type_name("SECONDS")
-      ->check(terminal::Seconds(0.1));
+  AddTarget(verb, *arguments);
+  verb.Flag("--dynamic", &arguments->dynamic, "Use the addresses that the network assigns");
+  verb.Option("--ip", "ADDRESS[/N]", &arguments->ip,
+              "Static IPv4 address, with or without prefix length");
+  verb.Option("--netmask", "ADDRESS", &arguments->netmask, "Netmask, such as 255.255.255.0");
+  verb.Option("--gateway", "ADDRESS", &arguments->gateway, "Default gateway");
+  verb.Option("--dns", "ADDRESS", &arguments->dns, "DNS server; may be repeated");
+  verb.Flag("--reload", &arguments->reload, "Apply the stored configuration at once");
+  verb.Seconds("--confirm-within", &arguments->confirm_within, 0.1,
+               "Ask after the change instead, and restore the previous configuration unless "
+               "the answer is y in time; also if networkgrpc is killed or its terminal lost");
   tool.AddYes(verb);
 }
 

@@ -83,32 +83,28 @@ std::string ShowDifferences(const Json& differences) {
 
 void AddState(Tool& tool) {
   const auto output = std::make_shared<std::string>();
-  CLI::App& exports = tool.AddVerb(
-      tool.app, "export",
+  Command exports = tool.AddVerb(
+      tool.Top(), "export",
       {"Print the settable state as a JSON document",
        [output] { return Export(*output); },
        [output](const Json& state) { return output->empty() ? DocumentText(state) : ""; },
        {"networkgrpc export --output state.json"}});
-  tool.Offer(
-      exports
-          .add_option("--output", *output,
-                      "Write it to this file instead, which is replaced as a whole or not at all")
-          ->type_name("FILE"),
-      Candidates::kFiles);
+  exports
+      .Option("--output", "FILE", output.get(),
+              "Write it to this file instead, which is replaced as a whole or not at all")
+      .Offer(Candidates::kFiles);
   const auto arguments = std::make_shared<DiffArguments>();
-  CLI::App& diff =
-      tool.AddVerb(tool.app, "diff",
-                   {"Show how a state document differs from the device",
-                    [arguments] { return Diff(*arguments); },
-                    ShowDiff,
-                    {"networkgrpc export >state.json && networkgrpc diff state.json"}});
-  tool.Offer(
-      diff.add_option("FILE", arguments->file, "The document; - for standard input")->required(),
-      Candidates::kFiles);
-  tool.Offer(
-      diff.add_option("OTHER", arguments->other, "Compare with this document, not with the device"),
-      Candidates::kFiles);
-  diff.add_flag("--exit-code", arguments->exit_code, "Exit with status 1 if there is a difference");
+  Command diff = tool.AddVerb(tool.Top(), "diff",
+                              {"Show how a state document differs from the device",
+                               [arguments] { return Diff(*arguments); },
+                               ShowDiff,
+                               {"networkgrpc export >state.json && networkgrpc diff state.json"}});
+  diff.Argument("FILE", &arguments->file, "The document; - for standard input")
+      .Offer(Candidates::kFiles);
+  diff.OptionalArgument("OTHER", &arguments->other,
+                        "Compare with this document, not with the device")
+      .Offer(Candidates::kFiles);
+  diff.Flag("--exit-code", &arguments->exit_code, "Exit with status 1 if there is a difference");
   AddImport(tool);
 }
 

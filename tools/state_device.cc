@@ -42,12 +42,12 @@ Json ReadDanteState() {
                 {"aes67", ReadAes67()},
                 {"transmit_disabled", ReadTransmitDisabled()},
                 {"ptp_slave_only", ReadPtpSlaveOnly()},
-                {"tx_channels", Json::array()},
+                {"tx_channels", ToJson(ReadTxChannels())},
+                {"rx_channels", nullptr},
                 {"routing", Json::array()}};
-  const auto channels = ReadTxChannels();
-  for (const auto& channel : channels.channels())
-    dante["tx_channels"].push_back({{"id", channel.id()}, {"name", channel.name()}});
-  for (const auto& link : ReadRouting(ReadRxChannels())) dante["routing"].push_back(ToJson(link));
+  const auto receivers = ReadRxChannels();
+  dante["rx_channels"] = ToJson(receivers);
+  for (const auto& link : ReadRouting(receivers)) dante["routing"].push_back(ToJson(link));
   return dante;
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "terminal/progress.h"
 #include "tools/call.h"
 #include "tools/interrupt.h"
 #include "tools/pending.h"
@@ -74,8 +75,13 @@ class Import {
   /// Reports whatever ends it: a signal ends it between two calls.
   Json Run() {
     const interrupt::Handler handler;
-    for (const Step& step : steps)
-      if (!step.from.is_null()) Do(step);
+    {
+      terminal::Progress progress("importing", steps.size());
+      for (const Step& step : steps) {
+        if (!step.from.is_null()) Do(step);
+        progress.Step();
+      }
+    }
     if (reload) Reload(Effect::kNtpReload, false, ReloadNtp);
     if (reload) Reload(Effect::kNetworkReload, !pending.empty(), ReloadNetwork);
     if (!failure.has_value()) Verify();
@@ -181,16 +187,15 @@ std::string Show(const Json& result) {
 
 void AddImport(Tool& tool) {
   const auto arguments = std::make_shared<Arguments>();
-  CLI::App& verb =
-      tool.AddVerb(tool.app, "import",
+  Command verb =
+      tool.AddVerb(tool.Top(), "import",
                    {"Apply a state document to the device",
                     [&tool, arguments] { return Run(tool, *arguments); },
                     Show,
                     {"networkgrpc export >state.json && networkgrpc import state.json --yes"}});
-  tool.Offer(
-      verb.add_option("FILE", arguments->file, "The document; - for standard input")->required(),
-      Candidates::kFiles);
-  verb.add_flag("--reload", arguments->reload, "Apply the stored network configuration at the end");
+  verb.Argument("FILE", &arguments->file, "The document; - for standard input")
+      .Offer(Candidates::kFiles);
+  verb.Flag("--reload", &arguments->reload, "Apply the stored network configuration at the end");
   tool.AddYes(verb);
 }
 

@@ -36,14 +36,15 @@ void PlanDanteSettings(Steps& steps, const Json& from, const Json& to) {
   AddSetting<bool>(steps, from, to, "ptp_slave_only", SetPtpSlaveOnly);
 }
 
-void PlanChannels(Steps& steps, const Json& from, const Json& to) {
+void PlanChannels(Steps& steps, const std::string& list, const Json& from, const Json& to,
+                  void (*rename)(std::int32_t id, const std::string& name)) {
   const Index index(from, "id");
   for (const Json& it : to) {
     const Json* present = index.Find(it["id"]);
     const std::string name = it.value("name", "");
-    Add(steps, {"dante.tx_channels[" + it["id"].dump() + "].name",
+    Add(steps, {"dante." + list + "[" + it["id"].dump() + "].name",
                 present != nullptr ? (*present)["name"] : Json(), name, Effect::kAtOnce,
-                [id = it["id"].get<std::int32_t>(), name] { RenameTxChannel(id, name); }});
+                [=, id = it["id"].get<std::int32_t>()] { rename(id, name); }});
   }
 }
 
@@ -86,7 +87,10 @@ void PlanInterfaces(Steps& steps, const Json& from, const Json& to) {
 std::vector<Step> Plan(const Json& current, const Json& wanted) {
   Steps steps;
   PlanDanteSettings(steps, current["dante"], wanted["dante"]);
-  PlanChannels(steps, current["dante"]["tx_channels"], wanted["dante"]["tx_channels"]);
+  PlanChannels(steps, "tx_channels", current["dante"]["tx_channels"],
+               wanted["dante"]["tx_channels"], RenameTxChannel);
+  PlanChannels(steps, "rx_channels", current["dante"]["rx_channels"],
+               wanted["dante"]["rx_channels"], RenameRxChannel);
   PlanRouting(steps, current["dante"]["routing"], wanted["dante"]["routing"]);
   PlanHost(steps, current["network"], wanted["network"]);
   PlanInterfaces(steps, current["network"]["interfaces"], wanted["network"]["interfaces"]);

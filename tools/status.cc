@@ -49,7 +49,7 @@ Json Dante() {
           {"latency", ReadLatency()},
           {"aes67", ReadAes67()},
           {"transmit", !ReadTransmitDisabled()},
-          {"ptp_slave_only", ReadPtpSlaveOnly()},
+          {"ptp", ReadPtp()},
           {"tx_channels", tx.channels_size()},
           {"rx_channels", links.size()},
           {"subscribed", subscribed}};
@@ -107,7 +107,8 @@ std::string ShowDante(const Json& dante) {
   table.Add({"latency", Text(dante["latency"])});
   table.Add({"AES67", OnOff(dante["aes67"])});
   table.Add({"transmit", OnOff(dante["transmit"])});
-  table.Add({"PTP slave only", OnOff(dante["ptp_slave_only"])});
+  table.Add({"PTP clock", TextOrUnknown(dante["ptp"]["clock"]) +
+                              (dante["ptp"]["slave_only"] ? ", slave only" : "")});
   table.Add({"channels", Text(dante["tx_channels"]) + " transmit, " + Text(dante["rx_channels"]) +
                              " receive, " + Text(dante["subscribed"]) + " subscribed"});
   return table.Text();
@@ -121,7 +122,7 @@ std::string Show(const Json& result) {
 }  // namespace
 
 void AddStatus(Tool& tool) {
-  tool.AddVerb(tool.app, "status",
+  tool.AddVerb(tool.Top(), "status",
                {"Show a summary of all settings", Run, Show, {"networkgrpc status"}});
 }
 

@@ -1,7 +1,6 @@
 // networkgrpc switch: how the device's network ports are used.
 #include "tools/switch.h"
 
-#include "terminal/arguments.h"
 #include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/tool.h"
@@ -73,7 +72,7 @@ void SelectSwitchMode(std::int32_t id) {
 }
 
 void AddSwitch(Tool& tool) {
-  CLI::App& noun = tool.AddNoun("switch", "Show and select the switch mode", "list");
+  const Command noun = tool.AddNoun("switch", "Show and select the switch mode", "list");
   tool.AddVerb(
       noun, "list",
       {"List the switch modes of the device", List, ShowList, {"networkgrpc switch list"}});
@@ -88,15 +87,14 @@ void AddSwitch(Tool& tool) {
                 ShowMode,
                 {"networkgrpc switch configured"}});
   const auto id = std::make_shared<int>(0);
-  CLI::App& set = tool.AddVerb(
+  Command set = tool.AddVerb(
       noun, "set",
       {"Select a switch mode: how the network ports are used",
        [&tool, id] { return Set(tool, *id); },
        [](const Json& result) { return "switch mode " + Text(result["id"]) + " is stored\n"; },
        {"networkgrpc switch set 1 --yes"}});
   tool.AddYes(set);
-  tool.Offer(terminal::AddInteger(set, "ID", *id, "The mode's id in 'switch list'")->required(),
-             Candidates::kSwitchModes);
+  set.Argument("ID", id.get(), "The mode's id in 'switch list'").Offer(Candidates::kSwitchModes);
 }
 
 }  // namespace tool

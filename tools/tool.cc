@@ -10,6 +10,7 @@
 #include "terminal/help.h"
 #include "terminal/printable.h"
 #include "terminal/prompt.h"
+#include "tools/command_line.h"
 #include "tools/interrupt.h"
 #include "tools/output.h"
 
@@ -67,6 +68,22 @@ std::string EnvironmentSection() {
       entries + terminal::Entry("NO_COLOR", "if set and not empty, print without colour"));
 }
 
+std::string MoreHelp(const CommandLine& line, const CLI::App& command, bool all) {
+  if (&command == &line.app)
+    return ExitStatusSection() + EnvironmentSection() +
+           terminal::Examples({"networkgrpc status", "networkgrpc doctor"});
+  std::vector<std::string> examples;
+  const auto add = [&](const CLI::App* verb) {
+    const auto found = line.verbs.find(verb);
+    if (found == line.verbs.end()) return;
+    const auto& more = found->second.examples;
+    examples.insert(examples.end(), more.begin(), more.end());
+  };
+  add(&command);
+  for (const CLI::App* verb : command.get_subcommands(nullptr)) add(verb);
+  return (all ? ExitStatusSection() : "") + terminal::Examples(examples);
+}
+
 }  // namespace
 
 const char* OnOff(bool on) { return on ? "on" : "off"; }
@@ -88,74 +105,52 @@ ToText ShowMember(const char* member) {
   };
 }
 
-// The command that the command line names.
-struct Tool::Found {
-  const CLI::App* verb = nullptr;  // null if only a noun is given
-  std::string name;                // "interface list"
-};
-
-Tool::Tool() : app("Show and change the settings of a networked amplifier", kName) {
+Tool::Tool()
+    : line(std::make_unique<CommandLine>("Show and change the settings of a networked amplifier",
+                                         kName)) {
+  CLI::App& app = line->app;
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_help_all_flag("--help-all", "Print the help of all commands below and exit");
   app.set_version_flag("-V,--version", std::string(kName) + " " + NETWORKGRPC_VERSION,
                        "Print the version and exit");
   app.formatter(std::make_shared<terminal::Help>(
-      [this](const CLI::App& command, bool all) { return MoreHelp(command, all); }));
+      [this](const CLI::App& command, bool all) { return MoreHelp(*line, command, all); }));
   app.fallthrough();
   app.require_subcommand(1, 0);
   AddGlobalOptions();
 }
 
+Tool::~Tool() = default;
+
 void Tool::AddGlobalOptions() {
-  app.add_flag("--json", json, "Print one JSON object instead of text");
-  app.add_option("--timeout", calls.timeout, "Longest time for a call; default 30")
-      ->type_name("SECONDS")
-      ->check(terminal::Seconds(0.01));
-  app.add_option("--total-timeout", calls.total_timeout,
-                 "Longest time for all calls together; default no limit")
-      ->type_name("SECONDS")
-      ->check(terminal::Seconds(0.01));
-  app.add_flag("--verbose", calls.verbose, "Report each call on standard error");
-  app.add_option("--network-manager", network_manager, "Endpoint of the network-manager daemon")
-      ->type_name("ENDPOINT");
-  app.add_option("--dapi", dapi, "Endpoint of the Dante API daemon")->type_name("ENDPOINT");
+  Command top = Top();
+  top.Flag("--json", &json, "Print one JSON object instead of text");
+  top.Seconds("--timeout", &calls.timeout, 0.01, "Longest time for a call; default 30");
+  top.Seconds("--total-timeout", &calls.total_timeout, 0.01,
+              "Longest time for all calls together; default no limit");
+  top.Flag("--verbose", &calls.verbose, "Report each call on standard error");
+  top.Option("--network-manager", "ENDPOINT", &network_manager,
+             "Endpoint of the network-manager daemon");
+  top.Option("--dapi", "ENDPOINT", &dapi, "Endpoint of the Dante API daemon");
 }
 
-std::string Tool::MoreHelp(const CLI::App& command, bool all) const {
-  if (&command == &app)
-    return ExitStatusSection() + EnvironmentSection() +
-           terminal::Examples({"networkgrpc status", "networkgrpc doctor"});
-  std::vector<std::string> examples;
-  const auto add = [&](const CLI::App* verb) {
-    const auto found = verbs.find(verb);
-    if (found == verbs.end()) return;
-    const auto& more = found->second.examples;
-    examples.insert(examples.end(), more.begin(), more.end());
-  };
-  add(&command);
-  for (const CLI::App* verb : command.get_subcommands(nullptr)) add(verb);
-  return (all ? ExitStatusSection() : "") + terminal::Examples(examples);
-}
+Command Tool::Top() { return {*line, line->app}; }
 
-CLI::App& Tool::AddNoun(const std::string& name, const std::string& description,
-                        const std::string& verb) {
-  CLI::App& noun = *app.add_subcommand(name, description);
-  verb_of_noun[&noun] = verb;
+Command Tool::AddNoun(const std::string& name, const std::string& description,
+                      const std::string& verb) {
+  CLI::App& noun = *line->app.add_subcommand(name, description);
+  line->verb_of_noun[&noun] = verb;
   noun.require_subcommand(verb.empty() ? 1 : 0, 1);
-  return noun;
+  return {*line, noun};
 }
 
-CLI::App& Tool::AddVerb(CLI::App& parent, const std::string& name, Verb verb) {
-  const auto noun = verb_of_noun.find(&parent);
-  const bool is_default = noun != verb_of_noun.end() && noun->second == name;
+Command Tool::AddVerb(const Command& parent, const std::string& name, Verb verb) {
+  const auto noun = line->verb_of_noun.find(&parent.App());
+  const bool is_default = noun != line->verb_of_noun.end() && noun->second == name;
   CLI::App& command =
-      *parent.add_subcommand(name, verb.description + (is_default ? " (default)" : ""));
-  verbs[&command] = std::move(verb);
-  return command;
-}
-
-void Tool::AddYes(CLI::App& verb) {
-  verb.add_flag("-y,--yes", yes, "Do not ask for confirmation; required if there is no terminal");
+      *parent.App().add_subcommand(name, verb.description + (is_default ? " (default)" : ""));
+  line->verbs[&command] = std::move(verb);
+  return {*line, command};
 }
 
 void Tool::Announce(const std::vector<std::string>& changes) {
@@ -181,33 +176,19 @@ void Tool::UseEndpoints() const {
   if (!dapi.empty()) setenv(EndpointSetting(Daemon::kDante).variable, dapi.c_str(), 1);
 }
 
-Tool::Found Tool::Selected() const {
-  Found found;
-  const CLI::App* at = &app;
-  while (!at->get_subcommands().empty()) {
-    at = at->get_subcommands().front();
-    found.name += (found.name.empty() ? "" : " ") + at->get_name();
-  }
-  const auto noun = verb_of_noun.find(at);
-  if (noun != verb_of_noun.end() && !noun->second.empty()) {
-    found.name += " " + noun->second;
-    at = const_cast<CLI::App*>(at)->get_subcommand(noun->second);
-  }
-  if (verbs.count(at) != 0) found.verb = at;
-  return found;
-}
-
-int Tool::Fail(const Found& found, const Failure& failure) const {
+int Tool::Fail(const Failure& failure) const {
+  const auto found = line->Selected();
   if (json) return Print(JsonText(ErrorJson(found.name, failure)), failure.status);
   const bool has_result = !failure.result.is_null();
   const int status =
-      Print(has_result ? verbs.at(found.verb).show(failure.result) : "", failure.status);
+      Print(has_result ? line->verbs.at(found.verb).show(failure.result) : "", failure.status);
   std::cerr << ErrorLine(failure.message);
   return status;
 }
 
-int Tool::Run(const Found& found) {
-  const Verb& verb = verbs.at(found.verb);
+int Tool::Run() {
+  const auto found = line->Selected();
+  const Verb& verb = line->verbs.at(found.verb);
   SetCallOptions(calls);
   interrupt::Watch();
   try {
@@ -216,16 +197,16 @@ int Tool::Run(const Found& found) {
     const std::string text = json ? JsonText(ResultJson(found.name, result)) : verb.show(result);
     return Print(has_result ? text : "", ExitStatus::kDone);
   } catch (const Failure& failure) {
-    return Fail(found, failure);
+    return Fail(failure);
   } catch (const std::bad_alloc&) {
-    return Fail(found, {ExitStatus::kFailed, "out of memory"});
+    return Fail({ExitStatus::kFailed, "out of memory"});
   } catch (const std::exception& error) {
-    return Fail(found, {ExitStatus::kFailed, std::string("unexpected failure: ") + error.what()});
+    return Fail({ExitStatus::kFailed, std::string("unexpected failure: ") + error.what()});
   }
 }
 
 int Tool::Usage(const std::string& message, bool as_json) const {
-  const std::string name = Selected().name;
+  const std::string name = line->Selected().name;
   const std::string command = name.empty() ? "" : name + " ";
   const Failure failure(ExitStatus::kUsage, message + "; see 'networkgrpc " + command + "--help'");
   if (as_json) return Print(JsonText(ErrorJson(name, failure)), failure.status);
@@ -239,9 +220,9 @@ void Tool::Parse(std::vector<std::string> arguments) {
     arguments.erase(arguments.begin());
     arguments.emplace_back("--help");
   }
-  RejectValuesOfFlags(app);
+  RejectValuesOfFlags(line->app);
   std::reverse(arguments.begin(), arguments.end());  // as the parser expects them
-  app.parse(std::move(arguments));
+  line->app.parse(std::move(arguments));
 }
 
 int Tool::Main(int argc, char** argv) {
@@ -253,18 +234,17 @@ int Tool::Main(int argc, char** argv) {
   try {
     Parse(arguments);
   } catch (const CLI::CallForHelp&) {
-    return Print(app.help(), ExitStatus::kDone);
+    return Print(line->app.help(), ExitStatus::kDone);
   } catch (const CLI::CallForAllHelp&) {
-    return Print(app.help("", CLI::AppFormatMode::All), ExitStatus::kDone);
+    return Print(line->app.help("", CLI::AppFormatMode::All), ExitStatus::kDone);
   } catch (const CLI::CallForVersion& version) {
     return Print(std::string(version.what()) + "\n", ExitStatus::kDone);
   } catch (const CLI::ParseError& error) {
-    return Usage(terminal::Explain(app, error), as_json);
+    return Usage(terminal::Explain(line->app, error), as_json);
   }
-  const Found found = Selected();
-  if (found.verb == nullptr) return Usage("a command is required", as_json);
+  if (line->Selected().verb == nullptr) return Usage("a command is required", as_json);
   UseEndpoints();
-  return Run(found);
+  return Run();
 }
 
 }  // namespace tool

@@ -2,42 +2,16 @@
 // is shown, its examples, what completes its arguments.
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <functional>
-#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "tools/call.h"
+#include "tools/call_options.h"
+#include "tools/command.h"
 #include "tools/failure.h"
 #include "tools/json.h"
 
 namespace tool {
-
-/// What a shell can offer for an argument.
-enum class Candidates {
-  kInterfaceNames,
-  kInterfaceIds,
-  kTxChannels,
-  kRxChannels,
-  kSwitchModes,
-  kSampleRates,
-  kOnOff,
-  kFiles,
-  kNothing,
-};
-
-/// The text for a result.
-using ToText = std::function<std::string(const Json& result)>;
-
-/// A command. `run` calls the daemons and throws a Failure; `show` makes text of
-/// the result of `run` without further calls.
-struct Verb {
-  std::string description;
-  std::function<Json()> run;
-  ToText show;
-  std::vector<std::string> examples;
-};
 
 /// The value of one member, in a line: true and false as "on" and "off".
 ToText ShowMember(const char* member);
@@ -53,20 +27,21 @@ const char* ShowApplied(const Json& result);
 class Tool {
  public:
   Tool();
-  ~Tool() = default;
+  ~Tool();
 
   Tool(const Tool&) = delete;
   Tool& operator=(const Tool&) = delete;
 
+  /// The tool itself, as the parent of commands.
+  Command Top();
   /// A noun. Without a verb it stands for `verb`, unless that is "".
-  CLI::App& AddNoun(const std::string& name, const std::string& description,
-                    const std::string& verb);
+  Command AddNoun(const std::string& name, const std::string& description, const std::string& verb);
   /// A verb of a noun, or of the tool itself.
-  CLI::App& AddVerb(CLI::App& parent, const std::string& name, Verb verb);
+  Command AddVerb(const Command& parent, const std::string& name, Verb verb);
   /// The option --yes of a command that calls Confirm.
-  void AddYes(CLI::App& verb);
-  /// What completes the value of an argument or option.
-  void Offer(CLI::Option* option, Candidates what) { candidates[option] = what; }
+  void AddYes(Command& verb) {
+    verb.Flag("-y,--yes", &yes, "Do not ask for confirmation; required if there is no terminal");
+  }
 
   /// Prints what will change, a line each, and asks whether to continue; throws if not.
   /// Without a terminal --yes is required.
@@ -87,25 +62,18 @@ class Tool {
   double Timeout() const { return calls.timeout; }
   bool Verbose() const { return calls.verbose; }
 
-  CLI::App app;
   bool json = false;
   bool yes = false;
 
  private:
-  struct Found;
-
   void AddGlobalOptions();
-  std::string MoreHelp(const CLI::App& command, bool all) const;
   void UseEndpoints() const;
-  Found Selected() const;
   void Parse(std::vector<std::string> arguments);
-  int Run(const Found& found);
-  int Fail(const Found& found, const Failure& failure) const;
+  int Run();
+  int Fail(const Failure& failure) const;
   int Usage(const std::string& message, bool as_json) const;
 
-  std::map<const CLI::App*, Verb> verbs;
-  std::map<const CLI::App*, std::string> verb_of_noun;
-  std::map<const CLI::Option*, Candidates> candidates;
+  const std::unique_ptr<CommandLine> line;
   CallOptions calls;
   std::string network_manager;
   std::string dapi;

@@ -8,8 +8,8 @@
 #include <mutex>
 #include <thread>
 
-#include "terminal/arguments.h"
 #include "tools/call.h"
+#include "tools/dante.h"
 #include "tools/host_settings.h"
 #include "tools/interface.h"
 #include "tools/interrupt.h"
@@ -45,7 +45,10 @@ Json ObserveNetwork() {
   return {{"network", ReadNetworkState()}, {"live", live}};
 }
 
-Json ObserveDante() { return {{"dante", ReadDanteState()}}; }
+Json ObserveDante() {
+  const Json clock = ReadPtp()["clock"];
+  return {{"dante", ReadDanteState()}, {"live", {{"ptp", {{"clock", clock}}}}}};
+}
 
 /// Where the watchers of both daemons write, one line at a time.
 class Lines {
@@ -149,14 +152,12 @@ Json Run(const Tool& tool, double interval) {
 
 void AddWatch(Tool& tool) {
   const auto interval = std::make_shared<double>(2);
-  CLI::App& verb = tool.AddVerb(tool.app, "watch",
-                                {"Print changes, one per line, until interrupted",
-                                 [&tool, interval] { return Run(tool, *interval); },
-                                 [](const Json&) { return std::string(); },
-                                 {"timeout --preserve-status 1 networkgrpc watch --interval 0.2"}});
-  verb.add_option("--interval", *interval, "Time between two readings; default 2")
-      ->type_name("SECONDS")
-      ->check(terminal::Seconds(0.05));
+  Command verb = tool.AddVerb(tool.Top(), "watch",
+                              {"Print changes, one per line, until interrupted",
+                               [&tool, interval] { return Run(tool, *interval); },
+                               [](const Json&) { return std::string(); },
+                               {"timeout --preserve-status 1 networkgrpc watch --interval 0.2"}});
+  verb.Seconds("--interval", interval.get(), 0.05, "Time between two readings; default 2");
 }
 
 }  // namespace tool

@@ -27,8 +27,8 @@ TEST(Settable, SimulatedMembersGiven_LeavesThemOut) {
   const Json document = Json::parse(
       R"({"schema": 1, "faults": [], "network": {"ntp_in_effect": ["a"], "ntp": ["b"],
           "switch_modes": [{"id": 1}], "interfaces": [{"mac": "m", "name": "n", "lease": null}]},
-          "dante": {"rx_channels": [{"id": 1}], "tx_channels": [{"id": 1, "default_name": "d"}],
-          "routing": [{"rx_channel": 1, "flag5": true, "raw": {"ip": "i"}}], "ptp": {}}})");
+          "dante": {"manufacturer": "m", "tx_channels": [{"id": 1, "default_name": "d"}],
+          "routing": [{"rx_channel": 1, "raw": {"ip": "i"}}], "ptp": {}}})");
 
   EXPECT_EQ(Settable(document).dump(),
             R"({"schema":1,"network":{"ntp":["b"],"interfaces":[{"name":"n"}]},)"
@@ -57,10 +57,11 @@ TEST(Merged, SubscriptionLacksMembers_TheyAreEmpty) {
   const Json stream = Dante("routing", R"([{"raw": {"ip": "i", "value3": 7}, "rx_channel": 1}])");
 
   EXPECT_EQ(Merged(from, Dante("routing", R"([{"rx_channel": 1}])"))["dante"]["routing"].dump(),
-            R"([{"rx_channel":1,"device":"","channel":"","raw":null}])");
-  EXPECT_EQ(Merged(from, stream)["dante"]["routing"].dump(),
-            R"([{"rx_channel":1,"device":"","channel":"","raw":{"ip":"i","value2":0,"value3":7,)"
-            R"("value4":0,"value5":0,"value6":0,"encoding":"L24","sip":"","session_id":null}}])");
+            R"([{"rx_channel":1,"device":"","channel":"","raw":null,"flag5":false}])");
+  EXPECT_EQ(
+      Merged(from, stream)["dante"]["routing"].dump(),
+      R"([{"rx_channel":1,"device":"","channel":"","raw":{"ip":"i","value2":0,"value3":7,)"
+      R"("value4":0,"value5":0,"value6":0,"encoding":"L24","sip":"","session_id":null},"flag5":false}])");
 }
 
 TEST(Differences, EntriesInAnotherOrder_AreEqual) {

@@ -47,12 +47,16 @@ record() {
   done
 }
 
+commands_of_the_recordings() {
+  mapfile -t commands < <(sed -n 's/^\$ networkgrpc //p' "$golden/success.txt")
+  [ "${#commands[@]}" -gt 0 ]
+}
+
 # compare SCENARIO DESCRIPTION START...: starts a device for text, and one for JSON.
 compare() {
   local scenario="$1" description="$2" form name success
   shift 2
-  mapfile -t commands < <(sed -n 's/^\$ networkgrpc //p' "$golden/success.txt")
-  [ "${#commands[@]}" -gt 0 ]
+  commands_of_the_recordings
   for form in '' _json; do
     name=$scenario$form.txt success=
     [ "$scenario" = success ] || success=success$form.txt
@@ -98,23 +102,35 @@ start_device_with_unusual_names() {
     start_device_with_unusual_names
 }
 
+@test "EveryCommand_Together_CallsEveryRpc" {
+  start_controlled_simulator
+  commands_of_the_recordings
+  cd "$golden"
+  for command in "${commands[@]}"; do
+    read -ra words <<<"$command"
+    tool "${words[@]}" >/dev/null 2>&1 || true # the recordings have their exit status
+  done
+  diff <(sed -n 's/^ *rpc \(\w*\).*/\1/p' "$SOURCE_TREE"/proto/*/*.proto | sort) \
+    <(control calls | jq -r .method | sed "s,.*[./],," | sort -u)
+}
+
 @test "Validation_DocumentIsWrong_RejectsItAndNamesTheMember" {
-  validate - <<<'{"schema":2,"command":"dns","result":{"dns":["10.0.0.1"]}}'
+  validate - <<<'{"schema":3,"command":"dns","result":{"dns":["10.0.0.1"]}}'
   while IFS='|' read -r document message; do
     run -1 --separate-stderr validate - <<<"$document"
     [[ $stderr == "-: line 1: $message"* ]] || { echo "$document: $stderr"; return 1; }
   done <<'DOCUMENTS'
 {} {}|not one JSON object
-{"schema":1,"command":"dns","result":{"dns":[]}}|$.schema: 2 was expected
-{"schema":2,"command":"dns"}|$: 'error' is a required property
-{"schema":2,"command":"dns","error":{"code":7,"name":"failed","daemon":"","endpoint":"","rpc":"","grpc_status":"","daemon_message":"","message":"","outcome":"not-done"}}|$.error.code: 7 is not one of
-{"schema":2,"command":"colour","result":{"dns":[]}}|$.command: 'colour' is unknown
-{"schema":2,"command":"dns","result":{}}|$.result: 'dns' is a required property
-{"schema":2,"command":"dns","result":{"dns":[],"ttl":1}}|$.result: Additional properties are not allowed ('ttl'
-{"schema":2,"command":"dns","result":{"dns":null}}|$.result.dns: None is not of type 'array'
-{"schema":2,"command":"dante latency","result":{"latency":4294967296}}|$.result.latency: 4294967296 is greater
-{"schema":2,"command":"channel count","result":{"tx":1,"rx":-2147483649}}|$.result.rx: -2147483649 is less
-{"schema":2,"command":"routing set","result":{"rx_channel":1,"device":"","channel":"","raw":{"ip":""}}}|$.result.raw: 'value2' is a required
-{"schema":2,"command":"export","result":{"schema":1,"dante":{"colour":1}}}|$.result.dante: Additional properties
+{"schema":1,"command":"dns","result":{"dns":[]}}|$.schema: 3 was expected
+{"schema":3,"command":"dns"}|$: 'error' is a required property
+{"schema":3,"command":"dns","error":{"code":7,"name":"failed","daemon":"","endpoint":"","rpc":"","grpc_status":"","daemon_message":"","message":"","outcome":"not-done"}}|$.error.code: 7 is not one of
+{"schema":3,"command":"colour","result":{"dns":[]}}|$.command: 'colour' is unknown
+{"schema":3,"command":"dns","result":{}}|$.result: 'dns' is a required property
+{"schema":3,"command":"dns","result":{"dns":[],"ttl":1}}|$.result: Additional properties are not allowed ('ttl'
+{"schema":3,"command":"dns","result":{"dns":null}}|$.result.dns: None is not of type 'array'
+{"schema":3,"command":"dante latency","result":{"latency":4294967296,"minimum":1}}|$.result.latency: 4294967296 is greater
+{"schema":3,"command":"channel count","result":{"tx":1,"rx":-2147483649}}|$.result.rx: -2147483649 is less
+{"schema":3,"command":"routing set","result":{"rx_channel":1,"device":"","channel":"","raw":{"ip":""},"flag5":false}}|$.result.raw: 'value2' is a required
+{"schema":3,"command":"export","result":{"schema":1,"dante":{"colour":1}}}|$.result.dante: Additional properties
 DOCUMENTS
 }

@@ -1,0 +1,40 @@
+#include "tools/parallel.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <thread>
+#include <vector>
+
+namespace tool {
+namespace {
+
+constexpr std::size_t kAtOnce = 16;
+
+}  // namespace
+
+void Parallel(std::size_t count, const std::function<void(std::size_t)>& function) {
+  std::vector<std::exception_ptr> failures(count);
+  std::atomic<std::size_t> next{0};
+  std::atomic<bool> has_failed{false};
+  const auto work = [&] {
+    while (!has_failed) {
+      const std::size_t i = next++;
+      if (i >= count) return;
+      try {
+        function(i);
+      } catch (...) {
+        failures[i] = std::current_exception();
+        has_failed = true;
+      }
+    }
+  };
+  std::vector<std::thread> others;
+  for (std::size_t i = 1; i < std::min(count, kAtOnce); ++i) others.emplace_back(work);
+  work();
+  for (std::thread& other : others) other.join();
+  for (const std::exception_ptr& failure : failures)
+    if (failure) std::rethrow_exception(failure);
+}
+
+}  // namespace tool
