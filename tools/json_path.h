@@ -1,0 +1,16 @@
+// Values inside a result, by the paths that diff and watch print.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/json.h"
+
+namespace tool {
+
+/// The values at `path`, such as "network.interfaces[lan0].stored.ip". An entry of a list
+/// is named by its key (name, id or receive channel), or by its position from 0 if the
+/// entries have none; "[]" stands for every entry. Empty if there is none.
+std::vector<Json> ValuesAt(const Json& json, const std::string& path);
+
+}  // namespace tool
