@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <sstream>
+#include <utility>
 
 #include "client/channel.h"
 #include "state_document/table.h"
@@ -21,6 +22,7 @@ namespace {
 using Clock = std::chrono::system_clock;
 
 CallOptions chosen;
+std::function<void()> before_first_change;
 double total_end = std::numeric_limits<double>::infinity();
 
 double Now() { return std::chrono::duration<double>(Clock::now().time_since_epoch()).count(); }
@@ -55,10 +57,11 @@ class Attempt {
     if (Endpoint(asked.daemon).empty())
       throw NotDone(ExitStatus::kUnreachable,
                     "the endpoint of " + The(asked.daemon) + " is empty; see 'networkgrpc doctor'");
+    if (asked.changes && before_first_change) std::exchange(before_first_change, nullptr)();
     const double start = Now();
     end = std::min(start + chosen.timeout, total_end);
     if (asked.changes) Connect();
-    if (interrupt::Requested()) throw NotDone(ExitStatus::kFailed, "interrupted");
+    if (interrupt::Signal() != 0) throw NotDone(ExitStatus::kFailed, "interrupted");
     if (Now() >= end) throw NotDone(ExitStatus::kTimeLimit, TooLate());
     Perform(call);
     if (chosen.verbose) Report(Now() - start);
@@ -110,7 +113,7 @@ class Attempt {
     if (code == grpc::StatusCode::DEADLINE_EXCEEDED && Now() >= end)
       return asked.changes ? Unknown(ExitStatus::kUnknown, TooLate())
                            : NotDone(ExitStatus::kTimeLimit, TooLate());
-    if (code == grpc::StatusCode::CANCELLED && interrupt::Requested())
+    if (code == grpc::StatusCode::CANCELLED && interrupt::Signal() != 0)
       return asked.changes
                  ? Unknown(ExitStatus::kUnknown, std::string(asked.rpc) + " was interrupted")
                  : NotDone(ExitStatus::kFailed, "interrupted");
@@ -176,6 +179,12 @@ class Attempt {
 void SetCallOptions(const CallOptions& options) {
   chosen = options;
   if (options.total_timeout > 0) total_end = Now() + options.total_timeout;
+}
+
+void LimitCalls(double seconds) { total_end = Now() + seconds; }
+
+void BeforeFirstChange(std::function<void()> function) {
+  before_first_change = std::move(function);
 }
 
 Pause::Pause() : began(Now()) {}

@@ -1,6 +1,8 @@
 // What the command line says of the calls.
 #pragma once
 
+#include <functional>
+
 namespace tool {
 
 /// Set from the command line before the first call.
@@ -10,6 +12,12 @@ struct CallOptions {
   bool verbose = false;      // report each call on standard error
 };
 void SetCallOptions(const CallOptions& options);
+
+/// Calls end within this time from now, whatever the options.
+void LimitCalls(double seconds);
+
+/// Called before the first call that changes something.
+void BeforeFirstChange(std::function<void()> function);
 
 /// While one lives, the total time limit stands still: a person may think.
 class Pause {

@@ -61,6 +61,7 @@ void AddChannel(Tool& tool) {
       .Offer(Candidates::kTxChannels);
   rename.Argument("NAME", name.get(), "The new name");
   rename.Flag("--receive", receive.get(), "The receive channel with this id");
+  tool.Undoable(rename, Daemon::kDante);
 }
 
 }  // namespace tool

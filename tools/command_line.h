@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tools/command.h"
+#include "tools/daemon.h"
 
 namespace tool {
 
@@ -25,6 +26,7 @@ class CommandLine {
   std::map<const CLI::App*, Verb> verbs;
   std::map<const CLI::App*, std::string> verb_of_noun;
   std::map<const CLI::Option*, Candidates> candidates;
+  std::map<const CLI::App*, Daemon> undoable;
 };
 
 }  // namespace tool

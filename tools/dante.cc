@@ -71,11 +71,11 @@ Json Model() {
 }
 
 Json Restart(Tool& tool) {
-  if (!tool.yes) {
+  tool.Confirm([] {
     auto changes = AlsoApplied(PendingNetworkSettings());
     changes.insert(changes.begin(), "restarting the Dante module interrupts audio");
-    tool.Confirm(changes);
-  }
+    return changes;
+  });
   ReloadNetwork();
   return {{"rebooted", true}};
 }
@@ -132,6 +132,7 @@ Command AddSetting(Tool& tool, const Command& noun, const char* argument, const 
                                {base, base + " " + setting.example}});
   Parameter parameter = verb.OptionalArgument(argument, value.get(), meaning);
   if (candidates != Candidates::kNothing) parameter.Offer(candidates);
+  tool.Undoable(verb, Daemon::kDante);
   return verb;
 }
 
@@ -152,6 +153,7 @@ void AddAction(Tool& tool, const Command& noun, const std::string& name, const c
                                [done](const Json&) { return std::string(done) + "\n"; },
                                {"networkgrpc dante " + name + " --yes"}});
   tool.AddYes(verb);
+  tool.Undoable(verb, Daemon::kNetworkManager);
 }
 
 }  // namespace

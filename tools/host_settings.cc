@@ -105,6 +105,7 @@ void AddHostname(Tool& tool) {
        {"networkgrpc hostname from-ampname 'Studio Amp 2'"}});
   set.Argument("NAME", name.get(), "The host name");
   derive.Argument("NAME", name.get(), "The amplifier's name");
+  for (Command* verb : {&set, &derive}) tool.Undoable(*verb, Daemon::kNetworkManager);
 }
 
 void AddNtp(Tool& tool) {
@@ -122,6 +123,7 @@ void AddNtp(Tool& tool) {
   set.Argument("SERVER", servers.get(), "Names or addresses");
   set.Flag("--reload", reload.get(), "Apply the stored NTP configuration at once");
   tool.AddYes(set);
+  tool.Undoable(set, Daemon::kNetworkManager);
 }
 
 }  // namespace
@@ -170,6 +172,7 @@ void AddHostSettings(Tool& tool) {
                                 [](const Json&) { return "network settings are reset\n"; },
                                 {"networkgrpc factory-reset --yes"}});
   tool.AddYes(reset);
+  tool.Undoable(reset, Daemon::kNetworkManager);
 }
 
 }  // namespace tool

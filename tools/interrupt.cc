@@ -14,7 +14,7 @@ struct State {
   std::mutex mutex;
   std::function<void()> handler;
   std::set<grpc::ClientContext*> calls;
-  bool requested = false;
+  int signal = 0;
 };
 
 State& TheState() {
@@ -50,7 +50,7 @@ void Handle(int signal) {
     EndBy(signal);
     return;
   }
-  state.requested = true;
+  state.signal = signal;
   state.handler();
   for (grpc::ClientContext* call : state.calls) call->TryCancel();
 }
@@ -79,10 +79,10 @@ Handler::~Handler() {
   state.handler = std::move(outer);
 }
 
-bool Requested() {
+int Signal() {
   State& state = TheState();
   const std::lock_guard<std::mutex> lock(state.mutex);
-  return state.requested;
+  return state.signal;
 }
 
 Call::Call(grpc::ClientContext& context) : call(&context) {

@@ -27,8 +27,8 @@ class Handler {
   std::function<void()> outer;
 };
 
-/// True once a Handler has been called.
-bool Requested();
+/// The signal for which a Handler was called; 0 if none was.
+int Signal();
 
 /// A call in progress, which a signal cancels.
 class Call {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "terminal/arenas.h"
-#include "tools/rollback.h"
+#include "tools/rescuer.h"
 #include "tools/tool.h"
 
 namespace {
@@ -24,10 +24,9 @@ int main(int argc, char** argv) {
   terminal::FixNumberOfArenas();
   std::signal(SIGXFSZ, SIG_IGN);  // a file that would be too large is an error, reported
   if (!OpenStandardDescriptors()) return static_cast<int>(tool::ExitStatus::kFailed);
-  // Two commands are not for people: completion by shells, and the rollback
-  // process.
+  // Two commands are not for people: completion by shells, and the rescuer.
   const std::string first = argc > 1 ? argv[1] : "";
-  if (first == tool::kRollbackCommand) return tool::RunRollback();
+  if (first == tool::kRescuerCommand && argc == 3) return tool::RunRescuer(argv[2]);
 
   tool::Tool tool;
   tool::AddInterface(tool);
@@ -40,6 +39,7 @@ int main(int argc, char** argv) {
   tool::AddDoctor(tool);
   tool::AddState(tool);
   tool::AddWatch(tool);
+  tool::AddCheckpoint(tool);
   if (first == "__complete") return tool.Complete({argv + 2, argv + argc});
 
   return tool.Main(argc, argv);

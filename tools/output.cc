@@ -1,5 +1,7 @@
 #include "tools/output.h"
 
+#include <array>
+
 #include "terminal/printable.h"
 
 namespace tool {
@@ -30,6 +32,14 @@ Json ErrorJson(const std::string& command, const Failure& failure) {
                      {"message", failure.message},
                      {"outcome", Name(failure.outcome)}};
   return object;
+}
+
+std::string UtcTime(std::time_t time) {
+  std::tm parts{};
+  gmtime_r(&time, &parts);
+  std::array<char, 32> text{};
+  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
+  return text.data();
 }
 
 std::string JsonText(const Json& value) {

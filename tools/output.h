@@ -2,6 +2,7 @@
 // tools/schema/output.schema.json describes the objects.
 #pragma once
 
+#include <ctime>
 #include <string>
 
 #include "tools/failure.h"
@@ -15,6 +16,9 @@ Json ResultJson(const std::string& command, const Json& result);
 /// {"schema":2,"command":...,"error":{...}}, with "result" before "error" if the failure
 /// has one.
 Json ErrorJson(const std::string& command, const Failure& failure);
+
+/// As in RFC 3339, in UTC.
+std::string UtcTime(std::time_t time);
 
 /// One line, ended by a line feed. Bytes that are not UTF-8 are replaced, and characters
 /// that are not printable are escaped.

@@ -86,7 +86,8 @@ Json Set(int rx, const std::string& device, const std::string& channel) {
   return Subscribe(link);
 }
 
-void AddReceiver(Command& verb, int* id) {
+void AddReceiver(Tool& tool, Command& verb, int* id) {
+  tool.Undoable(verb, Daemon::kDante);
   verb.Argument("RX", id, "The receive channel's id in 'channel list'")
       .Offer(Candidates::kRxChannels);
 }
@@ -123,7 +124,7 @@ void AddSetRaw(Tool& tool, const Command& noun) {
                     [stream] { return SetRaw(*stream); },
                     ShowSubscription,
                     {"networkgrpc routing set-raw 2 239.69.0.2 --encoding L24 --session-id 7"}});
-  AddReceiver(raw, &stream->rx);
+  AddReceiver(tool, raw, &stream->rx);
   raw.Argument("IP", &stream->ip, "An address of the stream");
   for (std::size_t i = 0; i < stream->values.size(); ++i)
     raw.Option("--value" + std::to_string(i + 2), "N", &stream->values.at(i),
@@ -160,7 +161,7 @@ void AddRouting(Tool& tool) {
        [arguments] { return Set(arguments->rx, arguments->device, arguments->channel); },
        ShowSubscription,
        {"networkgrpc routing set 1 'Stage box' 'Mic 1'"}});
-  AddReceiver(set, &arguments->rx);
+  AddReceiver(tool, set, &arguments->rx);
   set.Argument("DEVICE", &arguments->device, "Name of the transmitting device");
   set.Argument("CHANNEL", &arguments->channel, "Name of its transmit channel");
   AddSetRaw(tool, noun);
@@ -171,7 +172,7 @@ void AddRouting(Tool& tool) {
                                 [id] { return Subscribe(Unsubscribed(*id)); },
                                 ShowSubscription,
                                 {"networkgrpc routing clear 1"}});
-  AddReceiver(clear, id.get());
+  AddReceiver(tool, clear, id.get());
 }
 
 }  // namespace tool

@@ -1,14 +1,10 @@
-// networkgrpc interface set: stores addresses, and can roll them back.
-#include <iostream>
+// networkgrpc interface set: stores addresses.
 #include <memory>
-#include <optional>
 
-#include "terminal/prompt.h"
 #include "tools/call.h"
 #include "tools/interface.h"
 #include "tools/ipv4.h"
 #include "tools/pending.h"
-#include "tools/rollback.h"
 
 namespace tool {
 namespace {
@@ -26,7 +22,6 @@ struct Arguments {
   std::string gateway;
   std::vector<std::string> dns;
   bool reload = false;
-  double confirm_within = 0;  // seconds; 0: keep without confirmation
 };
 
 [[noreturn]] void Misused(const std::string& message) {
@@ -56,10 +51,6 @@ void Check(const Arguments& arguments) {
   if (arguments.dynamic && addresses) Misused("--dynamic cannot be combined with addresses");
   if (!arguments.dynamic && (arguments.ip.empty() || arguments.netmask.empty()))
     Misused("--dynamic, or an address with its netmask is required, such as --ip 10.0.0.2/24");
-  if (arguments.confirm_within != 0 && !arguments.reload)
-    Misused(
-        "--confirm-within requires --reload: without it nothing is applied, so there is nothing "
-        "to roll back");
   if (arguments.dynamic) return;
   const std::string wrong = CheckAddresses(arguments.ip, arguments.netmask, arguments.gateway);
   if (!wrong.empty()) Misused(wrong);
@@ -101,22 +92,6 @@ std::vector<std::string> Changes(const Arguments& arguments, const Interface& ta
   return changes;
 }
 
-void ConfirmOrRestore(const Arguments& arguments, Rollback& rollback) {
-  rollback.Restart(arguments.confirm_within);
-  if (terminal::AnswersYesWithin(arguments.confirm_within, "Keep the new configuration?") &&
-      rollback.Keep())
-    return;
-  std::cerr << '\n';
-  if (rollback.Restore())
-    throw Failure(ExitStatus::kFailed, "not confirmed: the previous configuration is restored");
-  Failure failure(ExitStatus::kFailed,
-                  "not confirmed, and restoring the previous configuration failed; see "
-                  "'networkgrpc interface list'",
-                  kDaemon);
-  failure.outcome = Outcome::kUnknown;
-  throw failure;
-}
-
 Json Store(const Arguments& arguments, const Interface& target, const nm::InterfaceConfig& wanted) {
   StoreConfiguration(target, wanted);
   Json result = {{"id", target.id}, {"name", target.name}, {"stored", true}, {"applied", false}};
@@ -126,44 +101,14 @@ Json Store(const Arguments& arguments, const Interface& target, const nm::Interf
   return result;
 }
 
-// What fails half way is rolled back at once; a change that was not begun needs none.
-Json StoreWithRollback(const Arguments& arguments, const Interface& target,
-                       const nm::InterfaceConfig& wanted, Rollback& rollback) {
-  try {
-    return Store(arguments, target, wanted);
-  } catch (Failure& failure) {
-    if (failure.outcome == Outcome::kNotDone) {
-      rollback.Keep();
-    } else {
-      failure.message += rollback.Restore() ? "; the previous configuration is restored"
-                                            : "; restoring the previous configuration failed";
-      failure.result = nullptr;
-    }
-    throw;
-  }
-}
-
 Json Set(Tool& tool, Arguments arguments) {
   SplitPrefix(arguments);
   Check(arguments);
-  // Before the first call: see Rollback.
-  std::optional<Rollback> rollback;
-  if (arguments.confirm_within != 0) rollback.emplace();
-
   const Interface target = Target(arguments);
   const nm::InterfaceConfig wanted = Wanted(arguments, target);
-  const bool asks = target.IsActive() || arguments.reload;
-  if (rollback)
-    Tool::Announce(Changes(arguments, target, wanted));
-  else if (asks && !tool.yes)
-    tool.Confirm(Changes(arguments, target, wanted));
-  if (!rollback) return Store(arguments, target, wanted);
-
-  rollback->Arm(target.stored.value_or(nm::InterfaceConfig()).SerializeAsString(),
-                2 * tool.Timeout() + arguments.confirm_within);
-  const Json result = StoreWithRollback(arguments, target, wanted, *rollback);
-  ConfirmOrRestore(arguments, *rollback);
-  return result;
+  if (target.IsActive() || arguments.reload)
+    tool.Confirm([&] { return Changes(arguments, target, wanted); });
+  return Store(arguments, target, wanted);
 }
 
 std::string Show(const Json& result) {
@@ -201,10 +146,8 @@ void AddInterfaceSet(Tool& tool, const Command& noun) {
   verb.Option("--gateway", "ADDRESS", &arguments->gateway, "Default gateway");
   verb.Option("--dns", "ADDRESS", &arguments->dns, "DNS server; may be repeated");
   verb.Flag("--reload", &arguments->reload, "Apply the stored configuration at once");
-  verb.Seconds("--confirm-within", &arguments->confirm_within, 0.1,
-               "Ask after the change instead, and restore the previous configuration unless "
-               "the answer is y in time; also if networkgrpc is killed or its terminal lost");
   tool.AddYes(verb);
+  tool.Undoable(verb, kDaemon);
 }
 
 }  // namespace tool

@@ -197,6 +197,7 @@ void AddImport(Tool& tool) {
       .Offer(Candidates::kFiles);
   verb.Flag("--reload", &arguments->reload, "Apply the stored network configuration at the end");
   tool.AddYes(verb);
+  tool.Undoable(verb, Daemon::kNone);
 }
 
 }  // namespace tool

@@ -86,14 +86,18 @@ void PlanInterfaces(Steps& steps, const Json& from, const Json& to) {
 
 std::vector<Step> Plan(const Json& current, const Json& wanted) {
   Steps steps;
-  PlanDanteSettings(steps, current["dante"], wanted["dante"]);
-  PlanChannels(steps, "tx_channels", current["dante"]["tx_channels"],
-               wanted["dante"]["tx_channels"], RenameTxChannel);
-  PlanChannels(steps, "rx_channels", current["dante"]["rx_channels"],
-               wanted["dante"]["rx_channels"], RenameRxChannel);
-  PlanRouting(steps, current["dante"]["routing"], wanted["dante"]["routing"]);
-  PlanHost(steps, current["network"], wanted["network"]);
-  PlanInterfaces(steps, current["network"]["interfaces"], wanted["network"]["interfaces"]);
+  if (current.contains("dante")) {
+    const Json& from = current["dante"];
+    const Json& to = wanted["dante"];
+    PlanDanteSettings(steps, from, to);
+    PlanChannels(steps, "tx_channels", from["tx_channels"], to["tx_channels"], RenameTxChannel);
+    PlanChannels(steps, "rx_channels", from["rx_channels"], to["rx_channels"], RenameRxChannel);
+    PlanRouting(steps, from["routing"], to["routing"]);
+  }
+  if (current.contains("network")) {
+    PlanHost(steps, current["network"], wanted["network"]);
+    PlanInterfaces(steps, current["network"]["interfaces"], wanted["network"]["interfaces"]);
+  }
   return steps;
 }
 

@@ -21,7 +21,8 @@ struct Step {
   std::function<void()> set;
 };
 
-/// The steps in a safe order: what can cut the connection comes last.
+/// The steps in a safe order: what can cut the connection comes last. Only those of the
+/// daemons whose part `current` has.
 std::vector<Step> Plan(const Json& current, const Json& wanted);
 
 }  // namespace tool

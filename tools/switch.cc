@@ -48,7 +48,7 @@ std::vector<std::string> Changes(int id) {
 }
 
 Json Set(const Tool& tool, int id) {
-  if (!tool.yes) tool.Confirm(Changes(id));
+  tool.Confirm([id] { return Changes(id); });
   SelectSwitchMode(id);
   return {{"id", id}};
 }
@@ -94,6 +94,7 @@ void AddSwitch(Tool& tool) {
        [](const Json& result) { return "switch mode " + Text(result["id"]) + " is stored\n"; },
        {"networkgrpc switch set 1 --yes"}});
   tool.AddYes(set);
+  tool.Undoable(set, Daemon::kNetworkManager);
   set.Argument("ID", id.get(), "The mode's id in 'switch list'").Offer(Candidates::kSwitchModes);
 }
 

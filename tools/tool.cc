@@ -10,6 +10,7 @@
 #include "terminal/help.h"
 #include "terminal/printable.h"
 #include "terminal/prompt.h"
+#include "tools/checkpoint.h"
 #include "tools/command_line.h"
 #include "tools/interrupt.h"
 #include "tools/output.h"
@@ -153,17 +154,21 @@ Command Tool::AddVerb(const Command& parent, const std::string& name, Verb verb)
   return {*line, command};
 }
 
-void Tool::Announce(const std::vector<std::string>& changes) {
-  for (const std::string& change : changes) std::cerr << terminal::Printable(change) + "\n";
+void Tool::Undoable(Command& verb, Daemon of) {
+  line->undoable[&verb.App()] = of;
+  verb.Seconds("--confirm-within", &confirm_within, 0.1,
+               "Undo the change unless it is confirmed in time");
 }
 
-void Tool::Confirm(const std::vector<std::string>& changes) const {
+void Tool::Confirm(const std::function<std::vector<std::string>()>& find) const {
+  if (checkpoint != nullptr) checkpoint->Announce();
   if (yes) return;
+  const auto changes = find();
   if (!terminal::HasPerson())
     throw Failure(ExitStatus::kUsage, changes.front() +
                                           "; there is no terminal to ask for confirmation: "
                                           "--yes is required");
-  Announce(changes);
+  for (const std::string& change : changes) std::cerr << terminal::Printable(change) + "\n";
   const Pause pause;
   if (!terminal::AnswersYes("Continue?"))
     throw Failure(ExitStatus::kFailed, "not confirmed: nothing was changed");
@@ -186,15 +191,41 @@ int Tool::Fail(const Failure& failure) const {
   return status;
 }
 
+// What fails half way is undone at once; a change that was not begun needs nothing.
+Json Tool::RunVerb(const Verb& verb) {
+  if (confirm_within == 0) return verb.run();
+  checkpoint =
+      std::make_unique<Checkpoint>(line->undoable.at(line->Selected().verb), typed, confirm_within);
+  BeforeFirstChange([this] { checkpoint->Begin(); });
+  Json result;
+  try {
+    result = verb.run();
+  } catch (Failure& failure) {
+    if (checkpoint->HasBegun() && failure.outcome == Outcome::kNotDone) {
+      checkpoint->Discard();
+    } else if (checkpoint->HasBegun()) {
+      checkpoint->Restore();
+      failure.message += "; what was before is restored";
+      failure.result = nullptr;
+    }
+    throw;
+  }
+  if (checkpoint->HasBegun()) confirm_by = checkpoint->Settle();
+  return result;
+}
+
 int Tool::Run() {
   const auto found = line->Selected();
   const Verb& verb = line->verbs.at(found.verb);
+  for (const std::string& problem : AbandonedCheckpoints()) std::cerr << ErrorLine(problem);
   SetCallOptions(calls);
   interrupt::Watch();
   try {
-    const Json result = verb.run();
+    const Json result = RunVerb(verb);
     const bool has_result = !result.is_null();  // watch has none
-    const std::string text = json ? JsonText(ResultJson(found.name, result)) : verb.show(result);
+    Json object = ResultJson(found.name, result);
+    if (!confirm_by.empty()) object["confirm_by"] = confirm_by;
+    const std::string text = json ? JsonText(object) : verb.show(result);
     return Print(has_result ? text : "", ExitStatus::kDone);
   } catch (const Failure& failure) {
     return Fail(failure);
@@ -244,6 +275,7 @@ int Tool::Main(int argc, char** argv) {
   }
   if (line->Selected().verb == nullptr) return Usage("a command is required", as_json);
   UseEndpoints();
+  for (const std::string& argument : arguments) typed += " " + argument;
   return Run();
 }
 

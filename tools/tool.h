@@ -24,6 +24,8 @@ const char* YesNoOrUnknown(const Json& value);
 /// The end of a line about a result with the members that Apply adds.
 const char* ShowApplied(const Json& result);
 
+class Checkpoint;
+
 class Tool {
  public:
   Tool();
@@ -43,14 +45,20 @@ class Tool {
     verb.Flag("-y,--yes", &yes, "Do not ask for confirmation; required if there is no terminal");
   }
 
+  /// The option --confirm-within of a command that changes settings of this daemon, or of
+  /// both for kNone.
+  void Undoable(Command& verb, Daemon of);
+
   /// Prints what will change, a line each, and asks whether to continue; throws if not.
   /// Without a terminal --yes is required.
   ///
   /// Every command asks that changes what is in use now: an address in use, a reload or
   /// restart, which also applies what others have stored, the switch mode, transmission.
-  void Confirm(const std::vector<std::string>& changes) const;
-  /// Prints them only, for a command that asks afterwards.
-  static void Announce(const std::vector<std::string>& changes);
+  void Confirm(const std::vector<std::string>& changes) const {
+    Confirm([&changes] { return changes; });
+  }
+  /// The same, of lines that take calls to find; not made with --yes.
+  void Confirm(const std::function<std::vector<std::string>()>& changes) const;
 
   /// Parses, runs, prints; returns the exit status.
   int Main(int argc, char** argv);
@@ -64,12 +72,14 @@ class Tool {
 
   bool json = false;
   bool yes = false;
+  std::string confirm_by;  // when a change is undone unless it is confirmed; empty: kept
 
  private:
   void AddGlobalOptions();
   void UseEndpoints() const;
   void Parse(std::vector<std::string> arguments);
   int Run();
+  Json RunVerb(const Verb& verb);
   int Fail(const Failure& failure) const;
   int Usage(const std::string& message, bool as_json) const;
 
@@ -77,6 +87,9 @@ class Tool {
   CallOptions calls;
   std::string network_manager;
   std::string dapi;
+  std::string typed = "networkgrpc";
+  double confirm_within = 0;  // seconds; 0: keep without confirmation
+  std::unique_ptr<Checkpoint> checkpoint;
 };
 
 // Each in the file of the same name.
@@ -90,5 +103,6 @@ void AddStatus(Tool& tool);
 void AddDoctor(Tool& tool);
 void AddState(Tool& tool);
 void AddWatch(Tool& tool);
+void AddCheckpoint(Tool& tool);
 
 }  // namespace tool

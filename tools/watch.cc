@@ -1,5 +1,4 @@
 // networkgrpc watch: prints changes.
-#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <ctime>
@@ -20,16 +19,6 @@
 
 namespace tool {
 namespace {
-
-// As in RFC 3339, in UTC.
-std::string Time() {
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  gmtime_r(&now, &parts);
-  std::array<char, 32> text{};
-  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
-  return text.data();
-}
 
 // The settings, and what is in effect.
 Json ObserveNetwork() {
@@ -83,7 +72,7 @@ class Lines {
   void Write(Json object, const std::string& text) {
     const std::lock_guard<std::mutex> lock(mutex);
     if (has_ended) return;
-    const std::string time = Time();
+    const std::string time = UtcTime(std::time(nullptr));
     object["time"] = time;
     std::cout << (json ? JsonText(object) : time + " " + text) << std::flush;
     if (CanWrite()) return;

@@ -6,6 +6,7 @@ export no_grpc_proxy=localhost,127.0.0.1,::1
 unset http_proxy https_proxy grpc_proxy no_proxy network_manager_url grpc_dapi_url
 unset dante_primary_interface_env dante_secondary_interface_env control_interface_env
 unset NO_COLOR
+[ -z "${BATS_TEST_TMPDIR-}" ] || export XDG_STATE_HOME=$BATS_TEST_TMPDIR/state
 
 # Seconds to wait for an event; ctest sets PATIENCE, longer under emulation.
 patience=${PATIENCE:-30}
@@ -64,6 +65,20 @@ require_terminal() {
   echo "this test needs a pseudo-terminal: mount /dev/pts"
   return 1
 }
+
+# on_terminal COMMAND...: starts it on a terminal of its own, whose output is the file
+# $screen. type_in types a line there.
+on_terminal() {
+  require_terminal
+  screen="$BATS_TEST_TMPDIR/screen"
+  mkfifo "$BATS_TEST_TMPDIR/keys"
+  exec {keys}<>"$BATS_TEST_TMPDIR/keys"
+  # What is started with & ignores Ctrl-C otherwise.
+  env --default-signal=INT script --quiet --flush --return --command "$(printf '%q ' "$@")" "$screen" <&"$keys" >/dev/null 2>&1 3>&- &
+  terminal_pid=$!
+}
+type_in() { printf '%s\n' "$1" >&"$keys"; }
+shows() { grep -q "$1" "$screen"; }
 
 # wait_until COMMAND...: repeats the command until it succeeds.
 wait_until() {

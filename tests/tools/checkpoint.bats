@@ -1,0 +1,327 @@
+#!/usr/bin/env bats
+# Changes that are undone unless they are confirmed in time: --confirm-within, checkpoint,
+# confirm and rollback.
+
+# shellcheck disable=SC2154 # set by device.bash and by run
+
+load device.bash
+
+setup() {
+  open_device_input
+  start_controlled_simulator
+}
+
+teardown() {
+  local pid
+  for pid in $(rescuer); do kill -KILL "$pid"; done
+  [ -z "${terminal_pid-}" ] || kill -KILL "$terminal_pid" 2>/dev/null || true
+  stop_devices
+}
+
+# What is stored and what is in effect, network and Dante.
+everything() { tool export && tool status --json && tool switch list --json; }
+remember() { everything >"$BATS_TEST_TMPDIR/before"; }
+is_as_before() { everything | diff "$BATS_TEST_TMPDIR/before" - >/dev/null; }
+is_open() { [ "$(tool checkpoint --json | jq -r '.result.checkpoints[0].state')" = open ]; }
+is_closed() { [ "$(tool checkpoint)" = "no checkpoint is open" ]; }
+is_renamed() { [ "$(tool hostname)" = changed ]; }
+rescuer() { pgrep -f "__rescue $XDG_STATE_HOME"; }
+
+# Whether what runs on the terminal ends with this status.
+ends_with() {
+  local status=0
+  wait "$terminal_pid" || status=$?
+  [ "$status" -eq "$1" ]
+}
+
+# The change of most tests, with the question behind it answered by ANSWER.
+rename_and_answer() {
+  remember
+  on_terminal "$TOOL" hostname set changed --confirm-within 60
+  wait_until shows "Keep it?"
+  type_in "$1"
+}
+
+@test "Question_AnsweredYes_KeepsTheChange" {
+  rename_and_answer y
+  ends_with 0
+  is_renamed
+  is_closed
+}
+
+@test "Question_AnsweredNo_RestoresAndFails" {
+  rename_and_answer n
+  ends_with 1
+  shows "not confirmed: what was before is restored"
+  is_as_before
+}
+
+@test "Question_NobodyAnswers_RestoresInTime" {
+  remember
+  on_terminal "$TOOL" hostname set changed --confirm-within 1
+  wait_until shows "Keep it?"
+  ends_with 1
+  is_as_before
+}
+
+@test "Question_TypedBeforeIt_DoesNotCount" {
+  remember
+  control fault SetHostname:delay=1000,times=1
+  on_terminal "$TOOL" hostname set changed --confirm-within 60
+  called() { control calls | grep -q SetHostname; }
+  wait_until called
+  type_in y
+  wait_until shows "Keep it?"
+  type_in n
+  ends_with 1
+  is_as_before
+}
+
+@test "Question_Interrupted_RestoresAtOnce" {
+  remember
+  on_terminal "$TOOL" hostname set changed --confirm-within 60
+  wait_until shows "Keep it?"
+  printf '\003' >&"$keys" # Ctrl-C
+  ends_with 1
+  is_as_before
+}
+
+@test "Question_ConfirmedFromElsewhere_EndsWithSuccess" {
+  on_terminal "$TOOL" hostname set changed --confirm-within 60
+  wait_until shows "Keep it?"
+  run -0 tool confirm
+  ends_with 0
+  shows "confirmed from elsewhere"
+  is_renamed
+}
+
+@test "Question_RolledBackFromElsewhere_EndsWithFailure" {
+  remember
+  on_terminal "$TOOL" hostname set changed --confirm-within 60
+  wait_until shows "Keep it?"
+  run -0 tool rollback
+  ends_with 1
+  shows "rolled back"
+  is_as_before
+}
+
+@test "NoTerminal_ChangeIsMade_StaysOpenUntilConfirmed" {
+  run -0 --separate-stderr tool hostname set changed --confirm-within 60 --json
+  [[ $stderr == "networkgrpc: the change is undone in 60 s unless confirmed: networkgrpc confirm" ]]
+  [[ $(jq -r .confirm_by <<<"$output") == 20*Z ]]
+  is_open
+  run -0 tool confirm
+  is_renamed
+  is_closed
+  wait_until eval '! rescuer'
+}
+
+@test "NoTerminal_NotConfirmed_IsUndone" {
+  remember
+  tool hostname set changed --confirm-within 1
+  wait_until is_as_before
+  is_closed
+}
+
+@test "EveryCommand_RolledBack_LeavesEverythingAsBefore" {
+  # Somebody else's changes are pending, which a reload applies.
+  tool interface set --dante-primary --ip 10.1.0.2/16 --gateway 10.1.0.1 --yes
+  tool switch set 1 --yes
+  tool routing set-raw 2 239.1.1.1 --value2 7 --encoding L16 --session-id 0
+  tool export | jq '.network.hostname = "hall" | .dante.name = "Hall" | .dante.routing[0].device = "D"
+    | .dante.routing[0].channel = "C" | .network.ntp = ["a", "b"]' >"$BATS_TEST_TMPDIR/import.json"
+  remember
+  while read -ra words; do
+    run -0 --separate-stderr tool "${words[@]}" --confirm-within 60
+    ! is_as_before || { echo "changes nothing: ${words[*]}"; return 1; }
+    run -0 tool rollback
+    is_as_before || { echo "differs after: ${words[*]}"; everything | diff "$BATS_TEST_TMPDIR/before" -; return 1; }
+  done <<COMMANDS
+interface set --control --ip 10.0.0.60/8 --yes
+interface set --control --ip 10.0.0.60/8 --reload --yes
+interface set --dante-primary --dynamic --reload --yes
+interface set --dante-primary --ip 10.1.0.3/16 --dns 10.1.0.9 --reload --yes
+switch set 2 --yes
+hostname set changed
+hostname from-ampname Changed
+ntp set one two --reload --yes
+factory-reset --yes
+dante name Changed
+dante sample-rate 96000
+dante latency 5000
+dante aes67 on
+dante transmit off --yes
+dante ptp-slave-only on
+dante reboot --yes
+channel rename 1 Changed
+channel rename --receive 1 Changed
+routing set 1 Device Channel
+routing set-raw 1 239.1.1.2 --sip 10.0.0.1
+routing clear 2
+import $BATS_TEST_TMPDIR/import.json --reload --yes
+COMMANDS
+}
+
+@test "InexactRestoration_IsSaidBeforeTheChange" {
+  control fault SetSwitchMode:reject,times=1
+  run -4 --separate-stderr tool switch set 1 --yes --confirm-within 60
+  [[ $stderr == "not restored exactly: the network may assign other addresses to lan0"* ]]
+  is_closed
+}
+
+@test "TerminalIsLost_SessionIsGone_StaysOpenForAnother" {
+  on_terminal "$TOOL" hostname set changed --confirm-within 60
+  wait_until shows "Keep it?"
+  kill -KILL "$terminal_pid" # hangs up
+  is_open
+  run -0 tool confirm
+  is_renamed
+}
+
+@test "ToolAtTheQuestionIsKilled_DeadlineCame_RescuerRestores" {
+  remember
+  on_terminal "$TOOL" hostname set changed --confirm-within 3
+  wait_until shows "Keep it?"
+  kill -KILL "$(pgrep -P "$terminal_pid")"
+  wait_until is_as_before
+}
+
+@test "RescuerIsKilled_ToolIsThere_ToolRestores" {
+  remember
+  on_terminal "$TOOL" hostname set changed --confirm-within 2
+  wait_until shows "Keep it?"
+  kill -KILL "$(rescuer)"
+  ends_with 1
+  shows "what was before is restored"
+  is_as_before
+}
+
+@test "BothAreKilled_NextCommand_SaysSoAndRollbackWorks" {
+  remember
+  tool hostname set changed --confirm-within 60
+  kill -KILL "$(rescuer)"
+  run -0 --separate-stderr tool hostname
+  [[ $stderr == "networkgrpc: an abandoned checkpoint of 'networkgrpc hostname set changed --confirm-within 60' is left: 'networkgrpc rollback' restores"* ]]
+  [ "$(tool checkpoint --json 2>/dev/null | jq -r '.result.checkpoints[0].state')" = abandoned ]
+  run -0 tool rollback
+  is_as_before
+  run -0 --separate-stderr tool hostname
+  [ -z "$stderr" ]
+}
+
+@test "AbandonedCheckpoint_Confirmed_IsRemovedAndKeepsTheChange" {
+  tool hostname set changed --confirm-within 60
+  kill -KILL "$(rescuer)"
+  run -0 tool confirm
+  is_renamed
+  is_closed
+}
+
+@test "RescuerIsKilledWhileRestoring_Rollback_GoesOn" {
+  remember
+  tool dante reboot --yes --confirm-within 60
+  tool hostname set changed
+  control fault SetHostname:freeze,times=1
+  control forget
+  tool rollback &
+  froze() { control calls | tail -1 | grep -q SetHostname; }
+  wait_until froze
+  kill -KILL "$(rescuer)"
+  wait_until is_as_before
+}
+
+@test "DaemonIsAway_DeadlineCame_RestoresWhenItIsBack" {
+  remember
+  tool hostname set changed --confirm-within 1
+  control stop NetworkManager
+  is_waiting() { tool checkpoint --json | jq -e '.result.checkpoints[0] | .state == "restoring" and (.problem | contains("cannot be reached"))'; }
+  wait_until is_waiting
+  control start NetworkManager
+  wait_until is_as_before
+  wait_until is_closed
+}
+
+@test "SecondCheckpoint_SameDevice_IsRefusedAndNamesTheFirst" {
+  tool hostname set changed --confirm-within 60
+  run -1 --separate-stderr tool dante name Other --confirm-within 60
+  [[ $stderr == "networkgrpc: "*"a checkpoint is open for this device, of 'networkgrpc hostname set changed --confirm-within 60' since 20"* ]]
+  [ "$(tool dante name)" != Other ]
+  run -1 --separate-stderr tool checkpoint --timeout 9 -- true
+  tool confirm
+}
+
+@test "Checkpoint_CommandSucceeds_WaitsForConfirm" {
+  run -0 --separate-stderr tool checkpoint --timeout 60 -- "$TOOL" hostname set changed
+  [[ $output == "host name is set to 'changed'" ]]
+  is_open
+  tool confirm
+  is_renamed
+}
+
+@test "Checkpoint_CommandChangesAnything_RollbackRestoresIt" {
+  remember
+  tool checkpoint --timeout 60 -- bash -c "'$TOOL' hostname set x && '$TOOL' dante name y && '$TOOL' routing set 1 a b &&
+    '$TOOL' interface set --control --ip 10.0.0.60/8 --reload --yes"
+  ! is_as_before
+  run -0 tool rollback
+  is_as_before
+}
+
+@test "Checkpoint_CommandFails_RestoresAtOnce" {
+  remember
+  run -1 --separate-stderr tool checkpoint --timeout 60 -- bash -c "'$TOOL' hostname set changed; exit 7"
+  [[ $stderr == *"'bash' ended with status 7; what was before is restored" ]]
+  is_as_before
+}
+
+@test "Checkpoint_CommandNeverEnds_IsEndedAndUndone" {
+  remember
+  run -1 --separate-stderr tool checkpoint --timeout 2 -- bash -c "'$TOOL' hostname set changed; read -r <>'$BATS_TEST_TMPDIR/input'"
+  [[ $stderr == *"'bash' was still running at the end of the time; what was before is restored" ]]
+  is_as_before
+}
+
+@test "Checkpoint_CommandCannotBeRun_LeavesNone" {
+  run -1 --separate-stderr tool checkpoint --timeout 9 -- /nonexistent
+  [[ $stderr == *"cannot run '/nonexistent': No such file or directory" ]]
+  is_closed
+}
+
+@test "Checkpoint_NoTimeout_IsAUsageError" {
+  run -2 --separate-stderr tool checkpoint -- true
+  [[ $stderr == *"--timeout is required"* ]]
+}
+
+@test "ConfirmAndRollback_NoneIsOpen_FailWithNotFound" {
+  for command in confirm rollback; do
+    run -10 --separate-stderr tool "$command"
+    [[ $stderr == "networkgrpc: no checkpoint is open for this device" ]]
+  done
+}
+
+@test "Change_OutcomeIsUnknown_IsUndone" {
+  remember
+  control fault SetHostname:freeze,times=1
+  run -6 --separate-stderr tool hostname set changed --confirm-within 60 --timeout 0.5
+  [[ $stderr == *"outcome unknown"*"; what was before is restored" ]]
+  is_as_before
+}
+
+@test "Change_IsRejected_LeavesNoCheckpoint" {
+  control fault SetHostname:reject
+  run -4 --separate-stderr tool hostname set changed --confirm-within 60
+  is_closed
+}
+
+@test "CommandThatOnlyShows_ConfirmWithin_OpensNone" {
+  run -0 --separate-stderr tool dante name --confirm-within 60
+  [ -z "$stderr" ]
+  is_closed
+}
+
+@test "Folder_CannotBeWritten_ChangesNothing" {
+  remember
+  XDG_STATE_HOME=/dev/null run -1 --separate-stderr tool hostname set changed --confirm-within 60
+  [[ $stderr == *"cannot create the folder of the checkpoint"* ]]
+  is_as_before
+}

@@ -1,0 +1,175 @@
+#include "tools/checkpoint.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <csignal>
+#include <ctime>
+#include <iostream>
+#include <limits>
+#include <utility>
+
+#include "terminal/prompt.h"
+#include "tools/call_options.h"
+#include "tools/failure.h"
+#include "tools/interrupt.h"
+#include "tools/output.h"
+#include "tools/rescuer.h"
+#include "tools/snapshot.h"
+
+namespace tool {
+namespace {
+
+constexpr const char* kRestored = "what was before is restored";
+
+std::string Whole(double seconds) { return std::to_string(std::lround(std::ceil(seconds))); }
+
+[[noreturn]] void RefuseSecond(const CheckpointFile& file) {
+  const Json first = file.Read();
+  throw Failure(ExitStatus::kFailed,
+                "a checkpoint is open for this device, of '" + first["command"].get<std::string>() +
+                    "' since " + first["created"].get<std::string>() +
+                    "; see 'networkgrpc checkpoint', 'confirm' and 'rollback'");
+}
+
+}  // namespace
+
+Checkpoint::Checkpoint(Daemon of, std::string of_command, double limit)
+    : file(CheckpointFile::OfThisDevice()),
+      daemon(of),
+      command(std::move(of_command)),
+      seconds(limit) {}
+
+Checkpoint::~Checkpoint() {
+  if (watched >= 0) close(watched);
+  if (lock >= 0) close(lock);
+}
+
+void Checkpoint::Prepare() {
+  if (!snapshot.is_null()) return;
+  if (file.Exists()) RefuseSecond(file);
+  snapshot = TakeSnapshot(daemon);
+}
+
+void Checkpoint::Announce() {
+  Prepare();
+  for (const std::string& line : NotRestoredExactly(snapshot))
+    std::cerr << terminal::Printable(line) + "\n";
+}
+
+void Checkpoint::Begin() {
+  if (HasBegun()) return;
+  Prepare();
+  deadline = SecondsSinceBoot() + seconds;
+  const int locked = file.Create({{"schema", 1},
+                                  {"network_manager", Endpoint(Daemon::kNetworkManager)},
+                                  {"dapi", Endpoint(Daemon::kDante)},
+                                  {"command", command},
+                                  {"created", UtcTime(std::time(nullptr))},
+                                  {"deadline", deadline},
+                                  {"snapshot", snapshot}});
+  watched = file.OpenToWatch();
+  try {
+    StartRescuer(file, locked);
+  } catch (const Failure&) {
+    file.Confirm();
+    close(locked);
+    throw;
+  }
+  close(locked);
+  LimitCalls(seconds);
+}
+
+double Checkpoint::SecondsLeft() const { return std::max(deadline - SecondsSinceBoot(), 0.0); }
+
+// Whether the question is still open. If the rescuer was killed, this process does its work.
+bool Checkpoint::Waits() {
+  if (lock < 0) lock = file.Lock();
+  return file.IsOpen() && SecondsLeft() > 0 && interrupt::Signal() == 0;
+}
+
+std::string Checkpoint::Settle() {
+  const std::string how = "undone in " + Whole(SecondsLeft()) + " s unless confirmed";
+  if (!terminal::HasPerson()) {
+    std::cerr << "networkgrpc: the change is " + how + ": networkgrpc confirm\n";
+    return UtcTime(std::time(nullptr) + std::lround(SecondsLeft()));
+  }
+  const interrupt::Handler handler;
+  const auto answer =
+      terminal::Ask("The change is " + how + ". Keep it?", [this] { return Waits(); });
+  if (answer == terminal::Answer::kYes && file.Confirm()) return "";
+  if (answer != terminal::Answer::kYes) std::cerr << '\n';
+  if (!file.Exists()) {
+    if (WasRestored()) throw Failure(ExitStatus::kFailed, std::string("rolled back: ") + kRestored);
+    std::cerr << "confirmed from elsewhere\n";
+    return "";
+  }
+  const bool is_left = answer == terminal::Answer::kNone && SecondsLeft() > 0 && file.IsOpen();
+  if (is_left && interrupt::Signal() != SIGINT && interrupt::Signal() != SIGTERM) {
+    // The terminal is lost. Who has it may confirm from another one.
+    std::cerr << "networkgrpc: the change is " + how + ": networkgrpc confirm\n";
+    return UtcTime(std::time(nullptr) + std::lround(SecondsLeft()));
+  }
+  RestoreAndThrow("not confirmed: ");
+}
+
+void Checkpoint::RestoreAndThrow(const std::string& why) {
+  Restore();
+  throw Failure(ExitStatus::kFailed, why + kRestored);
+}
+
+void Checkpoint::Restore() { RestoreNow(file, std::exchange(lock, -1)); }
+
+// It is emptied before it is removed; a confirmed one is only removed.
+bool Checkpoint::WasRestored() const {
+  struct stat status {};
+  return fstat(watched, &status) == 0 && status.st_size == 0;
+}
+
+void RestoreNow(const CheckpointFile& file, int lock) {
+  file.BeginRestoring();
+  file.Touch();
+  LimitCalls(std::numeric_limits<double>::infinity());
+  std::string last;
+  const auto report = [&last](const std::string& problem) {
+    if (problem.empty() || problem == last) return;
+    std::cerr << ErrorLine("cannot restore yet: " + problem + "; trying again");
+    last = problem;
+  };
+  while (lock < 0 && (lock = file.Lock()) < 0 && file.Exists()) {
+    report(file.Progress()["problem"].get<std::string>());
+    constexpr int kPauseMs = 50;  // the end of the process that has the lock is no event
+    poll(nullptr, 0, kPauseMs);
+  }
+  if (lock < 0) return;  // the process that had the lock has done it
+  const bool is_restored =
+      RestoreUntilDone(file, [&](const std::string& problem, double) { report(problem); });
+  close(lock);
+  if (is_restored) return;
+  Failure failure(ExitStatus::kFailed, "not everything could be restored: " + last +
+                                           "; 'networkgrpc rollback' tries again, 'networkgrpc "
+                                           "confirm' leaves it as it is");
+  failure.outcome = Outcome::kPartly;
+  throw failure;
+}
+
+std::vector<std::string> AbandonedCheckpoints() {
+  std::vector<std::string> lines;
+  for (const CheckpointFile& file : CheckpointFile::All()) {
+    if (file.IsAttended() || !file.Exists()) continue;
+    std::string of;
+    try {
+      of = " of '" + file.Read()["command"].get<std::string>() + "'";
+    } catch (const Failure&) {  // damaged: it can still be removed
+    }
+    lines.push_back("an abandoned checkpoint" + of + " is left: 'networkgrpc rollback' restores " +
+                    "what was before, 'networkgrpc confirm' keeps what is now; see 'networkgrpc "
+                    "checkpoint'");
+  }
+  return lines;
+}
+
+}  // namespace tool

@@ -1,0 +1,65 @@
+// A change that is undone unless it is confirmed in time.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/checkpoint_file.h"
+#include "tools/daemon.h"
+#include "tools/json.h"
+
+namespace tool {
+
+/// Lifetime: one per process, made before the change. If the process ends, the rescuer
+/// restores at the deadline.
+class Checkpoint {
+ public:
+  /// Restores the settings of one daemon, or of both for kNone. `command` is what people
+  /// are shown.
+  Checkpoint(Daemon of, std::string command, double seconds);
+  ~Checkpoint();
+
+  Checkpoint(const Checkpoint&) = delete;
+  Checkpoint& operator=(const Checkpoint&) = delete;
+
+  /// Reads what is to be restored, unless that is done. Throws if there is a checkpoint for
+  /// this device already.
+  void Prepare();
+  /// Prepares, and says what cannot be restored exactly.
+  void Announce();
+  /// Starts the rescuer and the time, before the first change. Calls end at the deadline.
+  void Begin();
+  bool HasBegun() const { return watched >= 0; }
+  double SecondsLeft() const;
+
+  /// Asks whether to keep the change. Without a terminal it stays open, and the result is
+  /// when it ends, in UTC; else "". Throws if it was restored.
+  std::string Settle();
+  /// Nothing was changed.
+  void Discard() const { file.Confirm(); }
+  /// Restores now. Throws if it cannot.
+  void Restore();
+
+ private:
+  bool Waits();
+  bool WasRestored() const;
+  [[noreturn]] void RestoreAndThrow(const std::string& why);
+
+  const CheckpointFile file;
+  const Daemon daemon;
+  const std::string command;
+  const double seconds;
+  double deadline = 0;
+  Json snapshot;
+  int watched = -1;  // descriptor of the file
+  int lock = -1;     // of this process, once the rescuer has been killed
+};
+
+/// Restores a checkpoint that is open, being restored or abandoned, and says on standard
+/// error what holds it up. Throws if it cannot.
+void RestoreNow(const CheckpointFile& file, int lock = -1);
+
+/// A line for each abandoned checkpoint.
+std::vector<std::string> AbandonedCheckpoints();
+
+}  // namespace tool

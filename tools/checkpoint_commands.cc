@@ -1,0 +1,178 @@
+// networkgrpc checkpoint, confirm, rollback.
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <csignal>
+#include <memory>
+#include <system_error>
+
+#include "terminal/table.h"
+#include "tools/checkpoint.h"
+#include "tools/interrupt.h"
+#include "tools/tool.h"
+
+namespace tool {
+namespace {
+
+using Words = std::vector<std::string>;
+
+Json Entry(const CheckpointFile& file) {
+  const Json content = file.Read();
+  const bool is_attended = file.IsAttended();
+  const double left = content["deadline"].get<double>() - SecondsSinceBoot();
+  const bool is_open = is_attended && file.IsOpen();
+  return {{"state", is_open       ? "open"
+                    : is_attended ? "restoring"
+                                  : "abandoned"},
+          {"command", content["command"]},
+          {"created", content["created"]},
+          {"seconds_left", is_open ? Json(std::lround(std::max(left, 0.0))) : Json()},
+          {"network_manager", content["network_manager"]},
+          {"dapi", content["dapi"]},
+          {"problem", file.Progress()["problem"]}};
+}
+
+Json List() {
+  Json list = Json::array();
+  for (const CheckpointFile& file : CheckpointFile::All())
+    if (file.Exists()) list.push_back(Entry(file));
+  return {{"checkpoints", list}};
+}
+
+std::string ShowList(const Json& result) {
+  if (result["checkpoints"].empty()) return "no checkpoint is open\n";
+  terminal::Table table(
+      {"STATE", "LEFT", "SINCE", "COMMAND", "NETWORK-MANAGER", "DAPI", "PROBLEM"});
+  for (const Json& it : result["checkpoints"])
+    table.Add({it["state"], it["seconds_left"].is_null() ? "" : Text(it["seconds_left"]) + " s",
+               it["created"], it["command"], it["network_manager"], it["dapi"], it["problem"]});
+  return table.Text();
+}
+
+std::string Joined(const Words& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+pid_t Start(const Words& words) {
+  std::vector<char*> arguments;
+  for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+  arguments.push_back(nullptr);
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t none;
+  sigemptyset(&none);
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+  pid_t child = 0;
+  const int error =
+      posix_spawnp(&child, arguments[0], nullptr, &attributes, arguments.data(), environ);
+  posix_spawnattr_destroy(&attributes);
+  if (error != 0)
+    throw Failure(ExitStatus::kFailed,
+                  "cannot run '" + words.front() + "': " + std::generic_category().message(error));
+  return child;
+}
+
+// Its wait status. At the deadline it is told to end, and not waited for: it must not hold
+// up what is restored.
+std::optional<int> WaitFor(pid_t child, const Checkpoint& checkpoint) {
+  const interrupt::Handler handler;  // Ctrl-C is for the command
+  constexpr int kPauseMs = 20;
+  int status = 0;
+  do {
+    if (waitpid(child, &status, WNOHANG) == child) return status;
+    poll(nullptr, 0, kPauseMs);
+  } while (checkpoint.SecondsLeft() > 0);
+  kill(child, SIGHUP);
+  return std::nullopt;
+}
+
+// Why the change is not to be kept; empty if it may be.
+std::string Problem(const Words& words, const std::optional<int>& status) {
+  const std::string command = "'" + words.front() + "'";
+  if (!status) return command + " was still running at the end of the time";
+  if (WIFSIGNALED(*status))
+    return command + " was ended by signal " + std::to_string(WTERMSIG(*status));
+  if (WEXITSTATUS(*status) == 0) return "";
+  return command + " ended with status " + std::to_string(WEXITSTATUS(*status));
+}
+
+Json RunUnderCheckpoint(Tool& tool, const Words& words, double seconds) {
+  if (seconds == 0) throw Failure(ExitStatus::kUsage, "--timeout is required before a command");
+  Checkpoint checkpoint(Daemon::kNone, Joined(words), seconds);
+  checkpoint.Announce();
+  checkpoint.Begin();
+  pid_t child = 0;
+  try {
+    child = Start(words);
+  } catch (const Failure&) {
+    checkpoint.Discard();
+    throw;
+  }
+  const std::string problem = Problem(words, WaitFor(child, checkpoint));
+  if (problem.empty()) {
+    tool.confirm_by = checkpoint.Settle();
+    return {{"command", Joined(words)}};
+  }
+  checkpoint.Restore();
+  throw Failure(ExitStatus::kFailed, problem + "; what was before is restored");
+}
+
+Json Confirm() {
+  const CheckpointFile file = CheckpointFile::OfThisDevice();
+  const std::string command = file.Read()["command"];
+  const bool is_abandoned = !file.IsAttended();
+  if (is_abandoned)
+    file.Remove();
+  else if (!file.Confirm())
+    throw Failure(ExitStatus::kFailed, "too late: '" + command + "' is being undone");
+  return {{"command", command}};
+}
+
+Json Rollback() {
+  const CheckpointFile file = CheckpointFile::OfThisDevice();
+  const std::string command = file.Read()["command"];
+  RestoreNow(file);
+  return {{"command", command}};
+}
+
+ToText Says(const std::string& what) {
+  return [what](const Json& result) { return "'" + Text(result["command"]) + "' " + what + "\n"; };
+}
+
+}  // namespace
+
+void AddCheckpoint(Tool& tool) {
+  struct Arguments {
+    Words command;
+    double timeout = 0;
+  };
+  const auto arguments = std::make_shared<Arguments>();
+  Command checkpoint = tool.AddVerb(
+      tool.Top(), "checkpoint",
+      {"Undo what a command changes unless it is confirmed in time",
+       [&tool, arguments] {
+         return arguments->command.empty()
+                    ? List()
+                    : RunUnderCheckpoint(tool, arguments->command, arguments->timeout);
+       },
+       [](const Json& result) { return result.contains("checkpoints") ? ShowList(result) : ""; },
+       {"networkgrpc checkpoint"}});
+  checkpoint.OptionalArgument(
+      "COMMAND", &arguments->command,
+      "Behind --, with its arguments; without it, list the checkpoints that are open");
+  checkpoint.Seconds("--timeout", &arguments->timeout, 1,
+                     "Time to confirm, from the start of the command");
+  tool.AddVerb(
+      tool.Top(), "confirm",
+      {"Keep the change of the checkpoint that is open", Confirm, Says("is confirmed"), {}});
+  tool.AddVerb(tool.Top(), "rollback",
+               {"Undo the change of the checkpoint that is open", Rollback, Says("is undone"), {}});
+}
+
+}  // namespace tool

@@ -1,0 +1,187 @@
+#include "tools/checkpoint_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "state_document/save_file.h"
+#include "tools/daemon.h"
+#include "tools/failure.h"
+
+namespace tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Variable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+// It must outlive a restart of the machine, and be the same in every session.
+std::string Folder() {
+  const std::string state = Variable("XDG_STATE_HOME");
+  const std::string home = Variable("HOME");
+  if (!state.empty()) return state + "/networkgrpc";
+  if (geteuid() == 0 || home.empty()) return "/var/lib/networkgrpc";
+  return home + "/.local/state/networkgrpc";
+}
+
+// FNV-1a: the same in every version of this program.
+std::string Key(const std::string& text) {
+  std::uint64_t hash = 0xcbf29ce484222325;
+  for (const char character : text)
+    hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001b3;
+  std::string digits(16, '\0');
+  std::snprintf(digits.data(), digits.size() + 1, "%016llx", static_cast<unsigned long long>(hash));
+  return digits;
+}
+
+[[noreturn]] void Fail(const std::string& what, const std::string& file, int error) {
+  throw Failure(ExitStatus::kFailed, "cannot " + what + " the checkpoint " + file + ": " +
+                                         std::generic_category().message(error));
+}
+
+// Locks of the open file, which child processes inherit.
+bool SetLock(int descriptor, int command, struct flock& lock) {
+  lock = {};
+  lock.l_type = F_WRLCK;
+  lock.l_whence = SEEK_SET;
+  return fcntl(descriptor, command, &lock) == 0;
+}
+
+int OpenLocked(const std::string& file) {
+  const int descriptor = open(file.c_str(), O_RDWR | O_CLOEXEC);
+  struct flock lock {};
+  if (descriptor < 0 || SetLock(descriptor, F_OFD_SETLK, lock)) return descriptor;
+  close(descriptor);
+  return -1;
+}
+
+bool HasLock(const std::string& file) {
+  const int descriptor = open(file.c_str(), O_RDWR | O_CLOEXEC);
+  struct flock lock {};
+  const bool is_locked =
+      descriptor >= 0 && SetLock(descriptor, F_OFD_GETLK, lock) && lock.l_type != F_UNLCK;
+  if (descriptor >= 0) close(descriptor);
+  return is_locked;
+}
+
+bool IsFile(const std::string& file) { return access(file.c_str(), F_OK) == 0; }
+
+}  // namespace
+
+double SecondsSinceBoot() {
+  timespec now{};
+  clock_gettime(CLOCK_BOOTTIME, &now);
+  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+CheckpointFile CheckpointFile::OfThisDevice() {
+  return CheckpointFile(Folder() + "/" +
+                        Key(Endpoint(Daemon::kNetworkManager) + "\n" + Endpoint(Daemon::kDante)));
+}
+
+std::vector<CheckpointFile> CheckpointFile::All() {
+  std::vector<CheckpointFile> all;
+  std::error_code ignored;  // no folder: no checkpoint
+  for (const auto& entry : fs::directory_iterator(Folder(), ignored)) {
+    const fs::path& path = entry.path();
+    if (path.extension() == ".open" || path.extension() == ".restoring")
+      all.emplace_back((path.parent_path() / path.stem()).string());
+  }
+  return all;
+}
+
+bool CheckpointFile::IsOpen() const { return IsFile(Open()); }
+
+bool CheckpointFile::IsRestoring() const { return IsFile(Restoring()); }
+
+bool CheckpointFile::IsAttended() const { return HasLock(Open()) || HasLock(Restoring()); }
+
+int CheckpointFile::Create(const Json& content) const {
+  const fs::path folder = fs::path(stem).parent_path();
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) Fail("create the folder of", stem, error.value());
+  chmod(folder.c_str(), S_IRWXU);  // a wireless key can be in it
+  const std::string file = stem + "." + std::to_string(getpid());
+  try {
+    state_document::SaveFile(file, content.dump());
+  } catch (const std::runtime_error& reason) {
+    throw Failure(ExitStatus::kFailed, std::string("no checkpoint: ") + reason.what());
+  }
+  const int descriptor = OpenLocked(file);
+  if (descriptor < 0 ||
+      renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, Open().c_str(), RENAME_NOREPLACE) != 0) {
+    const int reason = errno;
+    unlink(file.c_str());
+    if (descriptor >= 0) close(descriptor);
+    Fail("create", Open(), reason);
+  }
+  return descriptor;
+}
+
+int CheckpointFile::Lock() const {
+  const int descriptor = OpenLocked(Open());
+  return descriptor >= 0 ? descriptor : OpenLocked(Restoring());
+}
+
+int CheckpointFile::OpenToWatch() const { return open(Open().c_str(), O_RDONLY | O_CLOEXEC); }
+
+Json CheckpointFile::Read() const {
+  for (const std::string& file : {Open(), Restoring()}) {
+    std::ifstream stream(file);
+    if (!stream) continue;
+    Json content = Json::parse(stream, nullptr, false);
+    if (content.is_object() && content.contains("snapshot")) return content;
+    throw Failure(ExitStatus::kFailed, "the checkpoint " + file + " is damaged; remove it");
+  }
+  throw Failure(ExitStatus::kNotFound, "no checkpoint is open for this device");
+}
+
+bool CheckpointFile::Confirm() const { return unlink(Open().c_str()) == 0; }
+
+bool CheckpointFile::BeginRestoring() const {
+  return rename(Open().c_str(), Restoring().c_str()) == 0;
+}
+
+// Emptied first: see Checkpoint::WasRestored.
+void CheckpointFile::Remove() const {
+  if (truncate(Restoring().c_str(), 0) != 0) {
+  }
+  unlink(Open().c_str());
+  unlink(Restoring().c_str());
+  unlink(ProgressFile().c_str());
+}
+
+void CheckpointFile::Touch() const { utimensat(AT_FDCWD, Restoring().c_str(), nullptr, 0); }
+
+// Without it a restoration only repeats what it has done.
+void CheckpointFile::SaveProgress(bool must_reload, const std::string& problem) const {
+  try {
+    const Json progress = {{"must_reload", must_reload}, {"problem", problem}};
+    state_document::SaveFile(ProgressFile(),
+                             progress.dump(-1, ' ', false, Json::error_handler_t::replace));
+  } catch (const std::runtime_error&) {
+  }
+}
+
+Json CheckpointFile::Progress() const {
+  std::ifstream stream(ProgressFile());
+  Json progress = stream ? Json::parse(stream, nullptr, false) : Json();
+  if (!progress.is_object()) progress = {{"must_reload", false}, {"problem", ""}};
+  return progress;
+}
+
+}  // namespace tool

@@ -1,0 +1,136 @@
+#include "tools/rescuer.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/inotify.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+
+#include "tools/failure.h"
+#include "tools/snapshot.h"
+
+namespace tool {
+namespace {
+
+constexpr double kLongestPause = 60;  // seconds
+constexpr int kMostAnswers = 10;      // attempts that daemons answer and do not carry out
+
+// Wakes when the file at a path is renamed, removed or touched.
+class Watch {
+ public:
+  explicit Watch(const std::string& file) : inotify(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
+    inotify_add_watch(inotify, file.c_str(), IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF);
+  }
+  ~Watch() { close(inotify); }
+
+  Watch(const Watch&) = delete;
+  Watch& operator=(const Watch&) = delete;
+
+  void Wait(double seconds) const {
+    pollfd input{inotify, POLLIN, 0};
+    poll(&input, 1, static_cast<int>(seconds * 1000) + 1);
+    std::array<char, 4096> events{};
+    while (read(inotify, events.data(), events.size()) > 0) {
+    }
+  }
+
+ private:
+  const int inotify;
+};
+
+// Returns at the deadline, and as soon as the file is no longer open.
+void WaitForDeadline(const CheckpointFile& file, double deadline) {
+  constexpr double kLongest = 5;  // poll does not count the time in which the machine sleeps
+  const Watch watch(file.Stem() + ".open");
+  while (file.IsOpen() && SecondsSinceBoot() < deadline)
+    watch.Wait(std::min(deadline - SecondsSinceBoot(), kLongest));
+}
+
+bool IsAnswer(const Failure& failure) {
+  return failure.status == ExitStatus::kRejected || failure.status == ExitStatus::kErrorStatus ||
+         failure.status == ExitStatus::kNotFound;
+}
+
+}  // namespace
+
+void StartRescuer(const CheckpointFile& file, int lock) {
+  posix_spawn_file_actions_t files;
+  posix_spawn_file_actions_init(&files);
+  posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  // Whoever reads networkgrpc's output to its end must not wait for this process.
+  posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_adddup2(&files, lock, kLockDescriptor);
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t none;
+  sigemptyset(&none);
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK);
+  std::string name = "networkgrpc";
+  std::string command = kRescuerCommand;
+  std::string stem = file.Stem();
+  std::array<char*, 4> arguments{name.data(), command.data(), stem.data(), nullptr};
+  pid_t child = 0;
+  const int error =
+      posix_spawn(&child, "/proc/self/exe", &files, &attributes, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&files);
+  posix_spawnattr_destroy(&attributes);
+  if (error != 0)
+    throw Failure(ExitStatus::kFailed,
+                  "cannot start the process that restores the checkpoint; nothing was changed");
+}
+
+bool RestoreUntilDone(const CheckpointFile& file,
+                      const std::function<void(const std::string&, double)>& report) {
+  const Json snapshot = file.Read()["snapshot"];
+  bool must_reload = file.Progress()["must_reload"];
+  std::string problem;
+  const auto save = [&] { file.SaveProgress(must_reload, problem); };
+  const Watch watch(file.Stem() + ".restoring");
+  int answers = 0;
+  for (double pause = 1; answers < kMostAnswers; pause = std::min(2 * pause, kLongestPause)) {
+    try {
+      Restore(snapshot, must_reload, save);
+      file.Remove();
+      return true;
+    } catch (const Failure& failure) {
+      problem = failure.message;
+      answers = IsAnswer(failure) ? answers + 1 : 0;
+    }
+    save();
+    report(problem, pause);
+    watch.Wait(pause);
+  }
+  return false;
+}
+
+int RunRescuer(const std::string& stem) {
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE}) std::signal(signal, SIG_IGN);
+  openlog("networkgrpc", LOG_PID, LOG_DAEMON);
+  const CheckpointFile file(stem);
+  try {
+    const Json content = file.Read();
+    const std::string of = "the checkpoint of '" + content["command"].get<std::string>() + "'";
+    WaitForDeadline(file, content["deadline"]);
+    file.BeginRestoring();  // unless another has begun it, or confirmed
+    if (!file.IsRestoring()) return 0;
+    const bool is_restored =
+        RestoreUntilDone(file, [&of](const std::string& problem, double pause) {
+          syslog(LOG_WARNING, "cannot restore %s yet: %s; trying again in %.0f s", of.c_str(),
+                 problem.c_str(), pause);
+        });
+    syslog(is_restored ? LOG_NOTICE : LOG_ERR, "%s is %s", of.c_str(),
+           is_restored ? "restored" : "abandoned: see 'networkgrpc checkpoint'");
+    return is_restored ? 0 : 1;
+  } catch (const Failure& failure) {  // confirmed before this process could read it, or damaged
+    return failure.status == ExitStatus::kNotFound ? 0 : 1;
+  }
+}
+
+}  // namespace tool
