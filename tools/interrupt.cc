@@ -43,16 +43,20 @@ void EndBy(int signal) {
   std::raise(signal);
 }
 
-void Handle(int signal) {
-  State& state = TheState();
-  const std::lock_guard<std::mutex> lock(state.mutex);
-  if (!state.handler) {
-    EndBy(signal);
-    return;
-  }
+// The mutex of the state is held.
+void CallHandler(State& state, int signal) {
   state.signal = signal;
   state.handler();
   for (grpc::ClientContext* call : state.calls) call->TryCancel();
+}
+
+void Handle(int signal) {
+  State& state = TheState();
+  const std::lock_guard<std::mutex> lock(state.mutex);
+  if (state.handler)
+    CallHandler(state, signal);
+  else
+    EndBy(signal);
 }
 
 }  // namespace
@@ -77,6 +81,12 @@ Handler::~Handler() {
   State& state = TheState();
   const std::lock_guard<std::mutex> lock(state.mutex);
   state.handler = std::move(outer);
+}
+
+void Request() {
+  State& state = TheState();
+  const std::lock_guard<std::mutex> lock(state.mutex);
+  if (state.handler) CallHandler(state, SIGTERM);
 }
 
 int Signal() {

@@ -27,6 +27,9 @@ class Handler {
   std::function<void()> outer;
 };
 
+/// The same as SIGTERM, for a command that has all it was started for.
+void Request();
+
 /// The signal for which a Handler was called; 0 if none was.
 int Signal();
 

@@ -1,5 +1,7 @@
 #include "tools/json_path.h"
 
+#include <algorithm>
+
 namespace tool {
 namespace {
 
@@ -20,7 +22,9 @@ std::vector<Step> Steps(const std::string& path) {
     else
       steps.back().name += character;
   }
-  return steps;  // what stands between "]" and "." is empty
+  const auto is_empty = [](const Step& it) { return !it.is_entry && it.name.empty(); };
+  steps.erase(std::remove_if(steps.begin(), steps.end(), is_empty), steps.end());
+  return steps;
 }
 
 // What tells the entries of a list apart; empty if nothing does.
@@ -40,7 +44,6 @@ bool IsCalled(const Json& entry, std::size_t position, const std::string& name) 
 
 void Collect(const Json& json, const std::vector<Step>& steps, std::size_t at,
              std::vector<Json>& values) {
-  while (at < steps.size() && !steps[at].is_entry && steps[at].name.empty()) ++at;
   if (at == steps.size()) {
     values.push_back(json);
     return;
@@ -59,6 +62,17 @@ std::vector<Json> ValuesAt(const Json& json, const std::string& path) {
   std::vector<Json> values;
   if (!path.empty()) Collect(json, Steps(path), 0, values);
   return values;
+}
+
+bool AreNested(const std::string& path, const std::string& other) {
+  const std::vector<Step> one = Steps(path);
+  const std::vector<Step> two = Steps(other);
+  const auto is_same = [](const Step& a, const Step& b) {
+    return a.is_entry == b.is_entry &&
+           (a.name == b.name || (a.is_entry && (a.name.empty() || b.name.empty())));
+  };
+  const auto length = static_cast<std::ptrdiff_t>(std::min(one.size(), two.size()));
+  return std::equal(one.begin(), one.begin() + length, two.begin(), is_same);
 }
 
 }  // namespace tool

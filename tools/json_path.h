@@ -13,4 +13,8 @@ namespace tool {
 /// entries have none; "[]" stands for every entry. Empty if there is none.
 std::vector<Json> ValuesAt(const Json& json, const std::string& path);
 
+/// Whether one of the paths begins with the other, step by step: what stands at one then
+/// contains what stands at the other.
+bool AreNested(const std::string& path, const std::string& other);
+
 }  // namespace tool

@@ -1,4 +1,8 @@
 // networkgrpc watch: prints changes.
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <ctime>
@@ -12,6 +16,7 @@
 #include "tools/host_settings.h"
 #include "tools/interface.h"
 #include "tools/interrupt.h"
+#include "tools/json_path.h"
 #include "tools/output.h"
 #include "tools/state.h"
 #include "tools/switch.h"
@@ -19,6 +24,19 @@
 
 namespace tool {
 namespace {
+
+struct Arguments {
+  double interval = 2;  // seconds
+  std::vector<std::string> only;
+  std::optional<std::uint64_t> count;
+  std::optional<std::string> until;
+};
+
+// A value that ends the command.
+struct Target {
+  std::string path;  // empty: none
+  std::string value;
+};
 
 // The settings, and what is in effect.
 Json ObserveNetwork() {
@@ -39,25 +57,65 @@ Json ObserveDante() {
   return {{"dante", ReadDanteState()}, {"live", {{"ptp", {{"clock", clock}}}}}};
 }
 
+[[noreturn]] void ThrowUsage(const std::string& message) {
+  throw Failure(ExitStatus::kUsage, message);
+}
+
+// A path in brackets may contain an equals sign.
+Target TargetOf(const std::string& until) {
+  bool inside = false;
+  for (std::size_t i = 0; i < until.size(); ++i) {
+    if (until[i] == '[' || until[i] == ']') inside = until[i] == '[';
+    if (until[i] == '=' && !inside && i > 0) return {until.substr(0, i), until.substr(i + 1)};
+  }
+  ThrowUsage("--until " + until + " is not FIELD=VALUE");
+}
+
+// What is misspelt would be waited for in vain.
+void CheckPath(const std::string& option, const std::string& path) {
+  const std::string first = path.substr(0, path.find_first_of(".["));
+  if (first != "network" && first != "dante" && first != "live")
+    ThrowUsage(option + " " + path + ": a path begins with network, dante or live");
+}
+
+bool Holds(const Target& target, const Json& document) {
+  const auto is_value = [&](const Json& it) {
+    return (it.is_string() ? it.get<std::string>() : it.dump()) == target.value;
+  };
+  const std::vector<Json> values = ValuesAt(document, target.path);
+  return std::any_of(values.begin(), values.end(), is_value);
+}
+
 /// Where the watchers of both daemons write, one line at a time.
 class Lines {
  public:
-  explicit Lines(bool as_json) : json(as_json) {}
+  Lines(bool as_json, const Arguments& arguments)
+      : json(as_json), only(arguments.only), left(arguments.count) {}
 
-  void Event(const std::string& path, const Json& from, const Json& to) {
-    const Json event = {{"path", path}, {"from", from}, {"to", to}};
-    Write(ResultJson("watch", event), ShowDifferences(Json::array({event})));
+  /// What becomes of a daemon.
+  void Event(const std::string& path, const Json& to) { Write(path, nullptr, to, false); }
+
+  void Change(const Difference& it) {
+    const auto is_nested = [&](const std::string& path) { return AreNested(path, it.path); };
+    if (only.empty() || std::any_of(only.begin(), only.end(), is_nested))
+      Write(it.path, it.from, it.to, true);
   }
 
   void Error(const Failure& failure) {
-    Write(ErrorJson("watch", failure), terminal::Printable(failure.message) + "\n");
+    if (Write(ErrorJson("watch", failure), terminal::Printable(failure.message) + "\n")) Finish();
+  }
+
+  /// Ends also the calls of the other watcher.
+  void Finish() {
+    End();
+    interrupt::Request();
   }
 
   /// Waits; false if the program is to end.
   bool Continues(double seconds) {
     std::unique_lock<std::mutex> lock(mutex);
     const auto pause = std::chrono::duration<double>(seconds);
-    return !ended.wait_for(lock, pause, [this] { return has_ended; });
+    return !ended.wait_for(lock, pause, [this] { return has_ended; }) && IsRead();
   }
 
   void End() {
@@ -66,22 +124,36 @@ class Lines {
     ended.notify_all();
   }
 
-  bool CanWrite() const { return static_cast<bool>(std::cout); }
+  bool CanWrite() const { return std::cout && IsRead(); }
 
  private:
-  void Write(Json object, const std::string& text) {
+  // False once the other end of a pipe is closed.
+  static bool IsRead() {
+    pollfd output{STDOUT_FILENO, 0, 0};
+    return poll(&output, 1, 0) == 0;
+  }
+
+  void Write(const std::string& path, const Json& from, const Json& to, bool is_change) {
+    const Json event = {{"path", path}, {"from", from}, {"to", to}};
+    const std::string text = ShowDifferences(Json::array({event}));
+    if (Write(ResultJson("watch", event), text, is_change)) Finish();
+  }
+
+  /// True for the last line.
+  bool Write(Json object, const std::string& text, bool is_change = false) {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (has_ended) return;
+    if (has_ended) return false;
     const std::string time = UtcTime(std::time(nullptr));
     object["time"] = time;
     std::cout << (json ? JsonText(object) : time + " " + text) << std::flush;
-    if (CanWrite()) return;
-    has_ended = true;
-    ended.notify_all();
+    if (!CanWrite() || (is_change && left.has_value() && --*left == 0)) has_ended = true;
+    return has_ended;
   }
 
   const bool json;
+  const std::vector<std::string>& only;
   std::mutex mutex;
+  std::optional<std::uint64_t> left;  // lines of changes
   std::condition_variable ended;
   bool has_ended = false;
 };
@@ -89,7 +161,8 @@ class Lines {
 // Watches one daemon: what another does, or does not, is no obstacle.
 class Watcher {
  public:
-  Watcher(Lines& to, Daemon which, Json (*how)()) : lines(to), daemon(which), observe(how) {}
+  Watcher(Lines& to, Daemon which, Json (*how)(), const Target& end)
+      : lines(to), daemon(which), observe(how), target(end) {}
 
   void Run(double interval) {
     do {
@@ -108,30 +181,42 @@ class Watcher {
   }
 
   void Report(const Json& now) {
-    if (!last_error.empty()) lines.Event(Name(daemon), nullptr, "answers again");
+    if (!last_error.empty()) lines.Event(Name(daemon), "answers again");
     last_error.clear();
     if (last.is_null())
-      lines.Event(Name(daemon), nullptr, "watched");
+      lines.Event(Name(daemon), "watched");
     else
-      for (const Difference& it : Differences("", last, now)) lines.Event(it.path, it.from, it.to);
+      for (const Difference& it : Differences("", last, now)) lines.Change(it);
     last = now;
+    if (!target.path.empty() && Holds(target, now)) lines.Finish();
   }
 
   Lines& lines;
   const Daemon daemon;
   Json (*const observe)();
+  const Target& target;
   Json last;
   std::string last_error;
 };
 
+Target CheckedTarget(const Arguments& arguments) {
+  for (const std::string& path : arguments.only) CheckPath("--only", path);
+  if (arguments.count == 0U) ThrowUsage("--count must be at least 1");
+  if (!arguments.until.has_value()) return {};
+  Target target = TargetOf(*arguments.until);
+  CheckPath("--until", target.path);
+  return target;
+}
+
 // Ends when interrupted, with success, or when nobody reads the lines any more.
-Json Run(const Tool& tool, double interval) {
-  Lines lines(tool.json);
+Json Run(const Tool& tool, const Arguments& arguments) {
+  const Target target = CheckedTarget(arguments);
+  Lines lines(tool.json, arguments);
   const interrupt::Handler handler([&lines] { lines.End(); });
-  Watcher network(lines, Daemon::kNetworkManager, ObserveNetwork);
-  Watcher dante(lines, Daemon::kDante, ObserveDante);
-  std::thread other([&dante, interval] { dante.Run(interval); });
-  network.Run(interval);
+  Watcher network(lines, Daemon::kNetworkManager, ObserveNetwork, target);
+  Watcher dante(lines, Daemon::kDante, ObserveDante, target);
+  std::thread other([&] { dante.Run(arguments.interval); });
+  network.Run(arguments.interval);
   other.join();
   if (!lines.CanWrite()) throw Failure(ExitStatus::kFailed, "cannot write the lines");
   return nullptr;
@@ -140,13 +225,21 @@ Json Run(const Tool& tool, double interval) {
 }  // namespace
 
 void AddWatch(Tool& tool) {
-  const auto interval = std::make_shared<double>(2);
+  const auto arguments = std::make_shared<Arguments>();
   Command verb = tool.AddVerb(tool.Top(), "watch",
                               {"Print changes, one per line, until interrupted",
-                               [&tool, interval] { return Run(tool, *interval); },
+                               [&tool, arguments] { return Run(tool, *arguments); },
                                [](const Json&) { return std::string(); },
-                               {"timeout --preserve-status 1 networkgrpc watch --interval 0.2"}});
-  verb.Seconds("--interval", interval.get(), 0.05, "Time between two readings; default 2");
+                               {"timeout --preserve-status 1 networkgrpc watch --interval 0.2",
+                                "networkgrpc watch --until live.ptp.clock=disciplined"}});
+  verb.Seconds("--interval", &arguments->interval, 0.05, "Time between two readings; default 2");
+  verb.Option("--only", "PATH", &arguments->only,
+              "Print only changes of what stands at this path, such as dante.routing or "
+              "live.interfaces[lan0]; can be repeated");
+  verb.Option("--count", "N", &arguments->count, "End after this number of lines of changes");
+  verb.Option("--until", "FIELD=VALUE", &arguments->until,
+              "End as soon as the value at this path is VALUE, also if it is so at once; of "
+              "several values, with [] for every entry, one is enough");
 }
 
 }  // namespace tool

@@ -81,3 +81,90 @@ teardown() {
     wait "$watcher"
   done
 }
+
+ended() { ! kill -0 "$watcher" 2>/dev/null; }
+changes() { grep -cE '(network|dante|live)[.]' "$seen"; }
+
+@test "Only_OtherSettingsChange_PrintsThatOfThePathAlone" {
+  watch --only 'dante.tx_channels[1]' --only network.ntp
+  tool dante latency 2000
+  tool channel rename 2 Right
+  tool channel rename 1 Left
+  wait_until grep -q 'dante.tx_channels\[1\].name: .* -> "Left"' "$seen"
+  [ "$(changes)" -eq 1 ]
+}
+
+@test "Only_EveryEntry_PrintsTheMemberOfEach" {
+  watch --only 'dante.tx_channels[].name'
+  tool channel rename 1 Left
+  tool channel rename 2 Right
+  wait_until grep -q 'tx_channels\[2\].name' "$seen"
+  [ "$(changes)" -eq 2 ]
+}
+
+@test "Only_PathIsBelowAValueThatAppears_PrintsIt" {
+  watch --only 'dante.routing[1].raw.ip'
+  tool routing set-raw 1 239.69.0.1
+  wait_until grep -q 'routing\[1\].raw: null -> {"ip":"239.69.0.1"' "$seen"
+}
+
+@test "Count_ThatManyChanges_EndsWithZero" {
+  watch --only dante --count 2
+  tool channel rename 1 Left
+  wait_until grep -q 'tx_channels\[1\]' "$seen"
+  ! ended
+  tool channel rename 2 Right
+  wait "$watcher"
+  [ "$(changes)" -eq 2 ]
+}
+
+@test "Count_MoreChangesAtOnce_PrintsNoMore" {
+  tool export | jq '.dante.tx_channels[].name |= "x" + .' >"$BATS_TEST_TMPDIR/state.json"
+  watch --count 1
+  tool import "$BATS_TEST_TMPDIR/state.json" --yes
+  wait "$watcher"
+  [ "$(changes)" -eq 1 ]
+}
+
+@test "Count_OtherDaemonDoesNotReply_EndsAtOnce" {
+  stop_devices
+  start_controlled_simulator
+  watch --count 1
+  control fault 'NetworkManager.*:freeze'
+  is_frozen() { control calls | jq -e 'select(.fault != "")'; }
+  wait_until is_frozen
+  tool dante latency 2000
+  run -0 timeout 10 tail --pid="$watcher" -f /dev/null
+  wait "$watcher"
+}
+
+@test "Until_ValueIsReached_EndsWithZero" {
+  watch --until dante.latency=2000
+  tool dante latency 3000
+  wait_until grep -q 'latency: 1000 -> 3000' "$seen"
+  ! ended
+  tool dante latency 2000
+  wait "$watcher"
+  [[ "$(tail -n 1 "$seen")" == *"dante.latency: 3000 -> 2000" ]]
+}
+
+@test "Until_ValueIsThereAtOnce_EndsWithZero" {
+  for value in network.hostname=amplifier live.ptp.clock=disciplined dante.aes67=false \
+    'live.interfaces[lan0].active=true' 'live.interfaces[].speed_mbit_s=1000'; do
+    run -0 tool watch --until "$value"
+  done
+}
+
+@test "WatchOptions_AreWrong_NamesTheCulprit" {
+  while IFS='|' read -r option value message; do
+    run -2 --separate-stderr tool watch "$option" "$value"
+    [[ $stderr == "networkgrpc: $message"* ]] || { echo "$stderr"; return 1; }
+  done <<'OPTIONS'
+--only|dnte.latency|--only dnte.latency: a path begins with network, dante or live
+--until|dnte.latency=1|--until dnte.latency: a path begins with network, dante or live
+--until|dante.latency|--until dante.latency is not FIELD=VALUE
+--until|dante.tx_channels[a=b]|--until dante.tx_channels[a=b] is not FIELD=VALUE
+--count|0|--count must be at least 1
+--count|-1|--count: '-1' must be an integer
+OPTIONS
+}
