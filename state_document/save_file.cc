@@ -117,8 +117,11 @@ class NewFile {
     }
   }
 
-  void TakePlace() {
-    if (target.exists) KeepAttributes();
+  void TakePlace(std::optional<mode_t> mode) {
+    if (target.exists) KeepOwner();
+    if (!mode.has_value() && target.exists) mode = target.old.st_mode & 0777U;
+    if (mode.has_value() && fchmod(file, *mode) != 0)
+      failure.ThrowStep("cannot set the mode of temporary file " + path);
     if (fsync(file) != 0) failure.ThrowStep("cannot flush temporary file " + path);
     if (close(std::exchange(file, -1)) != 0)
       failure.ThrowStep("cannot close temporary file " + path);
@@ -128,14 +131,12 @@ class NewFile {
   }
 
  private:
-  void KeepAttributes() {
+  void KeepOwner() {
     // Only root can give a file away, and others only to groups of theirs.
     const struct stat& old = target.old;
     const bool is_kept = fchown(file, old.st_uid, old.st_gid) == 0 ||
                          fchown(file, kUnchanged, old.st_gid) == 0 || errno == EPERM;
     if (!is_kept) failure.ThrowStep("cannot set the owner of temporary file " + path);
-    if (fchmod(file, old.st_mode & 0777U) != 0)
-      failure.ThrowStep("cannot set the mode of temporary file " + path);
   }
 
   const Target& target;
@@ -158,12 +159,12 @@ void FlushFolder(const Target& target, const Failure& failure) {
 
 }  // namespace
 
-void SaveFile(const std::string& file, const std::string& content) {
+void SaveFile(const std::string& file, const std::string& content, std::optional<mode_t> mode) {
   const Failure failure(file);
   const Target target = Find(file, failure);
   NewFile fresh(target, failure);
   fresh.Write(content);
-  fresh.TakePlace();
+  fresh.TakePlace(mode);
   FlushFolder(target, failure);
 }
 

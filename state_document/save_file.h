@@ -8,13 +8,18 @@
 // the old content.
 #pragma once
 
+#include <sys/types.h>
+
+#include <optional>
 #include <string>
 
 namespace state_document {
 
 /// Throws std::runtime_error, "cannot write FILE: STEP: reason". The old file is
-/// then unchanged, unless the step is flushing the folder.
-void SaveFile(const std::string& file, const std::string& content);
+/// then unchanged, unless the step is flushing the folder. With `mode` the file has that
+/// one, whatever the old file's and the process's mask.
+void SaveFile(const std::string& file, const std::string& content,
+              std::optional<mode_t> mode = std::nullopt);
 
 /// Throws what SaveFile would throw for a file that it cannot write: one that is
 /// not a regular file or is write-protected, or whose folder does not accept new

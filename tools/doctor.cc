@@ -1,6 +1,5 @@
 // networkgrpc doctor: diagnoses the daemons and the environment, suggests remedies.
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <iomanip>
 #include <map>
@@ -10,41 +9,12 @@
 #include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/dante.h"
-#include "tools/host_settings.h"
 #include "tools/interface.h"
+#include "tools/probe.h"
 #include "tools/tool.h"
 
 namespace tool {
 namespace {
-
-// Of a cheap call.
-struct Reply {
-  std::optional<Failure> failure;
-  double milliseconds = 0;
-};
-
-void CallOnce(Daemon daemon) {
-  if (daemon == Daemon::kDante)
-    ReadDeviceName();
-  else
-    ReadHostname();
-}
-
-// The first call connects; the second measures how fast the daemon replies.
-Reply Probe(Daemon daemon) {
-  Reply reply;
-  try {
-    CallOnce(daemon);
-    const auto start = std::chrono::steady_clock::now();
-    CallOnce(daemon);
-    const std::chrono::duration<double, std::milli> taken =
-        std::chrono::steady_clock::now() - start;
-    reply.milliseconds = taken.count();
-  } catch (const Failure& failure) {
-    reply.failure = failure;
-  }
-  return reply;
-}
 
 bool IsReachable(const Reply& reply) {
   return !reply.failure.has_value() || reply.failure->status == ExitStatus::kErrorStatus;
@@ -147,7 +117,7 @@ Json DaemonReport(Daemon daemon, const Reply& reply) {
           {"reachable", IsReachable(reply)},
           {"grpc_status", answers ? "OK" : reply.failure->grpc_status},
           {"message", answers ? "" : reply.failure->message},
-          {"round_trip_ms", answers ? Json(reply.milliseconds) : Json()}};
+          {"round_trip_ms", answers ? Json(reply.seconds * 1000) : Json()}};
 }
 
 Json Roles(bool network_replies) {

@@ -40,6 +40,7 @@ int main(int argc, char** argv) {
   tool::AddState(tool);
   tool::AddWatch(tool);
   tool::AddCheckpoint(tool);
+  tool::AddMetrics(tool);
   if (first == "__complete") return tool.Complete({argv + 2, argv + argc});
 
   return tool.Main(argc, argv);

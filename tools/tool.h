@@ -104,5 +104,6 @@ void AddDoctor(Tool& tool);
 void AddState(Tool& tool);
 void AddWatch(Tool& tool);
 void AddCheckpoint(Tool& tool);
+void AddMetrics(Tool& tool);
 
 }  // namespace tool

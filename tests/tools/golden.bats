@@ -17,6 +17,8 @@ validate() { /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/too
 mask() {
   sed -E -e 's/127\.0\.0\.1:[0-9]+/127.0.0.1:PORT/g' \
     -e 's/("round_trip_ms":)[0-9.e-]+/\1TIME/g' \
+    -e 's/("value":)([0-9]+\.[0-9]+(e-[0-9]+)?|[0-9]+e-[0-9]+)/\1TIME/g' \
+    -e 's/^(networkgrpc_round_trip_seconds\{.*\}) .*/\1 TIME/' \
     -e 's/[0-9]+\.[0-9] ms *$/TIME/' -e 's/[0-9]+\.[0-9] ms +/TIME  /' \
     -e 's/^(networkgrpc  )[0-9.]+$/\1VERSION/' -e 's/("networkgrpc":)"[0-9.]+"/\1"VERSION"/'
 }
