@@ -21,6 +21,8 @@ bool ReadPtpSlaveOnly();
 /// {"clock", "value1", "slave_only", "config": {"value1", "value2"}}. The daemon defines
 /// the values; they and the clock are null if it does not report them.
 Json ReadPtp();
+/// Whether that clock follows or leads; false if it is not known.
+bool IsSynchronised(const Json& clock);
 
 void SetDeviceName(const std::string& name);
 void SetSampleRate(std::uint32_t rate);

@@ -69,6 +69,8 @@ Json ReadPtp() {
   return ptp;
 }
 
+bool IsSynchronised(const Json& clock) { return clock == "passive" || clock == "disciplined"; }
+
 void SetDeviceName(const std::string& name) {
   dapi::Name request;
   request.set_name(name);

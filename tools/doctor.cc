@@ -103,7 +103,7 @@ void CheckRoles(const Json& roles, Findings& findings) {
 
 // Audio that is not synchronised drops out.
 void CheckClock(const Json& clock, Findings& findings) {
-  if (clock == "none" || clock == "undisciplined")
+  if (!clock.is_null() && !IsSynchronised(clock))
     findings.Add("the PTP clock is not synchronised: it is " + Text(clock),
                  "check the cables of the Dante network; see 'networkgrpc dante ptp'");
 }

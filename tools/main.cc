@@ -38,6 +38,7 @@ int main(int argc, char** argv) {
   tool::AddStatus(tool);
   tool::AddDoctor(tool);
   tool::AddState(tool);
+  tool::AddWait(tool);
   tool::AddWatch(tool);
   tool::AddCheckpoint(tool);
   tool::AddMetrics(tool);

@@ -102,6 +102,7 @@ void AddRouting(Tool& tool);
 void AddStatus(Tool& tool);
 void AddDoctor(Tool& tool);
 void AddState(Tool& tool);
+void AddWait(Tool& tool);
 void AddWatch(Tool& tool);
 void AddCheckpoint(Tool& tool);
 void AddMetrics(Tool& tool);

@@ -11,15 +11,11 @@
 #include <mutex>
 #include <thread>
 
-#include "tools/call.h"
-#include "tools/dante.h"
-#include "tools/host_settings.h"
-#include "tools/interface.h"
 #include "tools/interrupt.h"
 #include "tools/json_path.h"
+#include "tools/observation.h"
 #include "tools/output.h"
 #include "tools/state.h"
-#include "tools/switch.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -31,60 +27,6 @@ struct Arguments {
   std::optional<std::uint64_t> count;
   std::optional<std::string> until;
 };
-
-// A value that ends the command.
-struct Target {
-  std::string path;  // empty: none
-  std::string value;
-};
-
-// The settings, and what is in effect.
-Json ObserveNetwork() {
-  Json live = {{"switch_mode", ReadSwitchModeInEffect().id()},
-               {"dns", ReadDnsServers()},
-               {"gateway", ReadGateway()},
-               {"interfaces", Json::array()}};
-  for (const auto& it : ReadInterfaces()) {
-    Json entry = {{"name", it.name}};
-    entry.update(ToJson(it)["in_effect"]);
-    live["interfaces"].push_back(entry);
-  }
-  return {{"network", ReadNetworkState()}, {"live", live}};
-}
-
-Json ObserveDante() {
-  const Json clock = ReadPtp()["clock"];
-  return {{"dante", ReadDanteState()}, {"live", {{"ptp", {{"clock", clock}}}}}};
-}
-
-[[noreturn]] void ThrowUsage(const std::string& message) {
-  throw Failure(ExitStatus::kUsage, message);
-}
-
-// A path in brackets may contain an equals sign.
-Target TargetOf(const std::string& until) {
-  bool inside = false;
-  for (std::size_t i = 0; i < until.size(); ++i) {
-    if (until[i] == '[' || until[i] == ']') inside = until[i] == '[';
-    if (until[i] == '=' && !inside && i > 0) return {until.substr(0, i), until.substr(i + 1)};
-  }
-  ThrowUsage("--until " + until + " is not FIELD=VALUE");
-}
-
-// What is misspelt would be waited for in vain.
-void CheckPath(const std::string& option, const std::string& path) {
-  const std::string first = path.substr(0, path.find_first_of(".["));
-  if (first != "network" && first != "dante" && first != "live")
-    ThrowUsage(option + " " + path + ": a path begins with network, dante or live");
-}
-
-bool Holds(const Target& target, const Json& document) {
-  const auto is_value = [&](const Json& it) {
-    return (it.is_string() ? it.get<std::string>() : it.dump()) == target.value;
-  };
-  const std::vector<Json> values = ValuesAt(document, target.path);
-  return std::any_of(values.begin(), values.end(), is_value);
-}
 
 /// Where the watchers of both daemons write, one line at a time.
 class Lines {
@@ -201,10 +143,9 @@ class Watcher {
 
 Target CheckedTarget(const Arguments& arguments) {
   for (const std::string& path : arguments.only) CheckPath("--only", path);
-  if (arguments.count == 0U) ThrowUsage("--count must be at least 1");
+  if (arguments.count == 0U) throw Failure(ExitStatus::kUsage, "--count must be at least 1");
   if (!arguments.until.has_value()) return {};
-  Target target = TargetOf(*arguments.until);
-  CheckPath("--until", target.path);
+  Target target = TargetOf("--until", *arguments.until);
   return target;
 }
 
