@@ -1,18 +1,24 @@
-// Survive the restart of a daemon: repeat a read once; after a failed change, read back first.
+// Survive the restart of a daemon: repeat a read; after a failed change, read back first.
 //
-// After a quick restart the first call uses the old connection and fails; the next one reconnects.
-// A read can simply be repeated. A change that failed may have been made: repeating it blindly
-// could overwrite what somebody else has set meanwhile.
+// A call fails if the daemon ends during it or has just been restarted, and calls can fail for up
+// to 10 s after its start (docs/reliability.md). A read can simply be repeated, with a pause. A
+// change that failed may have been made, so it is repeated only if the value is not read back.
+#include <chrono>
 #include <iostream>
 #include <string>
+#include <thread>
 
 #include "DantegRPC.h"
 
 namespace {
 
 template <class Value>
-bool ReadTwice(bool (*read)(Value&), Value& value) {
-  return read(value) || read(value);
+bool Read(bool (*read)(Value&), Value& value) {
+  for (int attempt = 0; attempt < 15; ++attempt) {
+    if (read(value)) return true;
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+  }
+  return false;
 }
 
 enum class Outcome { kDone, kNotDone, kUnknown };
@@ -21,18 +27,18 @@ template <class Value>
 Outcome Change(bool (*read)(Value&), bool (*write)(const Value&), const Value& value) {
   if (write(value)) return Outcome::kDone;
   Value now{};
-  if (!ReadTwice(read, now)) return Outcome::kUnknown;
+  if (!Read(read, now)) return Outcome::kUnknown;
   if (now == value) return Outcome::kDone;  // made, but the reply was lost
   if (write(value)) return Outcome::kDone;
-  // Rejected, or failed again.
-  return ReadTwice(read, now) && now != value ? Outcome::kNotDone : Outcome::kUnknown;
+  if (!Read(read, now)) return Outcome::kUnknown;
+  return now == value ? Outcome::kDone : Outcome::kNotDone;
 }
 
 }  // namespace
 
 int main() {
   std::string name;
-  if (!ReadTwice(DantegRPC::GetName, name)) {
+  if (!Read(DantegRPC::GetName, name)) {
     std::cout << "the daemon is away\n";
     return 1;
   }
