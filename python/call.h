@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -16,6 +17,10 @@
 namespace python {
 
 namespace py = pybind11;
+
+/// The docstring of a function, a record or "Record.member" in the type stub of the module, "" of
+/// the module itself. Throws std::out_of_range if it has none. Generated for each module.
+const char* Doc(const std::string& name);
 
 /// An argument, copied before the interpreter's lock is released: another thread may
 /// change a record during the call. Nothing is converted: by itself, pybind11 makes a
@@ -46,11 +51,14 @@ inline void TakeLock(PyThreadState* state) {
 /// The functions of one module.
 class Functions {
  public:
-  explicit Functions(py::module_& to) : module(to) {}
+  explicit Functions(py::module_& to) : module(to) {
+    // For networkgrpc.configure, which is too late after the first call.
+    module.def("_called", [] { return called.load(); });
+  }
 
   /// Adds a function that reads a value or a list.
   template <class Value>
-  const Functions& Reads(const char* name, bool (*function)(Value&), const char* doc) const {
+  const Functions& Reads(const char* name, bool (*function)(Value&)) const {
     module.def(
         name,
         [function, full = FullName(name)] {
@@ -58,14 +66,13 @@ class Functions {
           Make(full, [&] { return function(value); });
           return value;
         },
-        doc);
+        Doc(name));
     return *this;
   }
 
   /// Adds a function that reads a value selected by an argument.
   template <class Value, class Key>
-  const Functions& Reads(const char* name, bool (*function)(Key, Value&), py::arg key,
-                         const char* doc) const {
+  const Functions& Reads(const char* name, bool (*function)(Key, Value&), py::arg key) const {
     module.def(
         name,
         [function, full = FullName(name), key](const Copied<std::decay_t<Key>>& about) {
@@ -74,13 +81,13 @@ class Functions {
               full, [&] { return function(about.value, value); }, std::pair(key, about.value));
           return value;
         },
-        key, doc);
+        key, Doc(name));
     return *this;
   }
 
   /// Adds a function that changes something.
   template <class... Arguments, class... Names>
-  const Functions& Changes(const char* name, bool (*function)(Arguments...), const char* doc,
+  const Functions& Changes(const char* name, bool (*function)(Arguments...),
                            const Names&... names) const {
     static_assert(sizeof...(Arguments) == sizeof...(Names), "a name for each argument");
     module.def(
@@ -91,7 +98,7 @@ class Functions {
               full, [&] { return function(arguments.value...); },
               std::pair(names, arguments.value)...);
         },
-        names..., doc);
+        names..., Doc(name));
     return *this;
   }
 
@@ -102,6 +109,7 @@ class Functions {
 
   template <class Call, class... Named>
   static void Make(const std::string& function, Call&& call, const Named&... arguments) {
+    called = true;
     PyThreadState* const state = PyEval_SaveThread();
     const bool done = call();
     TakeLock(state);
@@ -111,6 +119,7 @@ class Functions {
     Raise(function, by_name);
   }
 
+  inline static std::atomic<bool> called{false};
   py::module_& module;
 };
 
@@ -139,10 +148,10 @@ void DefinePickling(py::class_<Record>& type, std::pair<const char*, Types Recor
 
 /// Adds a record class that is constructed, copied, compared and printed like a dataclass.
 template <class Record, class... Types>
-void Define(py::module_& module, const char* name, const char* doc,
+void Define(py::module_& module, const char* name,
             std::pair<const char*, Types Record::*>... fields) {
   // The default metaclass is enough: these classes have no static properties.
-  py::class_<Record> type(module, name, doc,
+  py::class_<Record> type(module, name, Doc(name),
                           py::metaclass(reinterpret_cast<PyObject*>(&PyType_Type)));
   type.def(py::init([fields...](const Copied<Types>&... arguments) {
              Record record;
@@ -154,7 +163,8 @@ void Define(py::module_& module, const char* name, const char* doc,
        fields.first, [member = fields.second](const Record& record) { return record.*member; },
        py::cpp_function([member = fields.second](
                             Record& record, const Copied<Types>& to) { record.*member = to.value; },
-                        py::name(fields.first))),
+                        py::name(fields.first)),
+       Doc(std::string(name) + '.' + fields.first)),
    ...);
   DefinePickling(type, fields...);
   type.def(
