@@ -16,6 +16,12 @@
 /// The process-wide client of the Dante API daemon's gRPC service, for code that needs the wire
 /// messages and the call status. Most applications use DantegRPC.h.
 ///
+/// @code
+/// ostrevan::grpcdapi::Success reply;
+/// const grpc::Status changed = DAPIClient::GetInstance().SetName(request, &reply);
+/// const bool done = changed.ok() && reply.success();  // both: a rejection has the status OK
+/// @endcode
+///
 /// @par Lifetime
 /// There is one instance per process, created by the first call of GetInstance() and destroyed at
 /// process exit. Its endpoint is in the environment variable grpc_dapi_url (default

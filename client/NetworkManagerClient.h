@@ -18,6 +18,11 @@
 /// The process-wide client of the network-manager daemon's gRPC service, for code that needs the
 /// wire messages and the call status. Most applications use NetworkgRPC.h.
 ///
+/// @code
+/// ostrevan::networkmanager::Hostname host;
+/// const grpc::Status read = NetworkManagerClient::GetInstance().GetHostname(&host);
+/// @endcode
+///
 /// @par Lifetime
 /// There is one instance per process, created by the first call of GetInstance() and destroyed at
 /// process exit. Its endpoint is in the environment variable network_manager_url (default

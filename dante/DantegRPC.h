@@ -12,6 +12,14 @@
 /// Every function except Reboot calls the Dante API daemon, at the endpoint in the environment
 /// variable grpc_dapi_url (default "localhost:50008").
 ///
+/// @code
+/// const bool confirmed = DantegRPC::SetSampleRate(rate);
+/// int now = 0;
+/// if (!DantegRPC::GetSampleRate(now)) return false;
+/// std::cout << "the sample rate is " << now << std::endl;
+/// return confirmed && now == rate;
+/// @endcode
+///
 /// @par Lifetime
 /// Nothing has to be created or destroyed. The first call creates a connection that lasts until the
 /// process exits.
@@ -51,6 +59,13 @@ class __attribute__((visibility("default"))) DantegRPC {
   DantegRPC() = delete;
 
   /// One transmit or receive channel.
+  ///
+  /// @code
+  /// DantegRPC::Channel channel;
+  /// channel.id = std::atoi(argv[1]);
+  /// channel.name = argv[2];  // UTF-8, not empty
+  /// const bool confirmed = DantegRPC::SetTxChannelName(channel);
+  /// @endcode
   struct Channel {
     /// Channel id, as the daemon numbers the channels.
     std::int32_t id = 0;
@@ -60,6 +75,14 @@ class __attribute__((visibility("default"))) DantegRPC {
 
   /// What one receive channel is subscribed to: the transmit channel of a device, given by its
   /// names, or a stream, given by its raw parameters.
+  ///
+  /// @code
+  /// DantegRPC::ChannelLink link;
+  /// link.rxChannelId = receive;
+  /// link.deviceName = device;
+  /// link.channelName = channel;
+  /// return DantegRPC::SetTapping(link);
+  /// @endcode
   struct ChannelLink {
     /// Id of the receive channel.
     std::int32_t rxChannelId = 0;

@@ -12,6 +12,12 @@
 /// Every function calls the network-manager daemon, at the endpoint in the environment variable
 /// network_manager_url (default "localhost:50007").
 ///
+/// @code
+/// std::vector<NetworkgRPC::InterfaceInfo> control;
+/// if (!NetworkgRPC::GetControlInterfacesInfo(control)) return 1;
+/// std::cout << "ready, control interface " << control.front().ip << '\n';
+/// @endcode
+///
 /// @par Lifetime
 /// Nothing has to be created or destroyed. The first call creates a connection that lasts until the
 /// process exits. It also makes one RPC, GetAvailableInterfaces, to find the ids and MAC addresses
@@ -55,6 +61,13 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   NetworkgRPC() = delete;
 
   /// One network interface with its IPv4 addressing.
+  ///
+  /// @code
+  /// NetworkgRPC::InterfaceInfo after;
+  /// after.mode = 1;
+  /// after.ip = argv[1];
+  /// after.netmask = argv[2];
+  /// @endcode
   struct InterfaceInfo {
     /// Addressing mode, 1: static, 0: dynamic. The getters return 1 if the stored mode is static,
     /// otherwise 0. The setters treat every value but 1 as dynamic.
@@ -80,6 +93,13 @@ class __attribute__((visibility("default"))) NetworkgRPC {
   };
 
   /// A switch mode: one way to use the device's network ports.
+  ///
+  /// @code
+  /// NetworkgRPC::SwitchMode stored;
+  /// if (!NetworkgRPC::SetSwitchMode(wanted.id + 1) ||
+  ///     !NetworkgRPC::GetConfiguredSwitchMode(stored) || stored.id != wanted.id)
+  ///   return 1;
+  /// @endcode
   struct SwitchMode {
     /// Id as the daemon reports it. SetSwitchMode expects this id plus one.
     std::int32_t id = 0;

@@ -24,6 +24,11 @@ extern "C" {
 /**
  * The addresses of one interface as NUL-terminated strings, empty if there is none. A string that
  * does not fit is cut; the rest of a field is filled with NUL.
+ *
+ * @code
+ * if (cGetControlInterface(&control, 1) != 1 || cGetCurrentSwitchMode(&mode) != 0) return 1;
+ * printf("control %s netmask %s MAC %s\n", control.ip, control.netmask, control.mac);
+ * @endcode
  */
 typedef struct cInterfaceInfo {
   char ip[16];      /**< Dotted IPv4 address, up to 15 characters. */

@@ -22,6 +22,38 @@ code_block() {
   diff <(code_block python docs/python.md) python/examples/overview.py
 }
 
+# squashed FILE: the file without white space.
+squashed() { tr -d '[:space:]' <"$1"; }
+
+# header_examples HEADER: the code in its comments, one example per line, without white space.
+header_examples() {
+  awk '/@endcode/ { inside = 0; print "" } inside { sub(/^ *(\/\/\/| \*) ?/, ""); gsub(/[ \t]/, ""); printf "%s", $0 }
+       /@code/ { inside = 1 }' "$1"
+}
+
+@test "every class of the public headers has an example, quoted from the cookbook" {
+  local header example recipe found classes
+  for header in network/*gRPC*.h dante/DantegRPC.h client/*Client.h; do
+    classes=$(grep -cE '^ *(class|struct|typedef struct) .*\{$' "$header")
+    [ "$(header_examples "$header" | wc -l)" -eq "$classes" ] || { echo "$header"; return 1; }
+    while read -r example; do
+      found=
+      for recipe in examples/cookbook/*.c*; do
+        [[ $(squashed "$recipe") != *"$example"* ]] || found=1
+      done
+      [ -n "$found" ] || { echo "$header: $example"; return 1; }
+    done < <(header_examples "$header")
+  done
+}
+
+@test "from-clients.md has every method of the clients" {
+  local method missing=
+  while read -r method; do
+    grep -q "\`$method\`" docs/from-clients.md || missing+=" $method"
+  done < <(sed -nE 's/^  (static |grpc::|std::)[A-Za-z0-9_:&]+ ([A-Za-z0-9]+)\(.*/\2/p' client/*Client.h)
+  fail_if_any "$missing"
+}
+
 # settings: one line per variable that the library reads: VARIABLE|DEFAULT|MEANING.
 settings() {
   tr -d '\n' <client/environment.h | grep -oE 'Setting k[A-Za-z]+\{[^}]*\}' |

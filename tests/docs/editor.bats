@@ -1,0 +1,17 @@
+#!/usr/bin/env bats
+# The preset for editors has the compile command of every source.
+#
+# Environment: SOURCE_TREE, CMAKE.
+
+@test "Preset_Editor_HasACompileCommandForEverySource" {
+  cd "$SOURCE_TREE"
+  grep -qx '  CompilationDatabase: build/editor' .clangd
+  "$CMAKE" --preset editor -B "$BATS_TEST_TMPDIR" >/dev/null
+  jq -r '.[].file' "$BATS_TEST_TMPDIR/compile_commands.json" | sort -u >"$BATS_TEST_TMPDIR/compiled"
+  find "$PWD"/{call_frame,client,dante,examples,network,python,simulator,state_document,support,terminal,tools} \
+    -name '*.cc' ! -name simulated_device.cc | sort >"$BATS_TEST_TMPDIR/sources"
+  [ "$(wc -l <"$BATS_TEST_TMPDIR/sources")" -gt 50 ]
+  run comm -13 "$BATS_TEST_TMPDIR/compiled" "$BATS_TEST_TMPDIR/sources"
+  echo "$output"
+  [ -z "$output" ]
+}
