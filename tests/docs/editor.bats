@@ -14,4 +14,7 @@
   run comm -13 "$BATS_TEST_TMPDIR/compiled" "$BATS_TEST_TMPDIR/sources"
   echo "$output"
   [ -z "$output" ]
+  # GCC's default is the language of this project, clangd's is not.
+  jq -r '.[] | select(.file | endswith(".cc")) | .command' "$BATS_TEST_TMPDIR/compile_commands.json" >"$BATS_TEST_TMPDIR/commands"
+  [ "$(grep -c -e ' -std=c++17 ' "$BATS_TEST_TMPDIR/commands")" -eq "$(wc -l <"$BATS_TEST_TMPDIR/commands")" ]
 }
