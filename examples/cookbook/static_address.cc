@@ -4,8 +4,8 @@
 //
 // An incomplete static address would be stored as dynamic addressing, so it is checked before. The
 // getters report neither gateway nor DNS server nor the two special dynamic modes, so this program
-// can go back to ordinary dynamic addressing only. `networkgrpc interface set --confirm-within`
-// restores every configuration exactly, and also if it is killed: see static_address.sh.
+// can go back to ordinary dynamic addressing only, and not at all if it is killed. The checkpoints
+// of `networkgrpc` do both: see static_address.sh.
 #include <arpa/inet.h>
 #include <poll.h>
 #include <unistd.h>

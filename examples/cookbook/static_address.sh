@@ -1,11 +1,19 @@
 #!/bin/sh
 # Give the control interface a static address without locking yourself out, with the tool.
 #
-# usage: static_address.sh ADDRESS/PREFIX SECONDS     keeps the address if "y" is read in time
+# usage: static_address.sh ADDRESS/PREFIX SECONDS CHECK...
 #
-# Otherwise exactly what was stored before is restored, also if the terminal is lost because its
-# connection used the old address, or if the tool is killed. If the change interrupts the connection
-# that you would answer through, pipe the answer of a check of the new address instead.
+# CHECK is a command that succeeds if the device can be reached at the new address. Unless the change
+# is confirmed in time, what was before is restored, also if this script is killed or its connection
+# lost. Somebody who logs in at the new address can confirm it, too: `networkgrpc confirm`.
 set -eu
 
-exec networkgrpc interface set --control --ip "$1" --reload --confirm-within "$2"
+address=$1 seconds=$2
+shift 2
+networkgrpc interface set --control --ip "$address" --reload --yes --confirm-within "$seconds"
+if "$@"; then
+  networkgrpc confirm
+else
+  networkgrpc rollback
+  exit 1
+fi
