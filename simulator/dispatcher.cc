@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "simulator/byte_buffer.h"
+#include "simulator/connections.h"
 #include "simulator/method_table.h"
-#include "simulator/tcp_connections.h"
 
 namespace simulator {
 namespace {

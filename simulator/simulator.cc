@@ -2,32 +2,31 @@
 
 #include <array>
 
+#include "simulator/connections.h"
 #include "simulator/dispatcher.h"
 #include "simulator/factory_defaults.h"
-#include "simulator/loopback_server.h"
+#include "simulator/local_server.h"
 #include "simulator/state.h"
-#include "simulator/tcp_connections.h"
 
 namespace simulator {
 namespace {
 
-// One daemon, which can be stopped and started again on its port.
+// One daemon, which can be stopped and started again where it listened.
 class SimulatedDaemon {
  public:
-  SimulatedDaemon(Daemon which, SharedDevice& shared, int wanted_port)
-      : daemon(which), device(shared), port(wanted_port) {
+  SimulatedDaemon(Daemon which, SharedDevice& shared, Endpoint wanted)
+      : daemon(which), device(shared), endpoint(std::move(wanted)) {
     Start();
   }
 
   Daemon Which() const { return daemon; }
-  int Port() const { return port; }
-  std::string Url() const { return "127.0.0.1:" + std::to_string(port); }
+  std::string Url() const { return endpoint.Url(); }
 
   void Start() {
     const std::lock_guard<std::mutex> lock(mutex);
     if (running != nullptr || has_ended) return;
-    running = std::make_unique<Running>(daemon, device, port);
-    port = running->server.Port();
+    running = std::make_unique<Running>(daemon, device, endpoint);
+    endpoint = running->server.Where();
   }
   void Stop() {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -47,11 +46,11 @@ class SimulatedDaemon {
  private:
   // A generic service can be registered with one server only.
   struct Running {
-    Running(Daemon which, SharedDevice& shared, int wanted_port)
-        : dispatcher(which, shared), server(dispatcher, wanted_port) {}
+    Running(Daemon which, SharedDevice& shared, const Endpoint& wanted)
+        : dispatcher(which, shared), server(dispatcher, wanted) {}
 
     Dispatcher dispatcher;
-    LoopbackServer server;
+    LocalServer server;
   };
 
   const Daemon daemon;
@@ -59,7 +58,7 @@ class SimulatedDaemon {
   std::mutex mutex;  // guards the members below
   std::unique_ptr<Running> running;
   bool has_ended = false;
-  int port;  // 0 for any until the first start; does not change afterwards
+  Endpoint endpoint;  // does not change after the first start
 };
 
 }  // namespace
@@ -68,8 +67,11 @@ class Simulator::Implementation {
  public:
   Implementation(const Options& options, const Device& initial)
       : device(initial),
-        network_manager(Daemon::kNetworkManager, device, options.network_manager_port),
-        dapi(Daemon::kDapi, device, options.dapi_port) {}
+        network_manager(
+            Daemon::kNetworkManager, device,
+            {options.network_manager_port, options.network_manager_socket, options.socket_mode}),
+        dapi(Daemon::kDapi, device, {options.dapi_port, options.dapi_socket, options.socket_mode}) {
+  }
 
   SimulatedDaemon& Of(Daemon which) { return which == Daemon::kDapi ? dapi : network_manager; }
   std::array<SimulatedDaemon*, 2> Daemons() { return {&network_manager, &dapi}; }
@@ -138,7 +140,7 @@ void Simulator::StartDaemon(Daemon which) {
 }
 
 void Simulator::DropConnections(Daemon which) {
-  DropConnectionsTo(implementation->Of(which).Port());
+  DropConnectionsTo(implementation->Of(which).Url());
 }
 
 std::vector<ReceivedCall> Simulator::Calls() const { return implementation->device.calls.Calls(); }
@@ -189,6 +191,14 @@ Builder& Builder::Inject(const Fault& fault) {
 Builder& Builder::Ports(int network_manager, int dapi) {
   options.network_manager_port = network_manager;
   options.dapi_port = dapi;
+  return *this;
+}
+
+Builder& Builder::Sockets(const std::string& network_manager, const std::string& dapi,
+                          unsigned mode) {
+  options.network_manager_socket = network_manager;
+  options.dapi_socket = dapi;
+  options.socket_mode = mode;
   return *this;
 }
 

@@ -1,5 +1,6 @@
 // A whole device in this process: the network-manager daemon and the Dante API
-// daemon, each a gRPC server on loopback, with one model of the device.
+// daemon, each a gRPC server on loopback or on a Unix socket, with one model of the
+// device.
 //
 //   simulator::Simulator device;
 //   setenv("network_manager_url", device.NetworkManagerUrl().c_str(), 1);
@@ -35,21 +36,24 @@ struct Options {
   int dapi_port = 0;             // 0: a free port, chosen by the system
   int tx_channels = 4;
   int rx_channels = 8;
+  std::string network_manager_socket = {};  // path of a Unix socket, instead of the port
+  std::string dapi_socket = {};             // path of a Unix socket, instead of the port
+  unsigned socket_mode = 0600;              // of both sockets
 };
 
 class Simulator {
  public:
   /// Starts both daemons with the factory defaults. Throws std::runtime_error if
-  /// one cannot listen on its port.
+  /// one cannot listen on its port or socket.
   explicit Simulator(const Options& options = {});
   ~Simulator();
 
   Simulator(Simulator&& other) noexcept;
   Simulator& operator=(Simulator&& other) noexcept;
 
-  /// "127.0.0.1:PORT", valid after Stop too.
+  /// "127.0.0.1:PORT" or "unix:PATH", an absolute path; valid after Stop too.
   std::string NetworkManagerUrl() const;
-  /// "127.0.0.1:PORT", valid after Stop too.
+  /// The same for the Dante API daemon.
   std::string DapiUrl() const;
 
   /// Runs `use` with the model, a Device&, while no call is answered, and returns
@@ -74,7 +78,7 @@ class Simulator {
   void Inject(const std::string& fault) { Inject(ParseFault(fault)); }
   /// Removes the faults given for exactly this method or pattern; "" removes all.
   /// Answers the calls that they froze and starts a daemon that one has stopped.
-  /// Throws BadFault, and std::runtime_error if a daemon's port is in use.
+  /// Throws BadFault, and std::runtime_error if a daemon cannot listen.
   void ClearFaults(const std::string& method = "");
   std::vector<Fault> ListFaults();
 
@@ -138,6 +142,10 @@ class Builder {
   Builder& Inject(const std::string& fault) { return Inject(ParseFault(fault)); }
   /// 0, the default: a free port.
   Builder& Ports(int network_manager, int dapi);
+  /// Daemons on Unix sockets: their paths, "" for a port, and the mode of both. The
+  /// socket of a process that was killed is replaced.
+  Builder& Sockets(const std::string& network_manager, const std::string& dapi,
+                   unsigned mode = 0600);
 
   /// Starts the device; may be called again for another one with the same state.
   /// Throws std::runtime_error if a daemon cannot listen on its port.

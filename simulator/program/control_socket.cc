@@ -4,7 +4,6 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/time.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +15,8 @@
 #include <stdexcept>
 #include <utility>
 #include <vector>
+
+#include "simulator/unix_socket.h"
 
 namespace simulator {
 namespace {
@@ -31,29 +32,14 @@ constexpr timeval kAskLimit{20, 0};
 constexpr std::size_t kLongestRequest = 65536;
 constexpr std::size_t kLongestAnswer = std::size_t{256} * 1024 * 1024;
 
+constexpr const char* kWhat = "control socket";
+
 [[noreturn]] void Throw(const std::string& what, const std::string& path, const std::string& why) {
-  throw std::runtime_error("cannot " + what + " control socket " + path + ": " + why);
+  throw std::runtime_error("cannot " + what + ' ' + kWhat + ' ' + path + ": " + why);
 }
 
 [[noreturn]] void Throw(const std::string& what, const std::string& path) {
   Throw(what, path, std::strerror(errno));
-}
-
-sockaddr_un AddressOf(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  if (path.empty() || path.size() >= sizeof address.sun_path)
-    Throw("use", path, "its path must have 1 to 107 bytes");
-  std::memcpy(static_cast<char*>(address.sun_path), path.data(), path.size());
-  return address;
-}
-
-Descriptor MakeSocket(int flags = 0) {
-  return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
-}
-
-bool Connect(const Descriptor& socket, const sockaddr_un& address) {
-  return connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
 bool SendLine(const Descriptor& socket, std::string line) {
@@ -92,15 +78,6 @@ void MakePrivateFolder(const std::string& path) {
   if (stat(folder.c_str(), &found) != 0) Throw("use the folder of", path);
   if (found.st_uid != geteuid() || (found.st_mode & 077U) != 0)
     Throw("use", path, "others have access to its folder; use a folder of yours with mode 0700");
-}
-
-// Removes the socket of a simulator that was killed.
-void RemoveStale(const std::string& path, const sockaddr_un& address) {
-  const Descriptor socket = MakeSocket();
-  if (Connect(socket, address)) Throw("listen on", path, "another simulator listens on it");
-  struct stat found {};
-  if (errno == ECONNREFUSED && stat(path.c_str(), &found) == 0 && S_ISSOCK(found.st_mode))
-    unlink(path.c_str());
 }
 
 }  // namespace
@@ -150,17 +127,8 @@ class ControlSocket::Client {
 
 ControlSocket::ControlSocket(std::string wanted_path)
     : path(std::move(wanted_path)), acceptor("control socket " + path) {
-  const sockaddr_un address = AddressOf(path);
   MakePrivateFolder(path);
-  RemoveStale(path, address);
-  listening = MakeSocket(SOCK_NONBLOCK);
-  const mode_t mask = umask(0177);
-  const int bound =
-      bind(listening.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
-  const int error = errno;
-  umask(mask);
-  errno = error;
-  if (bound != 0 || listen(listening.Get(), SOMAXCONN) != 0) Throw("listen on", path);
+  listening = ListenOnUnixSocket(path, 0600, kWhat);
 }
 
 ControlSocket::~ControlSocket() {
@@ -208,8 +176,8 @@ int ControlSocket::TimeLimit(const std::list<Client>& clients, bool is_ready) {
 }
 
 std::string AskControl(const std::string& path, const std::string& request) {
-  const Descriptor socket = MakeSocket();
-  if (!Connect(socket, AddressOf(path)))
+  const Descriptor socket = ConnectToUnixSocket(path, kWhat);
+  if (!socket.IsOpen())
     Throw("connect to", path,
           std::string(std::strerror(errno)) + "; start a simulator with --control");
   setsockopt(socket.Get(), SOL_SOCKET, SO_RCVTIMEO, &kAskLimit, sizeof kAskLimit);

@@ -17,10 +17,8 @@ class ControlSocket {
   using Answer = std::function<std::string(const std::string& request)>;
 
   /// Listens on `path`, which only this user can connect to: creates the folder
-  /// with mode 0700 if it does not exist, and the socket with mode 0600. To be
-  /// called before other threads start, because it changes the umask of the process
-  /// for a moment. Throws std::runtime_error, also if others have access to the
-  /// folder or another simulator listens on the socket.
+  /// with mode 0700 if it does not exist, and the socket with mode 0600. Throws std::runtime_error,
+  /// also if others have access to the folder or another simulator listens on the socket.
   explicit ControlSocket(std::string path);
   /// Stops answering, and removes the socket.
   ~ControlSocket();

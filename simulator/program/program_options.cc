@@ -8,6 +8,7 @@
 #include <memory>
 #include <set>
 
+#include "simulator/program/program_help.h"
 #include "terminal/arguments.h"
 #include "terminal/help.h"
 #include "terminal/printable.h"
@@ -21,85 +22,6 @@ constexpr int kMostChannels = 512;
 constexpr int kMostDevices = 64;
 constexpr const char* kAutomatic = "auto";
 constexpr const char* kUnix = "unix:";
-
-// --- Help ----------------------------------------------------------------------
-
-std::string FaultsSection() {
-  using terminal::Entry;
-  return terminal::Section(
-      "Faults",
-      terminal::Wrapped(
-          "METHOD is a method, such as GetName or DAPI.GetName; DAPI.* and NetworkManager.* stand "
-          "for all methods of a daemon, * for all of both. FAULT is one of the words below, or "
-          "several separated by commas: one for what the call meets, and any of the last three. "
-          "If several faults match a method, the first one given applies.",
-          2) +
-          "\n" + Entry("status=CODE", "the call fails with this gRPC status") +
-          Entry("reject", "the reply reports that the request was rejected") +
-          Entry("empty", "the reply has no bytes") +
-          Entry("malformed", "the reply cannot be parsed") +
-          Entry("oversize", "the reply exceeds the client's limit of 4 MiB") +
-          Entry("freeze", "no reply, until the fault is cleared") +
-          Entry("drop", "the connection is closed") +
-          Entry("stop", "the daemon is stopped; for DAPI.* and NetworkManager.*") +
-          Entry("none", "the call is answered as usual; for a delay") +
-          Entry("delay=MS", "all of this happens MS milliseconds later") +
-          Entry("times=N", "the fault applies to N calls; default: to all") +
-          Entry("message=TEXT", "message of a status; last, because it may contain commas"));
-}
-
-std::string ExitStatusSection() {
-  using terminal::Entry;
-  return terminal::Section(
-      "Exit status",
-      Entry("0", "ended by SIGTERM, SIGINT or SIGHUP; with ctl: done") +
-          Entry("1",
-                "a port or file cannot be used or a state is invalid; with ctl: no simulator can "
-                "be reached, or it rejected the command") +
-          Entry("2", "the command line is wrong") +
-          Entry("N",
-                "with run: the exit status of COMMAND, or 128 plus the signal that ended it; 127 "
-                "if it is not found, 126 if it cannot be run"));
-}
-
-std::string EnvironmentAndFilesSections() {
-  using terminal::Entry;
-  return terminal::Section(
-             "Environment",
-             Entry("XDG_RUNTIME_DIR", "the folder of the control socket 'auto'") +
-                 Entry("TMPDIR",
-                       "without XDG_RUNTIME_DIR, where a private folder is made for that socket; "
-                       "default /tmp") +
-                 Entry("control", "unix:PATH, the control socket of ctl, as in the ready line") +
-                 Entry("GRPC_VERBOSITY", "what gRPC prints on standard error; default NONE")) +
-         terminal::Section(
-             "Files",
-             Entry("$XDG_RUNTIME_DIR/networkgrpc-simulator/control", "the control socket 'auto'") +
-                 Entry("$TMPDIR/networkgrpc-simulator.XXXXXX/control",
-                       "the same without XDG_RUNTIME_DIR; removed at exit") +
-                 Entry("PREFIX/share/NetworkgRPC/simulator/state.json",
-                       "a state with every member, its meaning and default"));
-}
-
-std::string MoreHelp(const CLI::App& command, bool /*all*/) {
-  if (command.get_parent() != nullptr) return "";
-  return FaultsSection() + ExitStatusSection() + EnvironmentAndFilesSections() +
-         terminal::Examples({
-             "networkgrpc-simulator run -- networkgrpc status",
-             "networkgrpc-simulator",
-             "networkgrpc-simulator --save hall.json",
-             "networkgrpc-simulator --state hall.json --save hall.json",
-             "networkgrpc-simulator --fault SetName:reject,times=1",
-             "networkgrpc-simulator --fault 'DAPI.*:delay=250' --fault '*:drop,times=1'",
-             "networkgrpc-simulator --devices 3",
-             "networkgrpc-simulator --control auto",
-             "networkgrpc-simulator ctl fault 'GetName:status=INTERNAL,message=busy'",
-             "networkgrpc-simulator ctl calls",
-             "networkgrpc-simulator ctl stop DAPI",
-             "networkgrpc-simulator ctl start DAPI",
-             "networkgrpc-simulator ctl clear all",
-         });
-}
 
 // --- Options -------------------------------------------------------------------
 
@@ -150,11 +72,45 @@ void AddRepeatable(CLI::App& app, const std::string& name, std::vector<std::stri
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
+// A daemon on a Unix socket.
+void AddSocket(CLI::App& app, const std::string& name, std::string& path,
+               const std::string& daemon) {
+  const CLI::Validator url(
+      [](const std::string& given) {
+        const bool is_unix = ControlPath(given) != given && ControlPath(given) != "";
+        return is_unix ? "" : "'" + given + "' must be unix:PATH";
+      },
+      "");
+  app.add_option_function<std::string>(
+         name, [&path](const std::string& given) { path = ControlPath(given); },
+         "Unix socket of the " + daemon + " daemon, instead of a port")
+      ->check(url)
+      ->type_name("unix:PATH");
+}
+
 void DescribePorts(CLI::App& app, Options& options) {
   AddNumber(app, "--network-manager-port", options.network_manager_port, kLastPort,
             "Port of the network-manager daemon, 0 for a free one");
   AddNumber(app, "--dapi-port", options.dapi_port, kLastPort,
             "Port of the Dante API daemon, 0 for a free one");
+  AddSocket(app, "--network-manager", options.network_manager_socket, "network-manager");
+  AddSocket(app, "--dapi", options.dapi_socket, "Dante API");
+  const CLI::Validator octal(
+      [](const std::string& mode) {
+        const bool is_octal = !mode.empty() && mode.size() <= 4 &&
+                              mode.find_first_not_of("01234567") == std::string::npos &&
+                              std::stoul(mode, nullptr, 8) <= 0777;
+        return is_octal ? "" : "'" + mode + "' must be an octal mode from 0 to 777";
+      },
+      "");
+  app.add_option_function<std::string>(
+         "--socket-mode",
+         [&options](const std::string& mode) {
+           options.socket_mode = static_cast<unsigned>(std::stoul(mode, nullptr, 8));
+         },
+         "Permissions of the daemons' Unix sockets, octal; default 600")
+      ->check(octal)
+      ->type_name("MODE");
   AddNumber(app, "--tx-channels", options.tx_channels, kMostChannels,
             "Number of transmit channels");
   AddNumber(app, "--rx-channels", options.rx_channels, kMostChannels, "Number of receive channels");
@@ -180,6 +136,53 @@ void DescribeState(CLI::App& app, ProgramOptions& options, std::vector<std::stri
       ->type_name("PATH");
 }
 
+void DescribeUse(CLI::App& app, ProgramOptions& options) {
+  AddRepeatable(app, "--name", options.names, "NAME",
+                "Dante device name at the start; once for each device");
+  app.add_option("--address-book", options.address_book,
+                 "When ready, add each device to this TOML file of the tool, by its Dante device "
+                 "name, or change its URLs there; - to print the entries after the ready lines")
+      ->type_name("FILE");
+}
+
+void DescribeExport(CLI::App& app, ProgramOptions& options) {
+  terminal::AddInteger(app, "--pid", options.pid, "End when this process ends", 1)
+      ->type_name("PID");
+  app.add_option_function<std::string>(
+         "--export",
+         [&options](const std::string& shell) {
+           options.export_to = shell == "fish" ? Shell::kFish : Shell::kPosix;
+         },
+         "Run in the background, and print what the calling shell is to evaluate to use the "
+         "first device: sh, the default, for bash, zsh and other shells of POSIX, or fish. The "
+         "simulator ends with the shell, or with the process of --pid")
+      ->expected(0, 1)
+      ->default_str("sh")
+      ->check(terminal::OneOf({"sh", "bash", "zsh", "fish"}))
+      ->type_name("[SHELL]");
+}
+
+void CheckSockets(const Options& device, std::size_t devices) {
+  for (const bool is_dapi : {false, true}) {
+    const std::string name = is_dapi ? "--dapi" : "--network-manager";
+    const std::string& path = is_dapi ? device.dapi_socket : device.network_manager_socket;
+    if (path.empty()) continue;
+    if ((is_dapi ? device.dapi_port : device.network_manager_port) != 0)
+      throw CLI::ValidationError(name, "cannot be combined with " + name + "-port");
+    if (devices > 1)
+      throw CLI::ValidationError(name, "several devices listen on free ports only; leave it out");
+  }
+  if (!device.dapi_socket.empty() && device.dapi_socket == device.network_manager_socket)
+    throw CLI::ValidationError("--dapi", "the same socket as --network-manager; choose another");
+}
+
+// The end of its command is that of run.
+void CheckRun(const CLI::App& app) {
+  for (const char* const name : {"--export", "--pid"})
+    if (app.get_option(name)->count() != 0)
+      throw CLI::ValidationError(name, "cannot be combined with run");
+}
+
 void CheckTogether(const ProgramOptions& options) {
   const Options& device = options.device;
   const auto devices = static_cast<std::size_t>(options.devices);
@@ -189,6 +192,12 @@ void CheckTogether(const ProgramOptions& options) {
   if (devices > 1 && (device.dapi_port != 0 || device.network_manager_port != 0))
     throw CLI::ValidationError("--devices",
                                "several devices listen on free ports only; leave out the ports");
+  CheckSockets(device, devices);
+  if (!options.names.empty() && options.names.size() != devices)
+    throw CLI::ValidationError("--name", "must be given once for each device");
+  if (std::set<std::string>(options.names.begin(), options.names.end()).size() !=
+      options.names.size())
+    throw CLI::ValidationError("--name", "two devices cannot have one name");
   if (options.states.size() > 1 && options.states.size() != devices)
     throw CLI::ValidationError("--state", "must be given once for all devices, or once for each");
   if (!options.saves.empty() && options.saves.size() != devices)
@@ -253,15 +262,10 @@ void DescribeCtl(CLI::App& app, ProgramOptions& options, std::string& control, i
   AddCommand(*ctl, options, "drop", "Close the connections to a daemon", daemon);
 }
 
-void DescribeDevices(CLI::App& app, ProgramOptions& options, std::vector<std::string>& faults) {
-  DescribePorts(app, options.device);
-  DescribeState(app, options, faults);
-}
-
-void DescribeRun(CLI::App& app, ProgramOptions& options, std::vector<std::string>& faults) {
+void DescribeRun(CLI::App& app, ProgramOptions& options) {
   CLI::App* const run = app.add_subcommand(
       "run", "Simulate a device while a command runs, with its endpoints in the environment");
-  DescribeDevices(*run, options, faults);
+  run->fallthrough();
   run->add_option("COMMAND", options.command,
                   "The command and its arguments, after --; it finds the first device");
 }
@@ -303,12 +307,16 @@ ProgramOptions Parse(CLI::App& app, int argc, char** argv) {
   app.set_version_flag("--version", std::string(kProgramName) + " " + NETWORKGRPC_VERSION,
                        "Print the version and exit");
   app.require_subcommand(0, 1);
-  DescribeDevices(app, options, faults);
-  DescribeRun(app, options, faults);
+  DescribePorts(app, options.device);
+  DescribeState(app, options, faults);
+  DescribeUse(app, options);
+  DescribeExport(app, options);
+  DescribeRun(app, options);
   DescribeCtl(app, options, ctl_control, ctl_device);
   std::vector<std::string> command;
   app.parse(CutCommand(argc, argv, command), argv);
   options.command.insert(options.command.end(), command.begin(), command.end());
+  if (app.got_subcommand("run")) CheckRun(app);
   if (app.got_subcommand("run") && options.command.empty()) throw CLI::RequiredError("COMMAND");
   app.got_subcommand("ctl") ? CheckCtl(app) : CheckTogether(options);
   options.faults = ParseFaults(faults);

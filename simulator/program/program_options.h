@@ -1,10 +1,13 @@
 // The command line of networkgrpc-simulator.
 #pragma once
 
+#include <sys/types.h>
+
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "simulator/program/background.h"
 #include "simulator/simulator.h"
 
 namespace simulator {
@@ -21,11 +24,15 @@ struct CtlRequest {
 struct ProgramOptions {
   Options device;
   int devices = 1;
+  std::vector<std::string> names;   // none, or one for each device
   std::vector<std::string> states;  // none, one for all, or one for each device
   std::vector<std::string> saves;   // none, or one for each device
   std::vector<Fault> faults;
   std::string control;               // path of the socket, empty for none
   bool has_private_control = false;  // the socket is in a PrivateFolder
+  std::string address_book;          // file, "-" to print, empty for none
+  pid_t pid = 0;                     // of the process to end with, 0 for none
+  std::optional<Shell> export_to;
   std::vector<std::string> command;  // of run, empty for none
   std::vector<CtlRequest> requests;  // if not empty, the command line is that of ctl
 };

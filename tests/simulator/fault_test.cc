@@ -1,6 +1,9 @@
 // Faults: their string form, and each one as a client sees it.
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <future>
 
 #include "tests/simulator/simulated_device.h"
@@ -10,6 +13,7 @@ namespace {
 using grpc::StatusCode;
 using simulator::BadFault;
 using simulator::Daemon;
+using support::DanteStub;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -243,6 +247,43 @@ TEST_F(FaultsOfDevice, ConnectionsDropped_EndsCallsOfThatDaemonOnly) {
   device.ClearFaults();
   EXPECT_EQ(network.get(), StatusCode::OK);
   EXPECT_TRUE(GetsNameAgain());
+}
+
+// The clients' ends of Unix sockets have no names by which they could be found.
+TEST(FaultsOnUnixSockets, Drop_EndsTheConnectionOfTheCallOnly) {
+  std::string folder = testing::TempDir() + "fault_test.XXXXXX";
+  ASSERT_NE(mkdtemp(folder.data()), nullptr);
+  simulator::Simulator device =
+      simulator::Builder().Sockets(folder + "/network", folder + "/dapi").Start();
+  grpc::ChannelArguments alone;  // a connection of its own
+  alone.SetInt(GRPC_ARG_USE_LOCAL_SUBCHANNEL_POOL, 1);
+  const auto connect = [&] {
+    return ostrevan::grpcdapi::DAPI::NewStub(
+        grpc::CreateCustomChannel(device.DapiUrl(), grpc::InsecureChannelCredentials(), alone));
+  };
+  const auto first = connect();
+  const auto second = connect();
+  const auto get_name = [](DanteStub& stub) {
+    ostrevan::grpcdapi::Name name;
+    return support::Call(stub, &DanteStub::GetName, {}, name).error_code();
+  };
+  device.Inject("GetName:freeze,times=1");
+  auto frozen = std::async(std::launch::async, [&] { return get_name(*first); });
+  EXPECT_TRUE(device.WaitForCalls("GetName"));
+  device.Inject("GetName:drop,times=1");
+
+  EXPECT_EQ(get_name(*second), StatusCode::UNAVAILABLE);
+  device.ClearFaults("GetName");
+  EXPECT_EQ(frozen.get(), StatusCode::OK);
+
+  device.Inject("GetName:freeze");
+  frozen = std::async(std::launch::async, [&] { return get_name(*first); });
+  EXPECT_TRUE(device.WaitForCalls("GetName", 3));
+  device.DropConnections(Daemon::kDapi);
+  EXPECT_EQ(frozen.get(), StatusCode::UNAVAILABLE);
+
+  device.Stop();
+  EXPECT_EQ(rmdir(folder.c_str()), 0) << "a socket is left";
 }
 
 TEST_F(FaultsOfDevice, StopInjected_PortIsFreeUntilItIsCleared) {

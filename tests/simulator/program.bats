@@ -96,7 +96,7 @@ state_of_connection_to() {
 @test "a control socket in use is left alone, that of a killed simulator is replaced" {
   start --control "$BATS_TEST_TMPDIR/private/control"
   run -1 timeout 20 "$SIMULATOR" --control "$BATS_TEST_TMPDIR/private/control"
-  [[ "$output" == *"another simulator listens on it"* ]]
+  [[ "$output" == *"another process listens on it"* ]]
   [ "$(ctl state | jq .schema)" = 1 ]
   kill -KILL "$DEVICE_PID"
   wait "$DEVICE_PID" || true

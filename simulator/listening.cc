@@ -1,19 +1,17 @@
-#include "simulator/loopback_server.h"
+#include "simulator/listening.h"
 
-#include <grpcpp/security/server_credentials.h>
-#include <grpcpp/server_builder.h>
 #include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <sys/socket.h>
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
-#include <string>
 #include <utility>
+
+#include "simulator/unix_socket.h"
 
 namespace simulator {
 namespace {
@@ -26,6 +24,7 @@ struct Loopback {
   int family;
   const char* address;
 };
+
 // Listens on a port of a loopback address, 0 for any port. Closed, with the reason in
 // errno, if it cannot.
 Descriptor Listen(int family, int port) {
@@ -92,43 +91,43 @@ std::vector<Descriptor> ListenOnAll(int port) {
                            "; use another port, or 0 for a free port");
 }
 
-std::vector<int> Numbers(const std::vector<Descriptor>& sockets) {
-  std::vector<int> numbers;
-  for (const Descriptor& socket : sockets) numbers.push_back(socket.Get());
-  return numbers;
+// gRPC reads the path as part of a URI, and people copy it from a line of words.
+constexpr const char* kCharacters =
+    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~!$&'()*+,;=:@/";
+
+std::vector<Descriptor> ListenOn(Endpoint& endpoint) {
+  if (!endpoint.IsUnix()) {
+    std::vector<Descriptor> sockets = ListenOnAll(endpoint.port);
+    endpoint.port = PortOf(sockets.front());
+    return sockets;
+  }
+  endpoint.path = std::filesystem::absolute(endpoint.path).lexically_normal();
+  if (endpoint.path.find_first_not_of(kCharacters) != std::string::npos)
+    throw std::runtime_error(
+        "cannot listen on Unix socket " + endpoint.path +
+        ": its absolute path may only have letters, digits and -._~!$&'()*+,;=:@/");
+  std::vector<Descriptor> sockets;
+  sockets.push_back(ListenOnUnixSocket(endpoint.path, endpoint.socket_mode, "Unix socket"));
+  return sockets;
 }
 
 }  // namespace
 
-LoopbackServer::LoopbackServer(grpc::CallbackGenericService& service, int wanted_port)
-    : sockets(ListenOnAll(wanted_port)), port(PortOf(sockets.front())) {
-  using Builder = grpc::ServerBuilder;
-  Builder builder;
-  connections = builder.experimental().AddExternalConnectionAcceptor(
-      Builder::experimental_type::ExternalConnectionType::FROM_FD,
-      grpc::InsecureServerCredentials());
-  builder.RegisterCallbackGenericService(&service);
-  server = builder.BuildAndStart();
-  if (server == nullptr) throw std::runtime_error("cannot start a gRPC server");
-  accepting.emplace(
-      "port " + std::to_string(port), Numbers(sockets),
-      [this](int listening, Descriptor connection) { Serve(listening, std::move(connection)); });
+std::string Endpoint::Url() const {
+  return IsUnix() ? "unix:" + path : "127.0.0.1:" + std::to_string(port);
 }
 
-LoopbackServer::~LoopbackServer() {
-  accepting.reset();
-  sockets.clear();
-  server->Shutdown(std::chrono::system_clock::now());
-  server->Wait();
+ListeningSockets::ListeningSockets(const Endpoint& wanted)
+    : endpoint(wanted), sockets(ListenOn(endpoint)) {}
+
+ListeningSockets::~ListeningSockets() {
+  if (endpoint.IsUnix()) unlink(endpoint.path.c_str());
 }
 
-void LoopbackServer::Serve(int listening, Descriptor connection) {
-  const int yes = 1;
-  setsockopt(connection.Get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
-  grpc::experimental::ExternalConnectionAcceptor::NewConnectionParameters parameters;
-  parameters.listener_fd = listening;
-  parameters.fd = connection.Release();
-  connections->HandleNewConnection(&parameters);
+std::vector<int> ListeningSockets::Descriptors() const {
+  std::vector<int> numbers;
+  for (const Descriptor& socket : sockets) numbers.push_back(socket.Get());
+  return numbers;
 }
 
 }  // namespace simulator

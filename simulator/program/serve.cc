@@ -1,0 +1,203 @@
+#include "simulator/program/serve.h"
+
+#include <poll.h>
+#include <pthread.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <map>
+#include <stdexcept>
+
+#include "simulator/factory_defaults.h"
+#include "simulator/program/address_book.h"
+#include "simulator/program/command.h"
+#include "simulator/program/control_commands.h"
+#include "simulator/program/control_socket.h"
+#include "simulator/program/private_folder.h"
+#include "state_document/save_file.h"
+#include "terminal/printable.h"
+
+namespace simulator {
+namespace {
+
+// Reads everything before anything starts.
+std::vector<Builder> Prepare(const ProgramOptions& options) {
+  const Options& wanted = options.device;
+  std::vector<Builder> devices(static_cast<std::size_t>(options.devices));
+  for (std::size_t i = 0; i < devices.size(); ++i) {
+    devices[i].Ports(wanted.network_manager_port, wanted.dapi_port);
+    devices[i].Sockets(wanted.network_manager_socket, wanted.dapi_socket, wanted.socket_mode);
+    devices[i].With([&](Device& it) {
+      const int number = static_cast<int>(i) + 1;
+      it = FactoryDefaults(wanted.tx_channels, wanted.rx_channels, number);
+    });
+    if (!options.states.empty())
+      devices[i].StateFile(options.states[options.states.size() == 1 ? 0 : i]);
+    if (!options.names.empty())
+      devices[i].With([&](Device& it) { it.dante.name = options.names[i]; });
+    for (const Fault& fault : options.faults) devices[i].Inject(fault);
+  }
+  return devices;
+}
+
+// Before anything starts, too.
+void CheckSaves(const std::vector<std::string>& files) {
+  std::map<std::string, std::string> named;
+  for (const std::string& file : files) {
+    const auto [other, is_new] = named.emplace(state_document::CheckSavable(file), file);
+    if (!is_new)
+      throw std::runtime_error("cannot save two devices to one file: " + other->second + " and " +
+                               file);
+  }
+}
+
+// What the ready line says, each "name=value".
+std::vector<std::string> Variables(const Simulator& device, const std::string& control) {
+  std::vector<std::string> variables{"network_manager_url=" + device.NetworkManagerUrl(),
+                                     "grpc_dapi_url=" + device.DapiUrl()};
+  if (!control.empty()) variables.push_back("control=unix:" + control);
+  return variables;
+}
+
+std::string ReadyLines(const std::vector<Simulator>& devices, const std::string& control) {
+  std::string lines;
+  for (const Simulator& device : devices) {
+    lines += "ready";
+    for (const std::string& variable : Variables(device, control)) lines += ' ' + variable;
+    lines += '\n';
+  }
+  return lines;
+}
+
+// Writes the devices to the address book; returns what is to be printed instead.
+std::string UseBook(std::vector<Simulator>& devices, const std::string& file) {
+  std::string text;
+  if (file.empty()) return text;
+  for (Simulator& device : devices) {
+    const std::string name = device.WithDevice([](const Device& it) { return it.dante.name; });
+    const BookEntry entry{name, device.NetworkManagerUrl(), device.DapiUrl()};
+    file == "-" ? void(text += ToToml(entry)) : WriteToBook(file, entry);
+  }
+  return text;
+}
+
+void Print(const std::string& text) {
+  if (!(std::cout << text << std::flush))
+    throw std::runtime_error(std::string("cannot print the ready line: standard output: ") +
+                             std::strerror(errno));
+}
+
+bool IsIgnored(int signal) {
+  struct sigaction action {};
+  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+sigset_t EndingSignals() {
+  sigset_t ending;
+  sigemptyset(&ending);
+  sigaddset(&ending, SIGTERM);
+  sigaddset(&ending, SIGINT);
+  if (!IsIgnored(SIGHUP)) sigaddset(&ending, SIGHUP);  // ignored by nohup
+  return ending;
+}
+
+// Writes every state that can be written. False if one cannot.
+bool SaveAll(std::vector<Simulator>& devices, const std::vector<std::string>& files) {
+  bool are_saved = true;
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    try {
+      devices[i].SaveState(files[i]);
+    } catch (const std::exception& error) {
+      PrintError(error);
+      are_saved = false;
+    }
+  }
+  return are_saved;
+}
+
+// Until one of the signals comes, which all threads block, or the process ends; a
+// closed descriptor stands for none.
+void WaitForEnd(const sigset_t& ending, const Descriptor& process) {
+  const Descriptor signals(signalfd(-1, &ending, SFD_CLOEXEC));
+  std::array<pollfd, 2> awaited{{{signals.Get(), POLLIN, 0}, {process.Get(), POLLIN, 0}}};
+  while (poll(awaited.data(), awaited.size(), -1) < 0) {
+  }
+}
+
+// Before any thread starts, so that every thread leaves the signals to the main one.
+sigset_t PrepareSignals() {
+  const sigset_t ending = EndingSignals();
+  pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+  // A closed standard output or error, or a limit of the size of files, must not
+  // keep the states from being saved: these are reported as errors.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  return ending;
+}
+
+// The process to end with; 0 for none.
+pid_t Companion(const ProgramOptions& options) {
+  if (options.pid != 0) return options.pid;
+  return options.export_to.has_value() ? CallingShell() : 0;
+}
+
+std::string CompanionText(const ProgramOptions& options) {
+  return options.pid != 0 ? "process " + std::to_string(options.pid) : "this shell";
+}
+
+}  // namespace
+
+int Serve(const ProgramOptions& options) {
+  const Command command(options.command);
+  const std::vector<Builder> prepared = Prepare(options);
+  CheckSaves(options.saves);
+  const pid_t companion = Companion(options);
+  const Descriptor watched = companion != 0 ? WatchProcess(companion) : Descriptor();
+  Background background;
+  if (options.export_to.has_value())
+    if (const std::optional<int> status = background.Start()) return *status;
+  const sigset_t ending = PrepareSignals();
+  // gRPC's own lines about a port in use say less than the error below. A user who
+  // wants them sets the variable.
+  setenv("GRPC_VERBOSITY", "NONE", 0);
+
+  std::vector<Simulator> devices;
+  std::optional<PrivateFolder> folder;
+  if (options.has_private_control) folder.emplace();
+  const std::string path = folder.has_value() ? folder->Path() + "/control" : options.control;
+  std::optional<ControlSocket> control;
+  if (!path.empty()) control.emplace(path);
+  for (const Builder& builder : prepared) devices.push_back(builder.Start());
+  if (control.has_value())
+    control->Serve(
+        [&devices](const std::string& request) { return AnswerControlRequest(devices, request); });
+  const std::string entries = UseBook(devices, options.address_book);
+  const std::vector<std::string> variables = Variables(devices.front(), path);
+  int status = EXIT_SUCCESS;
+  if (!options.command.empty()) {
+    status = command.Run(variables, ending);
+  } else {
+    if (options.export_to.has_value())
+      background.Ready(ExportLines(*options.export_to, variables, CompanionText(options)));
+    else
+      Print(ReadyLines(devices, path) + entries);
+    WaitForEnd(ending, watched);
+  }
+
+  control.reset();
+  for (Simulator& device : devices) device.Stop();
+  if (!SaveAll(devices, options.saves) && status == EXIT_SUCCESS) status = kFailed;
+  return status;
+}
+
+void PrintError(const std::exception& error) {
+  std::cerr << kProgramName << ": " << terminal::Printable(error.what()) << '\n';
+}
+
+}  // namespace simulator
