@@ -45,11 +45,18 @@ void CallLog::Clear() {
 bool CallLog::WaitFor(const std::string& method, std::size_t count,
                       std::chrono::milliseconds limit) {
   std::unique_lock<std::mutex> lock(mutex);
-  return recorded.wait_for(lock, limit, [&] {
-    return static_cast<std::size_t>(std::count_if(
-               calls.begin(), calls.end(),
-               [&](const ReceivedCall& call) { return Matches(method, call.method); })) >= count;
-  });
+  return recorded.wait_for(lock, limit, [&] { return CountLocked(method) >= count; });
+}
+
+std::size_t CallLog::Count(const std::string& method) const {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return CountLocked(method);
+}
+
+std::size_t CallLog::CountLocked(const std::string& method) const {
+  return static_cast<std::size_t>(
+      std::count_if(calls.begin(), calls.end(),
+                    [&](const ReceivedCall& call) { return Matches(method, call.method); }));
 }
 
 }  // namespace simulator

@@ -31,11 +31,15 @@ class CallLog {
   std::vector<ReceivedCall> Calls() const;
   /// Removes all calls; numbers go on.
   void Clear();
-  /// Waits until at least `count` calls of the method, in the form of
-  /// Fault::method, are recorded. False if the limit is reached first.
+  /// The recorded calls of the method, in the form of Fault::method.
+  std::size_t Count(const std::string& method) const;
+  /// Waits until at least `count` of them are recorded. False if the limit is reached
+  /// first.
   bool WaitFor(const std::string& method, std::size_t count, std::chrono::milliseconds limit);
 
  private:
+  std::size_t CountLocked(const std::string& method) const;
+
   mutable std::mutex mutex;
   std::condition_variable recorded;
   std::deque<ReceivedCall> calls;

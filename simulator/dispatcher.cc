@@ -3,6 +3,8 @@
 #include <grpcpp/alarm.h>
 
 #include <chrono>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "simulator/byte_buffer.h"
@@ -48,12 +50,13 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
   void OnReadDone(bool ok) override {
     if (!ok) return Finish({grpc::StatusCode::INTERNAL, "no request"});
     bytes = ToString(request);
-    const std::string name = FullName(dispatcher.daemon, method->name);
-    TakeFault(name);
-    dispatcher.device.calls.Record(
-        {0, name, method->show(bytes).dump(), fault.method.empty() ? "" : ToString(fault)});
-    if (fault.delay_ms == 0) return Act();
-    if (!ActLater()) Finish(grpc::Status::CANCELLED);
+    const auto& hold = dispatcher.device.hooks.hold;
+    if (!hold) return Resume(true);
+    if (!held->Take(this)) return Finish(grpc::Status::CANCELLED);
+    const auto resume = [held = held](bool is_answered) {
+      if (Call* const call = held->Release()) call->Resume(is_answered);
+    };
+    if (!hold(Name(), resume)) resume(true);
   }
 
   /// Answers as usual.
@@ -64,11 +67,11 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
   }
 
   void OnCancel() override {
-    bool ends = false;
+    bool ends = held->Cancel();
     {
       const std::lock_guard<std::mutex> lock(dispatcher.mutex);
       is_cancelled = true;
-      ends = dispatcher.frozen.erase(this) != 0 && is_held;
+      ends = ends || (dispatcher.frozen.erase(this) != 0 && is_held);
       if (is_late) late.Cancel();
     }
     if (ends) Finish(grpc::Status::CANCELLED);
@@ -82,6 +85,45 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
   bool IsHeld() const { return is_held; }
 
  private:
+  // A call that a hook holds. It outlives the call, which the client can end before.
+  class Held {
+   public:
+    /// False for a cancelled call.
+    bool Take(Call* held_call) {
+      const std::lock_guard<std::mutex> lock(mutex);
+      if (!is_cancelled) call = held_call;
+      return !is_cancelled;
+    }
+    /// The call, for one caller; null for all others.
+    Call* Release() {
+      const std::lock_guard<std::mutex> lock(mutex);
+      return std::exchange(call, nullptr);
+    }
+    /// True if the call was held.
+    bool Cancel() {
+      const std::lock_guard<std::mutex> lock(mutex);
+      is_cancelled = true;
+      return std::exchange(call, nullptr) != nullptr;
+    }
+
+   private:
+    std::mutex mutex;
+    Call* call = nullptr;
+    bool is_cancelled = false;
+  };
+
+  std::string Name() const { return FullName(dispatcher.daemon, method->name); }
+
+  void Resume(bool is_answered) {
+    if (!is_answered) return Drop();
+    TakeFault(Name());
+    dispatcher.device.calls.Record(
+        {0, Name(), method->show(bytes).dump(), fault.method.empty() ? "" : ToString(fault)});
+    if (dispatcher.device.hooks.recorded) dispatcher.device.hooks.recorded();
+    if (fault.delay_ms == 0) return Act();
+    if (!ActLater()) Finish(grpc::Status::CANCELLED);
+  }
+
   // In one step with the entry in `frozen`, so that a thaw finds every call whose
   // fault was taken before the fault was removed.
   void TakeFault(const std::string& name) {
@@ -109,9 +151,13 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
       case FaultKind::kFreeze:
         return Freeze();
       case FaultKind::kDrop:
-        DropConnectionOf(peer);
-        return Finish(grpc::Status::CANCELLED);
+        return Drop();
     }
+  }
+
+  void Drop() {
+    DropConnectionOf(peer);
+    Finish(grpc::Status::CANCELLED);
   }
 
   // False for a cancelled call, which nothing else would end.
@@ -151,6 +197,7 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
   bool is_held = false;  // nothing is left to do but to wait for a thaw
   bool is_late = false;  // `late` is set
   grpc::Alarm late;
+  const std::shared_ptr<Held> held = std::make_shared<Held>();
 };
 
 Dispatcher::~Dispatcher() {

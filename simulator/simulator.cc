@@ -1,12 +1,14 @@
 #include "simulator/simulator.h"
 
 #include <array>
+#include <stdexcept>
 
 #include "simulator/connections.h"
 #include "simulator/dispatcher.h"
 #include "simulator/factory_defaults.h"
 #include "simulator/local_server.h"
 #include "simulator/state.h"
+#include "simulator/state_path.h"
 
 namespace simulator {
 namespace {
@@ -65,8 +67,8 @@ class SimulatedDaemon {
 
 class Simulator::Implementation {
  public:
-  Implementation(const Options& options, const Device& initial)
-      : device(initial),
+  Implementation(const Options& options, const Device& initial, const Hooks& hooks)
+      : device(initial, hooks),
         network_manager(
             Daemon::kNetworkManager, device,
             {options.network_manager_port, options.network_manager_socket, options.socket_mode}),
@@ -82,10 +84,11 @@ class Simulator::Implementation {
 };
 
 Simulator::Simulator(const Options& options)
-    : Simulator(options, FactoryDefaults(options.tx_channels, options.rx_channels), {}) {}
+    : Simulator(options, FactoryDefaults(options.tx_channels, options.rx_channels), {}, {}) {}
 
-Simulator::Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults)
-    : implementation(std::make_unique<Implementation>(options, device)) {
+Simulator::Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults,
+                     const Hooks& hooks)
+    : implementation(std::make_unique<Implementation>(options, device, hooks)) {
   for (const Fault& fault : faults) Inject(fault);
 }
 
@@ -108,6 +111,31 @@ State Simulator::CurrentState() {
 std::string Simulator::StateJson() { return WriteState(CurrentState()); }
 
 void Simulator::SaveState(const std::string& file) { simulator::SaveState(file, CurrentState()); }
+
+void Simulator::Set(const std::vector<StateChange>& changes) {
+  const auto [lock, device] = Lock();
+  Json document = ToJson({device, {}});
+  for (const StateChange& change : changes) Change(document, change);
+  try {
+    device = ReadState(document.dump(), "", {device, {}}).device;
+  } catch (const BadDocument& bad) {
+    const std::string why = bad.what();  // ":1: PATH: reason"
+    throw std::runtime_error("cannot set " + why.substr(why.find(' ') + 1));
+  }
+}
+
+void Simulator::Load(const std::string& document) {
+  const state_document::Document read(document, "state");
+  const bool has_faults = read.Root().contains("faults");
+  State state;
+  {
+    const auto [lock, device] = Lock();
+    state = ReadState(read, {device, {}});
+    device = state.device;
+  }
+  if (has_faults) ClearFaults();
+  for (const Fault& fault : state.faults) Inject(fault);
+}
 
 void Simulator::Inject(const Fault& fault) {
   Check(fault);
@@ -139,6 +167,11 @@ void Simulator::StartDaemon(Daemon which) {
   implementation->Of(which).Start();
 }
 
+void Simulator::RestartDaemon(Daemon which) {
+  StopDaemon(which);
+  StartDaemon(which);
+}
+
 void Simulator::DropConnections(Daemon which) {
   DropConnectionsTo(implementation->Of(which).Url());
 }
@@ -146,6 +179,11 @@ void Simulator::DropConnections(Daemon which) {
 std::vector<ReceivedCall> Simulator::Calls() const { return implementation->device.calls.Calls(); }
 
 void Simulator::ForgetCalls() { implementation->device.calls.Clear(); }
+
+std::size_t Simulator::CountCalls(const std::string& method) const {
+  CheckPattern(method);
+  return implementation->device.calls.Count(method);
+}
 
 bool Simulator::WaitForCalls(const std::string& method, std::size_t count,
                              std::chrono::milliseconds limit) {
@@ -202,6 +240,11 @@ Builder& Builder::Sockets(const std::string& network_manager, const std::string&
   return *this;
 }
 
-Simulator Builder::Start() const { return {options, device, faults}; }
+Builder& Builder::With(const Hooks& wanted) {
+  hooks = wanted;
+  return *this;
+}
+
+Simulator Builder::Start() const { return {options, device, faults, hooks}; }
 
 }  // namespace simulator

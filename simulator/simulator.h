@@ -25,7 +25,9 @@
 
 #include "simulator/call_log.h"
 #include "simulator/fault.h"
+#include "simulator/hooks.h"
 #include "simulator/model.h"
+#include "simulator/state_change.h"
 
 namespace simulator {
 
@@ -70,6 +72,14 @@ class Simulator {
   /// all. Throws std::runtime_error.
   void SaveState(const std::string& file);
 
+  /// Changes members of the state document, all or, if one cannot be changed, none.
+  /// Calls meet the old or the new state. Throws std::runtime_error, which names the
+  /// culprit.
+  void Set(const std::vector<StateChange>& changes);
+  /// Takes over a state document; members that it lacks keep their values. Throws
+  /// std::runtime_error.
+  void Load(const std::string& document);
+
   // --- Faults (see fault.h) ---
 
   /// Acts from the next call on. Throws BadFault.
@@ -86,6 +96,8 @@ class Simulator {
   void StopDaemon(Daemon which);
   /// Starts it on the same port. Throws std::runtime_error if that is in use.
   void StartDaemon(Daemon which);
+  /// Stops and starts it; its state stays.
+  void RestartDaemon(Daemon which);
   /// Drops every connection to one daemon, which continues to serve.
   void DropConnections(Daemon which);
 
@@ -95,6 +107,9 @@ class Simulator {
   /// but always the latest.
   std::vector<ReceivedCall> Calls() const;
   void ForgetCalls();
+  /// The recorded calls of the method, in the form of Fault::method. Throws BadFault if
+  /// it matches no method.
+  std::size_t CountCalls(const std::string& method) const;
   /// Waits until at least `count` calls of the method, in the form of
   /// Fault::method, are recorded. False if the limit is reached first.
   bool WaitForCalls(const std::string& method, std::size_t count = 1,
@@ -107,7 +122,8 @@ class Simulator {
   friend class Builder;
   class Implementation;
 
-  Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults);
+  Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults,
+            const Hooks& hooks);
   State CurrentState();
   std::pair<std::unique_lock<std::mutex>, Device&> Lock();
 
@@ -136,6 +152,7 @@ class Builder {
   Builder& StateJson(const std::string& document);
   /// Runs `change` with the model.
   Builder& With(const std::function<void(Device&)>& change);
+  Builder& With(const Hooks& wanted);
   /// Throws BadFault.
   Builder& Inject(const Fault& fault);
   /// The same, from the string form.
@@ -155,6 +172,7 @@ class Builder {
   Options options;
   Device device;
   std::vector<Fault> faults;
+  Hooks hooks;
 };
 
 }  // namespace simulator

@@ -2,9 +2,9 @@
 
 #include <limits>
 #include <set>
+#include <utility>
 
 #include "simulator/state_members.h"
-#include "state_document/document.h"
 #include "state_document/save_file.h"
 
 namespace simulator {
@@ -21,17 +21,6 @@ void CheckFaults(const Document& document, const std::vector<Fault>& faults) {
       document.Reject("faults", i, bad.what());
     }
   }
-}
-
-State FromDocument(const Document& document, const State& defaults) {
-  State state = defaults;
-  Reader reader(document.Root());
-  Members(reader, state);
-  if (reader.Has("faults")) CheckFaults(document, state.faults);
-  const std::string hostname = defaults.device.factory_network.hostname;
-  state.device.factory_network = FactoryDefaultNetwork(state.device.network);
-  state.device.factory_network.hostname = hostname;
-  return state;
 }
 
 }  // namespace
@@ -73,19 +62,32 @@ void SetRoutes(const std::vector<Route>& routes, Dante& dante) {
       dante.links[route.rx_channel] = route.link;
 }
 
+State ReadState(const state_document::Document& document, const State& defaults) {
+  State state = defaults;
+  Reader reader(document.Root());
+  Members(reader, state);
+  if (reader.Has("faults")) CheckFaults(document, state.faults);
+  const std::string hostname = defaults.device.factory_network.hostname;
+  state.device.factory_network = FactoryDefaultNetwork(state.device.network);
+  state.device.factory_network.hostname = hostname;
+  return state;
+}
+
 State ReadState(const std::string& text, const std::string& name, const State& defaults) {
-  return FromDocument(Document(text, name), defaults);
+  return ReadState(Document(text, name), defaults);
 }
 
 State LoadState(const std::string& file, const State& defaults) {
-  return FromDocument(state_document::ReadFile(file), defaults);
+  return ReadState(state_document::ReadFile(file), defaults);
 }
 
-std::string WriteState(State state) {
+Json ToJson(State state) {
   Writer writer;
   Members(writer, state);
-  return state_document::ToText(writer.Take());
+  return writer.Take();
 }
+
+std::string WriteState(State state) { return state_document::ToText(ToJson(std::move(state))); }
 
 void SaveState(const std::string& file, const State& state) {
   state_document::SaveFile(file, WriteState(state));

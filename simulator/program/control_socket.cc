@@ -26,10 +26,9 @@ using Clock = std::chrono::steady_clock;
 // How long one client may take to send its request, and to read the answer.
 constexpr std::chrono::seconds kRequestLimit{2};
 constexpr std::chrono::seconds kAnswerLimit{20};
-constexpr std::size_t kMostClients = 32;  // at once; others wait until they are accepted
+constexpr std::size_t kMostClients = 256;  // at once; others wait until they are accepted
 
-constexpr timeval kAskLimit{20, 0};
-constexpr std::size_t kLongestRequest = 65536;
+constexpr std::size_t kLongestRequest = std::size_t{64} * 1024 * 1024;  // with a state
 constexpr std::size_t kLongestAnswer = std::size_t{256} * 1024 * 1024;
 
 constexpr const char* kWhat = "control socket";
@@ -61,6 +60,7 @@ bool ReceiveLine(const Descriptor& socket, std::size_t longest, std::string& lin
   while (line.size() <= longest) {
     const ssize_t size = recv(socket.Get(), part.data(), part.size(), 0);
     if (size < 0 && errno == EINTR) continue;
+    if (size == 0) errno = ECONNRESET;
     if (size <= 0) return false;
     line.append(part.data(), static_cast<std::size_t>(size));
     if (line.back() != '\n') continue;
@@ -94,7 +94,21 @@ class ControlSocket::Client {
 
   /// Receives or sends what is possible without waiting. False when the client is
   /// served or cannot be.
-  bool Continue(const Answer& to) { return answer.empty() ? Receive(to) : Send(); }
+  bool Continue(const Answer& to) {
+    if (waits) return false;  // it sends more, or is gone
+    return answer.empty() ? Receive(to) : Send();
+  }
+  bool Waits() const { return waits; }
+
+  /// Answers the request, or waits for Retry.
+  bool Ask(const Answer& to) {
+    const std::optional<std::string> now = to(request);
+    waits = !now.has_value();
+    deadline = waits ? Clock::time_point::max() : Clock::now() + kAnswerLimit;
+    if (waits) return true;
+    answer = *now + '\n';
+    return Send();
+  }
 
  private:
   bool Receive(const Answer& to) {
@@ -105,9 +119,7 @@ class ControlSocket::Client {
     const std::size_t end = request.find('\n', request.size() - static_cast<std::size_t>(size));
     if (end == std::string::npos) return size > 0 && request.size() <= kLongestRequest;
     request.resize(end);
-    answer = to(request) + '\n';
-    deadline = Clock::now() + kAnswerLimit;
-    return Send();
+    return Ask(to);
   }
 
   bool Send() {
@@ -121,7 +133,8 @@ class ControlSocket::Client {
   Descriptor socket;
   Clock::time_point deadline = Clock::now() + kRequestLimit;
   std::string request;
-  std::string answer;  // empty until the request is complete
+  std::string answer;  // empty until there is one
+  bool waits = false;  // for it, with a complete request
   std::size_t sent = 0;
 };
 
@@ -131,9 +144,13 @@ ControlSocket::ControlSocket(std::string wanted_path)
   listening = ListenOnUnixSocket(path, 0600, kWhat);
 }
 
-ControlSocket::~ControlSocket() {
+void ControlSocket::Stop() {
   Signal(ending);
   if (thread.joinable()) thread.join();
+}
+
+ControlSocket::~ControlSocket() {
+  Stop();
   unlink(path.c_str());
 }
 
@@ -145,16 +162,19 @@ void ControlSocket::Run(const Answer& answer) {
   std::list<Client> clients;
   while (true) {
     const bool is_ready = acceptor.IsReady();
-    std::vector<pollfd> awaited{{ending.Get(), POLLIN, 0}};
+    std::vector<pollfd> awaited{{ending.Get(), POLLIN, 0}, {retrying.Get(), POLLIN, 0}};
     for (const Client& client : clients) awaited.push_back(client.Awaited());
     const bool accepts = is_ready && clients.size() < kMostClients;
     if (accepts) awaited.push_back({listening.Get(), POLLIN, 0});
 
     if (poll(awaited.data(), awaited.size(), TimeLimit(clients, is_ready)) < 0) continue;
     if (awaited[0].revents != 0) return;
-    std::size_t i = 1;
+    std::uint64_t times = 0;
+    const bool retries = awaited[1].revents != 0 && read(retrying.Get(), &times, sizeof times) > 0;
+    std::size_t i = 2;
     for (auto client = clients.begin(); client != clients.end(); ++i) {
-      const bool is_open = awaited[i].revents == 0 || client->Continue(answer);
+      bool is_open = awaited[i].revents == 0 || client->Continue(answer);
+      if (is_open && retries && client->Waits()) is_open = client->Ask(answer);
       const bool stays = is_open && Clock::now() < client->Deadline();
       client = stays ? std::next(client) : clients.erase(client);
     }
@@ -171,21 +191,24 @@ int ControlSocket::TimeLimit(const std::list<Client>& clients, bool is_ready) {
   auto first = Clock::time_point::max();
   for (const Client& client : clients) first = std::min(first, client.Deadline());
   if (!is_ready) first = std::min(first, Clock::now() + milliseconds(Acceptor::kRetryMs));
+  if (first == Clock::time_point::max()) return -1;
   const auto left = std::chrono::ceil<milliseconds>(first - Clock::now());
   return static_cast<int>(std::max(left, milliseconds(0)).count());
 }
 
-std::string AskControl(const std::string& path, const std::string& request) {
+std::optional<std::string> AskControl(const std::string& path, const std::string& request,
+                                      std::chrono::milliseconds limit) {
   const Descriptor socket = ConnectToUnixSocket(path, kWhat);
   if (!socket.IsOpen())
     Throw("connect to", path,
           std::string(std::strerror(errno)) + "; start a simulator with --control");
-  setsockopt(socket.Get(), SOL_SOCKET, SO_RCVTIMEO, &kAskLimit, sizeof kAskLimit);
-  setsockopt(socket.Get(), SOL_SOCKET, SO_SNDTIMEO, &kAskLimit, sizeof kAskLimit);
+  const timeval time{limit.count() / 1000, limit.count() % 1000 * 1000};
+  setsockopt(socket.Get(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
+  setsockopt(socket.Get(), SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
   std::string answer;
-  if (!SendLine(socket, request) || !ReceiveLine(socket, kLongestAnswer, answer))
-    Throw("use", path, "no answer");
-  return answer;
+  if (SendLine(socket, request) && ReceiveLine(socket, kLongestAnswer, answer)) return answer;
+  if (errno == EAGAIN) return std::nullopt;
+  Throw("use", path, "no answer");
 }
 
 }  // namespace simulator

@@ -2,8 +2,10 @@
 // or read slowly hold up neither others nor the end.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <list>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -14,7 +16,8 @@ namespace simulator {
 
 class ControlSocket {
  public:
-  using Answer = std::function<std::string(const std::string& request)>;
+  /// None yet: to be asked again after Retry.
+  using Answer = std::function<std::optional<std::string>(const std::string& request)>;
 
   /// Listens on `path`, which only this user can connect to: creates the folder
   /// with mode 0700 if it does not exist, and the socket with mode 0600. Throws std::runtime_error,
@@ -29,6 +32,12 @@ class ControlSocket {
   /// Answers requests from now on, in a thread of its own. To be called once.
   void Serve(Answer answer);
 
+  /// Stops answering.
+  void Stop();
+
+  /// Asks again for the answers that were none yet. For any thread.
+  void Retry() { Signal(retrying); }
+
  private:
   class Client;
 
@@ -39,11 +48,13 @@ class ControlSocket {
   Acceptor acceptor;
   Descriptor listening;
   Descriptor ending = MakeEvent();  // readable when the thread is to end
+  Descriptor retrying = MakeEvent();
   std::thread thread;
 };
 
-/// Sends one line to the socket at `path` and returns the answer. Throws
-/// std::runtime_error if there is none within 20 seconds.
-std::string AskControl(const std::string& path, const std::string& request);
+/// Sends one line to the socket at `path` and returns the answer; none if there is none
+/// within this time. Throws std::runtime_error.
+std::optional<std::string> AskControl(const std::string& path, const std::string& request,
+                                      std::chrono::milliseconds limit);
 
 }  // namespace simulator

@@ -38,6 +38,7 @@ std::string ExitStatusSection() {
                 "a port or file cannot be used or a state is invalid; with ctl: no simulator can "
                 "be reached, or it rejected the command") +
           Entry("2", "the command line is wrong") +
+          Entry("3", "the time limit of ctl wait has passed") +
           Entry("N",
                 "with run: the exit status of COMMAND, or 128 plus the signal that ended it; 127 "
                 "if it is not found, 126 if it cannot be run"));
@@ -81,6 +82,8 @@ std::string MoreHelp(const CLI::App& command, bool /*all*/) {
              "networkgrpc-simulator --control auto",
              "networkgrpc-simulator ctl fault 'GetName:status=INTERNAL,message=busy'",
              "networkgrpc-simulator ctl calls",
+             "networkgrpc-simulator ctl set 'network.interfaces[lan0].speed' none",
+             "networkgrpc-simulator ctl wait GetName --timeout 5 || [ $? = 3 ]",
              "networkgrpc-simulator ctl stop DAPI",
              "networkgrpc-simulator ctl start DAPI",
              "networkgrpc-simulator ctl clear all",

@@ -124,6 +124,8 @@ void DescribeState(CLI::App& app, ProgramOptions& options, std::vector<std::stri
                 "Write the state to this regular file at exit; once for each device");
   AddRepeatable(app, "--fault", faults, "METHOD:FAULT",
                 "Inject a fault on every device; can be repeated");
+  AddRepeatable(app, "--scenario", options.scenarios, "FILE",
+                "Carry out the steps in this JSON file; can be repeated");
   terminal::AddInteger(
       app, "--devices", options.devices,
       "Number of devices, each with its own ports, names, addresses and ready line, 1 to " +
@@ -218,7 +220,7 @@ void CheckCtl(const CLI::App& app) {
 void AddCommand(CLI::App& ctl, ProgramOptions& options, const std::string& name,
                 const std::string& description) {
   ctl.add_subcommand(name, description)->fallthrough()->callback([&options, name] {
-    options.requests.push_back({name, "", 1});
+    options.requests.push_back({name, ""});
   });
 }
 
@@ -234,11 +236,60 @@ void AddCommand(CLI::App& ctl, ProgramOptions& options, const std::string& name,
   const auto values = std::make_shared<std::vector<std::string>>();
   command->add_option(argument.name, *values, argument.description)->required();
   command->callback([&options, name, values] {
-    for (const std::string& value : *values) options.requests.push_back({name, value, 1});
+    for (const std::string& value : *values) options.requests.push_back({name, value});
   });
 }
 
-void DescribeCtl(CLI::App& app, ProgramOptions& options, std::string& control, int& device) {
+// `words` are those behind the command (see CutRest).
+void AddSet(CLI::App& ctl, ProgramOptions& options, const std::vector<std::string>& words) {
+  CLI::App* const set = ctl.add_subcommand(
+      "set", "Change members of the state, all or none; the options of ctl come before it");
+  set->fallthrough();
+  set->add_option("PATH VALUE",
+                  "A member of the state file, such as network.interfaces[lan0].speed, and its new "
+                  "value: a string, a name, or JSON")
+      ->expected(0, 2);
+  set->callback([&options, &words] {
+    if (words.empty()) throw CLI::RequiredError("PATH VALUE");
+    if (words.size() % 2 != 0)
+      throw CLI::ValidationError("set", "no VALUE given for " + words.back());
+    Json changes = Json::object();
+    for (std::size_t i = 0; i < words.size(); i += 2) changes[words[i]] = words[i + 1];
+    options.requests.push_back({"set", changes});
+  });
+}
+
+void AddLoad(CLI::App& ctl, ProgramOptions& options) {
+  CLI::App* const load =
+      ctl.add_subcommand("load", "Take over a state file; members that it lacks keep their values");
+  load->fallthrough();
+  load->add_option("FILE", options.loaded, "A state file, as for --state")->required();
+  load->callback([&options] { options.requests.push_back({"load", ""}); });
+}
+
+void AddWait(CLI::App& ctl, ProgramOptions& options) {
+  CLI::App* const wait = ctl.add_subcommand(
+      "wait", "Wait until calls of a method have been received, since the start or forget");
+  wait->fallthrough();
+  const auto request = std::make_shared<CtlRequest>();
+  const auto method = std::make_shared<std::string>();
+  request->command = "wait";
+  wait->add_option("METHOD", *method, "As for --fault, for example SetName or DAPI.*")->required();
+  terminal::AddInteger(*wait, "--count", request->count, "Number of calls; default 1",
+                       std::size_t{1}, std::size_t{10000})
+      ->type_name("N");
+  wait->add_option("--timeout", request->timeout,
+                   "Seconds after which the exit status is 3; default 20")
+      ->check(terminal::Seconds(0.001))
+      ->type_name("S");
+  wait->callback([&options, request, method] {
+    request->argument = *method;
+    options.requests.push_back(*request);
+  });
+}
+
+void DescribeCtl(CLI::App& app, ProgramOptions& options, const std::vector<std::string>& rest,
+                 std::string& control, int& device) {
   CLI::App* const ctl = app.add_subcommand("ctl", "Query or change a running simulator");
   ctl->require_subcommand(1);
   ctl->add_option("--control", control,
@@ -253,12 +304,16 @@ void DescribeCtl(CLI::App& app, ProgramOptions& options, std::string& control, i
   AddCommand(*ctl, options, "calls",
              "Print the calls received with their requests, one JSON object per line");
   AddCommand(*ctl, options, "forget", "Forget the calls received");
+  AddWait(*ctl, options);
+  AddSet(*ctl, options, rest);
+  AddLoad(*ctl, options);
   AddCommand(*ctl, options, "faults", "Print the faults, one per line");
   AddCommand(*ctl, options, "fault", "Add faults", {"FAULT", "METHOD:FAULT, as for --fault"});
   AddCommand(*ctl, options, "clear", "Clear faults",
              {"METHOD", "The METHOD as given with the fault; all for all faults"});
   AddCommand(*ctl, options, "stop", "Stop a daemon", daemon);
   AddCommand(*ctl, options, "start", "Start a stopped daemon", daemon);
+  AddCommand(*ctl, options, "restart", "Stop and start a daemon", daemon);
   AddCommand(*ctl, options, "drop", "Close the connections to a daemon", daemon);
 }
 
@@ -270,16 +325,19 @@ void DescribeRun(CLI::App& app, ProgramOptions& options) {
                   "The command and its arguments, after --; it finds the first device");
 }
 
-// Cuts off what follows -- of run: CLI11 would look for options in it. Returns the
-// number of words that are left.
-int CutCommand(int argc, char** argv, std::vector<std::string>& command) {
+bool IsHelp(const std::string& word) { return word == "-h" || word == "--help"; }
+
+// Cuts off what follows -- of run, or set of ctl: CLI11 would look for options, commands
+// and lists in it. Returns the number of words that are left.
+int CutRest(int argc, char** argv, std::vector<std::string>& rest) {
   char** const end = argv + argc;
   char** const name = std::find_if(
       argv, end, [](const std::string& word) { return word == "run" || word == "ctl"; });
-  char** const mark = std::find(name, end, std::string("--"));
-  if (mark == end || *name != std::string("run")) return argc;
-  command.assign(mark + 1, end);
-  return static_cast<int>(mark - argv);
+  const bool is_ctl = name != end && *name == std::string("ctl");
+  char** const mark = std::find(name, end, std::string(is_ctl ? "set" : "--"));
+  if (mark == end || (is_ctl && mark + 1 != end && IsHelp(mark[1]))) return argc;
+  rest.assign(mark + 1, end);
+  return static_cast<int>(mark - argv) + (is_ctl ? 1 : 0);
 }
 
 std::vector<Fault> ParseFaults(const std::vector<std::string>& texts) {
@@ -312,10 +370,11 @@ ProgramOptions Parse(CLI::App& app, int argc, char** argv) {
   DescribeUse(app, options);
   DescribeExport(app, options);
   DescribeRun(app, options);
-  DescribeCtl(app, options, ctl_control, ctl_device);
-  std::vector<std::string> command;
-  app.parse(CutCommand(argc, argv, command), argv);
-  options.command.insert(options.command.end(), command.begin(), command.end());
+  std::vector<std::string> rest;
+  DescribeCtl(app, options, rest, ctl_control, ctl_device);
+  app.parse(CutRest(argc, argv, rest), argv);
+  if (app.got_subcommand("run"))
+    options.command.insert(options.command.end(), rest.begin(), rest.end());
   if (app.got_subcommand("run")) CheckRun(app);
   if (app.got_subcommand("run") && options.command.empty()) throw CLI::RequiredError("COMMAND");
   app.got_subcommand("ctl") ? CheckCtl(app) : CheckTogether(options);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "simulator/json.h"
 #include "simulator/program/background.h"
 #include "simulator/simulator.h"
 
@@ -16,8 +17,10 @@ inline constexpr const char* kProgramName = "networkgrpc-simulator";
 
 /// A request to a running simulator.
 struct CtlRequest {
-  std::string command;   // as in control_commands.h
-  std::string argument;  // empty when the command has none
+  std::string command;    // as in control_commands.h
+  Json argument;          // "" when the command has none
+  std::size_t count = 1;  // of wait
+  double timeout = 20;    // seconds
   int device = 1;
 };
 
@@ -27,6 +30,7 @@ struct ProgramOptions {
   std::vector<std::string> names;   // none, or one for each device
   std::vector<std::string> states;  // none, one for all, or one for each device
   std::vector<std::string> saves;   // none, or one for each device
+  std::vector<std::string> scenarios;
   std::vector<Fault> faults;
   std::string control;               // path of the socket, empty for none
   bool has_private_control = false;  // the socket is in a PrivateFolder
@@ -34,6 +38,7 @@ struct ProgramOptions {
   pid_t pid = 0;                     // of the process to end with, 0 for none
   std::optional<Shell> export_to;
   std::vector<std::string> command;  // of run, empty for none
+  std::string loaded;                // file of ctl load
   std::vector<CtlRequest> requests;  // if not empty, the command line is that of ctl
 };
 

@@ -5,13 +5,16 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <list>
 #include <map>
+#include <optional>
 #include <stdexcept>
 
 #include "simulator/factory_defaults.h"
@@ -20,14 +23,79 @@
 #include "simulator/program/control_commands.h"
 #include "simulator/program/control_socket.h"
 #include "simulator/program/private_folder.h"
+#include "simulator/program/scenario.h"
 #include "state_document/save_file.h"
 #include "terminal/printable.h"
 
 namespace simulator {
 namespace {
 
+// Those who watch the calls. They outlive the devices.
+struct Watchers {
+  explicit Watchers(const std::vector<std::string>& files) {
+    for (const std::string& file : files) scenarios.emplace_back(file);
+  }
+
+  // The first scenario that waits for the call holds it; the others do not count it.
+  bool Hold(int device, const std::string& method, const Hooks::Resume& resume) {
+    return std::any_of(scenarios.begin(), scenarios.end(),
+                       [&](Scenario& scenario) { return scenario.Hold(device, method, resume); });
+  }
+
+  void Start(std::vector<Simulator>& devices) {
+    if (control.has_value())
+      control->Serve([&devices](const std::string& request) {
+        return AnswerControlRequest(devices, request);
+      });
+    for (Scenario& scenario : scenarios)
+      scenario.Start([&devices](int device, const std::string& command, const Json& argument) {
+        Perform(devices, device, command, argument);
+      });
+  }
+  // To be called before the devices end.
+  void End() {
+    if (control.has_value()) control->Stop();
+    for (Scenario& scenario : scenarios) scenario.End();
+  }
+
+  // Makes the control socket; returns its path, empty for none.
+  std::string Listen(const ProgramOptions& options) {
+    if (options.has_private_control) folder.emplace();
+    const std::string path = folder.has_value() ? folder->Path() + "/control" : options.control;
+    if (!path.empty()) control.emplace(path);
+    return path;
+  }
+
+  std::list<Scenario> scenarios;
+  std::optional<PrivateFolder> folder;
+  std::optional<ControlSocket> control;
+};
+
+// The devices, and their end in every case.
+class Devices {
+ public:
+  explicit Devices(Watchers& those) : watchers(those) {}
+  ~Devices() { End(); }
+  Devices(const Devices&) = delete;
+  Devices& operator=(const Devices&) = delete;
+
+  void Start(const std::vector<Builder>& prepared) {
+    for (const Builder& builder : prepared) all.push_back(builder.Start());
+    watchers.Start(all);
+  }
+  void End() {
+    watchers.End();
+    for (Simulator& device : all) device.Stop();
+  }
+  std::vector<Simulator>& All() { return all; }
+
+ private:
+  Watchers& watchers;
+  std::vector<Simulator> all;
+};
+
 // Reads everything before anything starts.
-std::vector<Builder> Prepare(const ProgramOptions& options) {
+std::vector<Builder> Prepare(const ProgramOptions& options, Watchers& watchers) {
   const Options& wanted = options.device;
   std::vector<Builder> devices(static_cast<std::size_t>(options.devices));
   for (std::size_t i = 0; i < devices.size(); ++i) {
@@ -41,6 +109,16 @@ std::vector<Builder> Prepare(const ProgramOptions& options) {
       devices[i].StateFile(options.states[options.states.size() == 1 ? 0 : i]);
     if (!options.names.empty())
       devices[i].With([&](Device& it) { it.dante.name = options.names[i]; });
+    devices[i].With(Hooks{
+        watchers.scenarios.empty()
+            ? decltype(Hooks::hold)()
+            : [&watchers, i](
+                  const std::string& method,
+                  const Hooks::Resume&
+                      resume) { return watchers.Hold(static_cast<int>(i) + 1, method, resume); },
+        [&watchers] {
+          if (watchers.control.has_value()) watchers.control->Retry();
+        }});
     for (const Fault& fault : options.faults) devices[i].Inject(fault);
   }
   return devices;
@@ -155,7 +233,8 @@ std::string CompanionText(const ProgramOptions& options) {
 
 int Serve(const ProgramOptions& options) {
   const Command command(options.command);
-  const std::vector<Builder> prepared = Prepare(options);
+  Watchers watchers(options.scenarios);
+  const std::vector<Builder> prepared = Prepare(options, watchers);
   CheckSaves(options.saves);
   const pid_t companion = Companion(options);
   const Descriptor watched = companion != 0 ? WatchProcess(companion) : Descriptor();
@@ -167,18 +246,11 @@ int Serve(const ProgramOptions& options) {
   // wants them sets the variable.
   setenv("GRPC_VERBOSITY", "NONE", 0);
 
-  std::vector<Simulator> devices;
-  std::optional<PrivateFolder> folder;
-  if (options.has_private_control) folder.emplace();
-  const std::string path = folder.has_value() ? folder->Path() + "/control" : options.control;
-  std::optional<ControlSocket> control;
-  if (!path.empty()) control.emplace(path);
-  for (const Builder& builder : prepared) devices.push_back(builder.Start());
-  if (control.has_value())
-    control->Serve(
-        [&devices](const std::string& request) { return AnswerControlRequest(devices, request); });
-  const std::string entries = UseBook(devices, options.address_book);
-  const std::vector<std::string> variables = Variables(devices.front(), path);
+  const std::string path = watchers.Listen(options);
+  Devices devices(watchers);
+  devices.Start(prepared);
+  const std::string entries = UseBook(devices.All(), options.address_book);
+  const std::vector<std::string> variables = Variables(devices.All().front(), path);
   int status = EXIT_SUCCESS;
   if (!options.command.empty()) {
     status = command.Run(variables, ending);
@@ -186,13 +258,12 @@ int Serve(const ProgramOptions& options) {
     if (options.export_to.has_value())
       background.Ready(ExportLines(*options.export_to, variables, CompanionText(options)));
     else
-      Print(ReadyLines(devices, path) + entries);
+      Print(ReadyLines(devices.All(), path) + entries);
     WaitForEnd(ending, watched);
   }
 
-  control.reset();
-  for (Simulator& device : devices) device.Stop();
-  if (!SaveAll(devices, options.saves) && status == EXIT_SUCCESS) status = kFailed;
+  devices.End();
+  if (!SaveAll(devices.All(), options.saves) && status == EXIT_SUCCESS) status = kFailed;
   return status;
 }
 
