@@ -39,8 +39,15 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
   Call(Dispatcher& receiver, const grpc::GenericCallbackServerContext& context)
       : dispatcher(receiver),
         method(FindMethodAt(context.method(), receiver.daemon)),
-        peer(context.peer()) {
-    if (method == nullptr) {
+        peer(context.peer()),
+        query{receiver.daemon,
+              context.method(),
+              method != nullptr ? FullName(receiver.daemon, method->name) : context.method(),
+              "",
+              std::chrono::system_clock::now(),
+              context.deadline(),
+              std::make_shared<Cancellation>()} {
+    if (method == nullptr && dispatcher.device.backend == nullptr) {
       Finish({grpc::StatusCode::UNIMPLEMENTED, "no such method"});
     } else {
       StartRead(&request);
@@ -49,24 +56,29 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
 
   void OnReadDone(bool ok) override {
     if (!ok) return Finish({grpc::StatusCode::INTERNAL, "no request"});
-    bytes = ToString(request);
+    query.request = ToString(request);
     const auto& hold = dispatcher.device.hooks.hold;
     if (!hold) return Resume(true);
     if (!held->Take(this)) return Finish(grpc::Status::CANCELLED);
     const auto resume = [held = held](bool is_answered) {
       if (Call* const call = held->Release()) call->Resume(is_answered);
     };
-    if (!hold(Name(), resume)) resume(true);
+    if (!hold(query.name, resume)) resume(true);
   }
 
   /// Answers as usual.
   void Answer() {
-    std::string answer;
-    const grpc::Status status = method->answer(dispatcher.device, bytes, answer);
-    status.ok() ? Reply(answer) : Finish(status);
+    if (Backend* const backend = dispatcher.device.backend.get()) {
+      backend->Answer(query, [this](const Outcome& outcome) { End(outcome); });
+    } else {
+      Outcome outcome;
+      outcome.status = method->answer(dispatcher.device, query.request, outcome.reply);
+      End(outcome);
+    }
   }
 
   void OnCancel() override {
+    query.cancellation->Cancel();
     bool ends = held->Cancel();
     {
       const std::lock_guard<std::mutex> lock(dispatcher.mutex);
@@ -112,13 +124,11 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
     bool is_cancelled = false;
   };
 
-  std::string Name() const { return FullName(dispatcher.daemon, method->name); }
-
   void Resume(bool is_answered) {
     if (!is_answered) return Drop();
-    TakeFault(Name());
-    dispatcher.device.calls.Record(
-        {0, Name(), method->show(bytes).dump(), fault.method.empty() ? "" : ToString(fault)});
+    TakeFault(query.name);
+    const Json shown = method != nullptr ? method->show(query.request) : Json(nullptr);
+    dispatcher.device.calls.Record({0, query.name, shown.dump(), FaultText()});
     if (dispatcher.device.hooks.recorded) dispatcher.device.hooks.recorded();
     if (fault.delay_ms == 0) return Act();
     if (!ActLater()) Finish(grpc::Status::CANCELLED);
@@ -138,10 +148,10 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
       case FaultKind::kStop:
         return Answer();
       case FaultKind::kStatus:
-        return Finish({static_cast<grpc::StatusCode>(fault.status), fault.message});
+        return End({{static_cast<grpc::StatusCode>(fault.status), fault.message}, "", false});
       case FaultKind::kReject:
         // An absent field `success` is false.
-        return method->replies_success ? Reply("") : Answer();
+        return method != nullptr && method->replies_success ? Reply("") : Answer();
       case FaultKind::kEmpty:
         return Reply("");
       case FaultKind::kMalformed:
@@ -153,11 +163,6 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
       case FaultKind::kDrop:
         return Drop();
     }
-  }
-
-  void Drop() {
-    DropConnectionOf(peer);
-    Finish(grpc::Status::CANCELLED);
   }
 
   // False for a cancelled call, which nothing else would end.
@@ -181,17 +186,27 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
     ends ? Finish(grpc::Status::CANCELLED) : Answer();
   }
 
-  void Reply(const std::string& answer) {
-    reply = ToByteBuffer(answer);
+  std::string FaultText() const { return fault.method.empty() ? "" : ToString(fault); }
+
+  void Reply(const std::string& answer) { End({grpc::Status::OK, answer, false}); }
+
+  void Drop() { End({grpc::Status::CANCELLED, "", true}); }
+
+  void End(const Outcome& outcome) {
+    if (Backend* const backend = dispatcher.device.backend.get())
+      backend->Ended(query, FaultText(), outcome);
+    if (outcome.is_dropped) DropConnectionOf(peer);
+    if (!outcome.status.ok()) return Finish(outcome.status);
+    reply = ToByteBuffer(outcome.reply);
     StartWriteAndFinish(&reply, {}, grpc::Status::OK);
   }
 
   Dispatcher& dispatcher;
   const Method* const method;
   const std::string peer;
+  Query query;
   grpc::ByteBuffer request;
   grpc::ByteBuffer reply;
-  std::string bytes;  // of the request
   Fault fault;
   bool is_cancelled = false;
   bool is_held = false;  // nothing is left to do but to wait for a thaw

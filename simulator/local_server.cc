@@ -13,13 +13,15 @@
 
 namespace simulator {
 
-LocalServer::LocalServer(grpc::CallbackGenericService& service, const Endpoint& wanted)
+LocalServer::LocalServer(grpc::CallbackGenericService& service, const Endpoint& wanted,
+                         bool accepts_any_length)
     : sockets(std::in_place, wanted) {
   using Builder = grpc::ServerBuilder;
   Builder builder;
   connections = builder.experimental().AddExternalConnectionAcceptor(
       Builder::experimental_type::ExternalConnectionType::FROM_FD,
       grpc::InsecureServerCredentials());
+  if (accepts_any_length) builder.SetMaxReceiveMessageSize(-1);
   builder.RegisterCallbackGenericService(&service);
   server = builder.BuildAndStart();
   if (server == nullptr) throw std::runtime_error("cannot start a gRPC server");

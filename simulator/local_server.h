@@ -19,9 +19,11 @@ namespace simulator {
 
 class LocalServer {
  public:
-  /// Serves `service`, which must outlive this object. Throws std::runtime_error,
+  /// Serves `service`, which must outlive this object; requests longer than
+  /// gRPC's default only if told. Throws std::runtime_error,
   /// which names address and reason, if it cannot listen there.
-  LocalServer(grpc::CallbackGenericService& service, const Endpoint& wanted);
+  LocalServer(grpc::CallbackGenericService& service, const Endpoint& wanted,
+              bool accepts_any_length = false);
 
   /// Ends the open calls.
   ~LocalServer();

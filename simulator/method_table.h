@@ -11,6 +11,7 @@
 #include "simulator/fault.h"
 #include "simulator/json.h"
 #include "simulator/shared_device.h"
+#include "simulator/wire_schema.h"
 
 namespace simulator {
 
@@ -22,8 +23,11 @@ struct Method {
   std::function<grpc::Status(SharedDevice& device, const std::string& request, std::string& reply)>
       answer;
 
-  /// The request as JSON; null if it cannot be parsed.
+  /// As JSON; null if it cannot be parsed.
   std::function<Json(const std::string& request)> show;
+  std::function<Json(const std::string& reply)> show_reply;
+  const WireMessage* request = nullptr;
+  const WireMessage* reply = nullptr;
 };
 
 /// The service with its package, "ostrevan.grpcdapi.DAPI".

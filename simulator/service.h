@@ -8,17 +8,27 @@
 #include <utility>
 #include <vector>
 
+#include "ostrevan/grpcdapi.pb.h"
+#include "ostrevan/networkmanager.pb.h"
 #include "simulator/method_table.h"
-#include "simulator/request_json.h"
 
 namespace simulator {
 
 std::vector<Method> NetworkMethods();
 std::vector<Method> DanteMethods();
 
+/// Null if the bytes are no such message.
+template <class Message>
+Json ToJson(const std::string& bytes) {
+  Message message;
+  if (!message.ParseFromString(bytes)) return nullptr;
+  return Decode(*FindMessage(message.GetTypeName()), bytes);
+}
+
 template <class Request, class Reply, class Answer>
 Method MakeMethod(std::string name, bool replies_success, Answer answer) {
-  return {std::move(name), replies_success,
+  return {std::move(name),
+          replies_success,
           [answer](SharedDevice& shared, const std::string& bytes, std::string& reply_bytes) {
             Request request;
             if (!request.ParseFromString(bytes))
@@ -29,10 +39,10 @@ Method MakeMethod(std::string name, bool replies_success, Answer answer) {
             if (status.ok()) reply.SerializeToString(&reply_bytes);
             return status;
           },
-          [](const std::string& bytes) {
-            Request request;
-            return request.ParseFromString(bytes) ? ToJson(request) : Json(nullptr);
-          }};
+          ToJson<Request>,
+          ToJson<Reply>,
+          FindMessage(Request().GetTypeName()),
+          FindMessage(Reply().GetTypeName())};
 }
 
 template <class Reply>

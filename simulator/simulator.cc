@@ -49,7 +49,7 @@ class SimulatedDaemon {
   // A generic service can be registered with one server only.
   struct Running {
     Running(Daemon which, SharedDevice& shared, const Endpoint& wanted)
-        : dispatcher(which, shared), server(dispatcher, wanted) {}
+        : dispatcher(which, shared), server(dispatcher, wanted, shared.backend != nullptr) {}
 
     Dispatcher dispatcher;
     LocalServer server;
@@ -67,8 +67,9 @@ class SimulatedDaemon {
 
 class Simulator::Implementation {
  public:
-  Implementation(const Options& options, const Device& initial, const Hooks& hooks)
-      : device(initial, hooks),
+  Implementation(const Options& options, const Device& initial, const Hooks& hooks,
+                 const std::shared_ptr<Backend>& backend)
+      : device(initial, hooks, backend),
         network_manager(
             Daemon::kNetworkManager, device,
             {options.network_manager_port, options.network_manager_socket, options.socket_mode}),
@@ -84,11 +85,11 @@ class Simulator::Implementation {
 };
 
 Simulator::Simulator(const Options& options)
-    : Simulator(options, FactoryDefaults(options.tx_channels, options.rx_channels), {}, {}) {}
+    : Simulator(options, FactoryDefaults(options.tx_channels, options.rx_channels), {}, {}, {}) {}
 
 Simulator::Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults,
-                     const Hooks& hooks)
-    : implementation(std::make_unique<Implementation>(options, device, hooks)) {
+                     const Hooks& hooks, const std::shared_ptr<Backend>& backend)
+    : implementation(std::make_unique<Implementation>(options, device, hooks, backend)) {
   for (const Fault& fault : faults) Inject(fault);
 }
 
@@ -108,11 +109,20 @@ State Simulator::CurrentState() {
   return {WithDevice([](const Device& it) { return it; }), ListFaults()};
 }
 
-std::string Simulator::StateJson() { return WriteState(CurrentState()); }
+std::string Simulator::StateJson() {
+  CheckState();
+  return WriteState(CurrentState());
+}
 
 void Simulator::SaveState(const std::string& file) { simulator::SaveState(file, CurrentState()); }
 
+void Simulator::CheckState() const {
+  if (implementation->device.backend != nullptr)
+    throw std::runtime_error("no state: the answers come from a recording or from real daemons");
+}
+
 void Simulator::Set(const std::vector<StateChange>& changes) {
+  CheckState();
   const auto [lock, device] = Lock();
   Json document = ToJson({device, {}});
   for (const StateChange& change : changes) Change(document, change);
@@ -125,6 +135,7 @@ void Simulator::Set(const std::vector<StateChange>& changes) {
 }
 
 void Simulator::Load(const std::string& document) {
+  CheckState();
   const state_document::Document read(document, "state");
   const bool has_faults = read.Root().contains("faults");
   State state;
@@ -245,6 +256,11 @@ Builder& Builder::With(const Hooks& wanted) {
   return *this;
 }
 
-Simulator Builder::Start() const { return {options, device, faults, hooks}; }
+Builder& Builder::AnswerWith(std::shared_ptr<Backend> wanted) {
+  backend = std::move(wanted);
+  return *this;
+}
+
+Simulator Builder::Start() const { return {options, device, faults, hooks, backend}; }
 
 }  // namespace simulator

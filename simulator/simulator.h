@@ -31,6 +31,7 @@
 
 namespace simulator {
 
+class Backend;
 struct State;
 
 struct Options {
@@ -123,7 +124,8 @@ class Simulator {
   class Implementation;
 
   Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults,
-            const Hooks& hooks);
+            const Hooks& hooks, const std::shared_ptr<Backend>& backend);
+  void CheckState() const;
   State CurrentState();
   std::pair<std::unique_lock<std::mutex>, Device&> Lock();
 
@@ -153,6 +155,8 @@ class Builder {
   /// Runs `change` with the model.
   Builder& With(const std::function<void(Device&)>& change);
   Builder& With(const Hooks& wanted);
+  /// Takes the answers from elsewhere (backend.h); the device has no state then.
+  Builder& AnswerWith(std::shared_ptr<Backend> wanted);
   /// Throws BadFault.
   Builder& Inject(const Fault& fault);
   /// The same, from the string form.
@@ -173,6 +177,7 @@ class Builder {
   Device device;
   std::vector<Fault> faults;
   Hooks hooks;
+  std::shared_ptr<Backend> backend;
 };
 
 }  // namespace simulator

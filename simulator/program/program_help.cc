@@ -35,12 +35,14 @@ std::string ExitStatusSection() {
       "Exit status",
       Entry("0", "ended by SIGTERM, SIGINT or SIGHUP; with ctl: done") +
           Entry("1",
-                "a port or file cannot be used or a state is invalid; with ctl: no simulator can "
+                "a port or file cannot be used, a state is invalid, or calls came that were not in "
+                "the recording; with ctl: no simulator can "
                 "be reached, or it rejected the command") +
           Entry("2", "the command line is wrong") +
           Entry("3", "the time limit of ctl wait has passed") +
           Entry("N",
-                "with run: the exit status of COMMAND, or 128 plus the signal that ended it; 127 "
+                "with run, record and replay: the exit status of COMMAND, or 128 plus the signal "
+                "that ended it; 127 "
                 "if it is not found, 126 if it cannot be run"));
 }
 
@@ -79,6 +81,8 @@ std::string MoreHelp(const CLI::App& command, bool /*all*/) {
              "networkgrpc-simulator --fault SetName:reject,times=1",
              "networkgrpc-simulator --fault 'DAPI.*:delay=250' --fault '*:drop,times=1'",
              "networkgrpc-simulator --devices 3",
+             "networkgrpc-simulator record --log hall.jsonl --redact -- networkgrpc status",
+             "networkgrpc-simulator replay hall.jsonl -- networkgrpc status",
              "networkgrpc-simulator --control auto",
              "networkgrpc-simulator ctl fault 'GetName:status=INTERNAL,message=busy'",
              "networkgrpc-simulator ctl calls",

@@ -8,6 +8,7 @@
 #include <memory>
 #include <set>
 
+#include "client/environment.h"
 #include "simulator/program/program_help.h"
 #include "terminal/arguments.h"
 #include "terminal/help.h"
@@ -178,11 +179,20 @@ void CheckSockets(const Options& device, std::size_t devices) {
     throw CLI::ValidationError("--dapi", "the same socket as --network-manager; choose another");
 }
 
-// The end of its command is that of run.
-void CheckRun(const CLI::App& app) {
-  for (const char* const name : {"--export", "--pid"})
+void Exclude(const CLI::App& app, const std::string& command,
+             const std::vector<std::string>& names) {
+  for (const std::string& name : names)
     if (app.get_option(name)->count() != 0)
-      throw CLI::ValidationError(name, "cannot be combined with run");
+      throw CLI::ValidationError(name, "cannot be combined with " + command);
+}
+
+void CheckCommands(const CLI::App& app, const ProgramOptions& options) {
+  if (app.got_subcommand("run") && options.command.empty()) throw CLI::RequiredError("COMMAND");
+  // The end of the command is that of the simulator.
+  if (!options.command.empty()) Exclude(app, "a command", {"--export", "--pid"});
+  for (const char* const name : {"record", "replay"})
+    if (app.got_subcommand(name))
+      Exclude(app, name, {"--state", "--save", "--tx-channels", "--rx-channels", "--devices"});
 }
 
 void CheckTogether(const ProgramOptions& options) {
@@ -325,14 +335,46 @@ void DescribeRun(CLI::App& app, ProgramOptions& options) {
                   "The command and its arguments, after --; it finds the first device");
 }
 
+void DescribeRecord(CLI::App& app, ProgramOptions& options) {
+  CLI::App* const record = app.add_subcommand(
+      "record", "Pass all calls on to real daemons, and record them and their answers");
+  record->fallthrough();
+  record->add_option("--log", options.log, "The recording, which is replaced")
+      ->required()
+      ->type_name("FILE");
+  options.network_manager_url = client::kNetworkManagerUrl.Value();
+  options.dapi_url = client::kDapiUrl.Value();
+  const auto add_url = [&](const char* name, std::string& url, const client::Setting& setting) {
+    record
+        ->add_option(name, url,
+                     std::string("The real ") + setting.role + " daemon; default: the variable " +
+                         setting.variable + ", else " + setting.fallback)
+        ->type_name("URL");
+  };
+  add_url("--network-manager", options.network_manager_url, client::kNetworkManagerUrl);
+  add_url("--dapi", options.dapi_url, client::kDapiUrl);
+  record->add_flag("--redact", options.redacts,
+                   "Replace names, addresses and wireless keys in the recording");
+  record->add_option("COMMAND", options.command, "Record while this command runs, after --");
+}
+
+void DescribeReplay(CLI::App& app, ProgramOptions& options) {
+  CLI::App* const replay = app.add_subcommand(
+      "replay", "Answer calls as a recording has it; exit status 1 if others came");
+  replay->fallthrough();
+  replay->add_option("FILE", options.recording, "The recording")->required();
+  replay->add_option("COMMAND", options.command, "Replay while this command runs, after --");
+}
+
 bool IsHelp(const std::string& word) { return word == "-h" || word == "--help"; }
 
-// Cuts off what follows -- of run, or set of ctl: CLI11 would look for options, commands
-// and lists in it. Returns the number of words that are left.
+// Cuts off what follows -- of run, record and replay, or set of ctl: CLI11 would look for options,
+// commands and lists in it. Returns the number of words that are left.
 int CutRest(int argc, char** argv, std::vector<std::string>& rest) {
   char** const end = argv + argc;
-  char** const name = std::find_if(
-      argv, end, [](const std::string& word) { return word == "run" || word == "ctl"; });
+  char** const name = std::find_if(argv, end, [](const std::string& word) {
+    return word == "run" || word == "record" || word == "replay" || word == "ctl";
+  });
   const bool is_ctl = name != end && *name == std::string("ctl");
   char** const mark = std::find(name, end, std::string(is_ctl ? "set" : "--"));
   if (mark == end || (is_ctl && mark + 1 != end && IsHelp(mark[1]))) return argc;
@@ -370,13 +412,14 @@ ProgramOptions Parse(CLI::App& app, int argc, char** argv) {
   DescribeUse(app, options);
   DescribeExport(app, options);
   DescribeRun(app, options);
+  DescribeRecord(app, options);
+  DescribeReplay(app, options);
   std::vector<std::string> rest;
   DescribeCtl(app, options, rest, ctl_control, ctl_device);
   app.parse(CutRest(argc, argv, rest), argv);
-  if (app.got_subcommand("run"))
+  if (!app.got_subcommand("ctl"))
     options.command.insert(options.command.end(), rest.begin(), rest.end());
-  if (app.got_subcommand("run")) CheckRun(app);
-  if (app.got_subcommand("run") && options.command.empty()) throw CLI::RequiredError("COMMAND");
+  CheckCommands(app, options);
   app.got_subcommand("ctl") ? CheckCtl(app) : CheckTogether(options);
   options.faults = ParseFaults(faults);
   if (options.requests.empty()) {

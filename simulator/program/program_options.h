@@ -37,7 +37,12 @@ struct ProgramOptions {
   std::string address_book;          // file, "-" to print, empty for none
   pid_t pid = 0;                     // of the process to end with, 0 for none
   std::optional<Shell> export_to;
-  std::vector<std::string> command;  // of run, empty for none
+  std::string log;                  // of record, empty for none
+  std::string network_manager_url;  // of record: the real daemons
+  std::string dapi_url;
+  bool redacts = false;
+  std::string recording;             // of replay, empty for none
+  std::vector<std::string> command;  // of run, record and replay, empty for none
   std::string loaded;                // file of ctl load
   std::vector<CtlRequest> requests;  // if not empty, the command line is that of ctl
 };

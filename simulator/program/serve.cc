@@ -14,6 +14,7 @@
 #include <iostream>
 #include <list>
 #include <map>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 
@@ -24,6 +25,8 @@
 #include "simulator/program/control_socket.h"
 #include "simulator/program/private_folder.h"
 #include "simulator/program/scenario.h"
+#include "simulator/proxy.h"
+#include "simulator/replay.h"
 #include "state_document/save_file.h"
 #include "terminal/printable.h"
 
@@ -219,6 +222,19 @@ sigset_t PrepareSignals() {
   return ending;
 }
 
+std::shared_ptr<Replay> MakeReplay(const ProgramOptions& options) {
+  if (options.recording.empty()) return nullptr;
+  return std::make_shared<Replay>(ReadRecording(options.recording));
+}
+
+// False, with an error, if calls came that are not in the recording.
+bool IsComplete(const Replay& replay) {
+  const std::size_t missing = replay.Missing();
+  if (missing != 0)
+    PrintError(std::runtime_error(std::to_string(missing) + " calls were not in the recording"));
+  return missing == 0;
+}
+
 // The process to end with; 0 for none.
 pid_t Companion(const ProgramOptions& options) {
   if (options.pid != 0) return options.pid;
@@ -234,7 +250,7 @@ std::string CompanionText(const ProgramOptions& options) {
 int Serve(const ProgramOptions& options) {
   const Command command(options.command);
   Watchers watchers(options.scenarios);
-  const std::vector<Builder> prepared = Prepare(options, watchers);
+  std::vector<Builder> prepared = Prepare(options, watchers);
   CheckSaves(options.saves);
   const pid_t companion = Companion(options);
   const Descriptor watched = companion != 0 ? WatchProcess(companion) : Descriptor();
@@ -246,6 +262,11 @@ int Serve(const ProgramOptions& options) {
   // wants them sets the variable.
   setenv("GRPC_VERBOSITY", "NONE", 0);
 
+  const std::shared_ptr<Replay> replay = MakeReplay(options);
+  if (replay != nullptr) prepared.front().AnswerWith(replay);
+  if (!options.log.empty())
+    prepared.front().AnswerWith(std::make_shared<Proxy>(
+        options.network_manager_url, options.dapi_url, options.log, options.redacts));
   const std::string path = watchers.Listen(options);
   Devices devices(watchers);
   devices.Start(prepared);
@@ -263,6 +284,7 @@ int Serve(const ProgramOptions& options) {
   }
 
   devices.End();
+  if (replay != nullptr && !IsComplete(*replay) && status == EXIT_SUCCESS) status = kFailed;
   if (!SaveAll(devices.All(), options.saves) && status == EXIT_SUCCESS) status = kFailed;
   return status;
 }

@@ -127,8 +127,7 @@ CASES
   {"after": 0.2, "set": {"dante.name": "later"}}
 ]}
 STEPS
-  local round
-  for round in 1 2; do
+  for _ in 1 2; do
     start --scenario scenario.json
     control wait GetName --timeout 0.01 || true
     wait_until test "$(tool dante name)" = first

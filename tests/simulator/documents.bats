@@ -51,7 +51,7 @@ $block" 3>&- <"/dev/fd/$device_input"
 @test "Examples_OfThePage_Work" {
   local example asked=0 served=0
   while IFS= read -r example; do
-    if [[ $example == *" ctl "* || $example == *" run "* || $example == eval* ]]; then
+    if [[ $example == *" ctl "* || $example == *" -- "* || $example == eval* ]]; then
       timeout 60 bash -c "$example" 3>&-
       asked=$((asked + 1))
     else

@@ -8,14 +8,13 @@
 #include <regex>
 
 #include "simulator/factory_defaults.h"
-#include "simulator/request_json.h"
+#include "simulator/service.h"
 
 namespace {
 
 namespace dante = ostrevan::grpcdapi;
 namespace network = ostrevan::networkmanager;
 using simulator::Daemon;
-using simulator::ToJson;
 using testing::UnorderedElementsAreArray;
 
 std::vector<std::string> RpcsOfSchema(const std::string& file) {
@@ -49,6 +48,11 @@ TEST_P(EveryRpc, IsInTheTableAndAnswersARequestForIdOne) {
 INSTANTIATE_TEST_SUITE_P(All, EveryRpc,
                          testing::Values(std::pair(Daemon::kNetworkManager, "networkmanager.proto"),
                                          std::pair(Daemon::kDapi, "grpcdapi.proto")));
+
+template <class Message>
+simulator::Json ToJson(const Message& message) {
+  return simulator::ToJson<Message>(message.SerializeAsString());
+}
 
 template <class Request, class Edit>
 std::string Shown(Edit edit) {

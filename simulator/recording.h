@@ -1,0 +1,50 @@
+// Calls and their answers in a file: JSON lines (docs/simulator.md).
+//
+//   {"recording":1,"redacted":false}
+//   {"number":1,"time":"...","milliseconds":0.4,"method":"DAPI.GetName",...}
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "simulator/backend.h"
+#include "simulator/descriptor.h"
+#include "simulator/redactor.h"
+
+namespace simulator {
+
+/// A call of a recording.
+struct RecordedCall {
+  std::string path;
+  std::string request;
+  bool is_change = false;  // its reply is the message Success
+  Outcome outcome;
+};
+
+/// Writes a recording. Threads: Write may be called from several threads at once.
+class RecordingFile {
+ public:
+  /// Replaces the file. Throws std::runtime_error.
+  RecordingFile(const std::string& file, bool redacts);
+
+  /// Reports the first failure on standard error.
+  void Write(const Query& query, const std::string& fault, const Outcome& outcome);
+
+ private:
+  void WriteLine(const std::string& line);
+
+  const std::string name;
+  std::mutex mutex;
+  Descriptor file;
+  std::unique_ptr<Redactor> redactor;  // null to keep everything
+  std::uint64_t number = 0;
+  bool has_failed = false;
+};
+
+/// Throws std::runtime_error, "FILE:LINE: reason".
+std::vector<RecordedCall> ReadRecording(const std::string& file);
+
+}  // namespace simulator
