@@ -5,6 +5,7 @@
 #include <mutex>
 #include <utility>
 
+#include "simulator/audio_network.h"
 #include "simulator/backend.h"
 #include "simulator/call_log.h"
 #include "simulator/fault_table.h"
@@ -15,12 +16,22 @@ namespace simulator {
 
 class SharedDevice {
  public:
-  explicit SharedDevice(Device initial, Hooks wanted = {}, std::shared_ptr<Backend> answering = {})
-      : hooks(std::move(wanted)), backend(std::move(answering)), device(std::move(initial)) {}
+  explicit SharedDevice(Device initial, Hooks wanted = {}, std::shared_ptr<Backend> answering = {},
+                        std::shared_ptr<AudioNetwork> joined = {})
+      : hooks(std::move(wanted)),
+        backend(std::move(answering)),
+        network(joined != nullptr ? std::move(joined) : std::make_shared<AudioNetwork>()),
+        device(std::move(initial)) {
+    network->Join(device);
+  }
+  ~SharedDevice() { network->Leave(device); }
+
+  SharedDevice(const SharedDevice&) = delete;
+  SharedDevice& operator=(const SharedDevice&) = delete;
 
   /// The model, locked for as long as the first of the pair lives.
   std::pair<std::unique_lock<std::mutex>, Device&> Lock() {
-    return {std::unique_lock<std::mutex>(mutex), device};
+    return {network->Lock(device), device};
   }
 
   const Hooks hooks;
@@ -29,7 +40,7 @@ class SharedDevice {
   CallLog calls;
 
  private:
-  std::mutex mutex;
+  const std::shared_ptr<AudioNetwork> network;
   Device device;
 };
 

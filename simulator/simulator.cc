@@ -68,8 +68,9 @@ class SimulatedDaemon {
 class Simulator::Implementation {
  public:
   Implementation(const Options& options, const Device& initial, const Hooks& hooks,
-                 const std::shared_ptr<Backend>& backend)
-      : device(initial, hooks, backend),
+                 const std::shared_ptr<Backend>& backend,
+                 const std::shared_ptr<AudioNetwork>& network)
+      : device(initial, hooks, backend, network),
         network_manager(
             Daemon::kNetworkManager, device,
             {options.network_manager_port, options.network_manager_socket, options.socket_mode}),
@@ -85,11 +86,12 @@ class Simulator::Implementation {
 };
 
 Simulator::Simulator(const Options& options)
-    : Simulator(options, FactoryDefaults(options.tx_channels, options.rx_channels), {}, {}, {}) {}
+    : Simulator(options, FactoryDefaults(options.tx_channels, options.rx_channels), {}) {}
 
 Simulator::Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults,
-                     const Hooks& hooks, const std::shared_ptr<Backend>& backend)
-    : implementation(std::make_unique<Implementation>(options, device, hooks, backend)) {
+                     const Surroundings& around)
+    : implementation(std::make_unique<Implementation>(options, device, around.hooks, around.backend,
+                                                      around.network)) {
   for (const Fault& fault : faults) Inject(fault);
 }
 
@@ -252,15 +254,20 @@ Builder& Builder::Sockets(const std::string& network_manager, const std::string&
 }
 
 Builder& Builder::With(const Hooks& wanted) {
-  hooks = wanted;
+  around.hooks = wanted;
   return *this;
 }
 
 Builder& Builder::AnswerWith(std::shared_ptr<Backend> wanted) {
-  backend = std::move(wanted);
+  around.backend = std::move(wanted);
   return *this;
 }
 
-Simulator Builder::Start() const { return {options, device, faults, hooks, backend}; }
+Builder& Builder::Join(std::shared_ptr<AudioNetwork> network) {
+  around.network = std::move(network);
+  return *this;
+}
+
+Simulator Builder::Start() const { return {options, device, faults, around}; }
 
 }  // namespace simulator

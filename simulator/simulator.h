@@ -23,6 +23,7 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/audio_network.h"
 #include "simulator/call_log.h"
 #include "simulator/fault.h"
 #include "simulator/hooks.h"
@@ -42,6 +43,13 @@ struct Options {
   std::string network_manager_socket = {};  // path of a Unix socket, instead of the port
   std::string dapi_socket = {};             // path of a Unix socket, instead of the port
   unsigned socket_mode = 0600;              // of both sockets
+};
+
+/// What a device is connected to.
+struct Surroundings {
+  Hooks hooks = {};
+  std::shared_ptr<Backend> backend = {};       // null: the model answers
+  std::shared_ptr<AudioNetwork> network = {};  // null: one of its own
 };
 
 class Simulator {
@@ -124,7 +132,7 @@ class Simulator {
   class Implementation;
 
   Simulator(const Options& options, const Device& device, const std::vector<Fault>& faults,
-            const Hooks& hooks, const std::shared_ptr<Backend>& backend);
+            const Surroundings& around = {});
   void CheckState() const;
   State CurrentState();
   std::pair<std::unique_lock<std::mutex>, Device&> Lock();
@@ -155,6 +163,9 @@ class Builder {
   /// Runs `change` with the model.
   Builder& With(const std::function<void(Device&)>& change);
   Builder& With(const Hooks& wanted);
+  /// Devices in one network see each other's names and transmit channels. Their models
+  /// are locked together.
+  Builder& Join(std::shared_ptr<AudioNetwork> network);
   /// Takes the answers from elsewhere (backend.h); the device has no state then.
   Builder& AnswerWith(std::shared_ptr<Backend> wanted);
   /// Throws BadFault.
@@ -176,8 +187,7 @@ class Builder {
   Options options;
   Device device;
   std::vector<Fault> faults;
-  Hooks hooks;
-  std::shared_ptr<Backend> backend;
+  Surroundings around;
 };
 
 }  // namespace simulator

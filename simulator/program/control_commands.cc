@@ -102,11 +102,44 @@ const std::map<std::string, Command>& Commands() {
   return commands;
 }
 
+Json Receivers(const std::vector<Device>& devices, const std::string& name,
+               const std::string& channel) {
+  Json receivers = Json::array();
+  for (const Device& device : devices)
+    for (const auto& [rx_channel, link] : device.dante.links)
+      if (!link.raw.has_value() && link.flag5 && link.device_name == name &&
+          link.channel_name == channel)
+        receivers.push_back({{"device", device.dante.name}, {"rx_channel", rx_channel}});
+  return receivers;
+}
+
+// Every device with its streams and who receives them.
+Json DescribeAll(std::vector<Simulator>& devices) {
+  std::vector<Device> models;
+  for (Simulator& device : devices)
+    models.push_back(device.WithDevice([](const Device& it) { return it; }));
+  Json all = Json::array();
+  for (std::size_t i = 0; i < devices.size(); ++i) {
+    const Dante& dante = models[i].dante;
+    Json streams = Json::array();
+    for (const Channel& channel : dante.tx)
+      streams.push_back(
+          {{"channel", channel.name}, {"receivers", Receivers(models, dante.name, channel.name)}});
+    all.push_back({{"device", i + 1},
+                   {"name", dante.name},
+                   {"network_manager_url", devices[i].NetworkManagerUrl()},
+                   {"grpc_dapi_url", devices[i].DapiUrl()},
+                   {"streams", streams}});
+  }
+  return all;
+}
+
 // Not yet a result for a command that waits.
 std::optional<Json> Result(std::vector<Simulator>& devices, const Json& request) {
   const auto device = request.value("device", std::int64_t{1});
   const auto name = request.value("command", std::string());
   const Json argument = request.value("argument", Json(""));
+  if (name == "devices") return DescribeAll(devices);
   if (name != "wait") return Perform(devices, device, name, argument);
   const auto count = request.value("count", std::size_t{1});
   const bool is_over = DeviceOf(devices, device).CountCalls(StringOf(argument, "METHOD")) >= count;

@@ -11,6 +11,7 @@
 //   faults  a list of strings          start DAEMON    null
 //   set {PATH: VALUE, ...}   null      restart DAEMON  null
 //   load {STATE DOCUMENT}    null      drop DAEMON     null
+//   devices                  a list: name, endpoints, streams and their receivers
 //   wait METHOD              null, when "count" (default 1) calls of it are recorded
 #pragma once
 

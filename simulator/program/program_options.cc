@@ -313,6 +313,9 @@ void DescribeCtl(CLI::App& app, ProgramOptions& options, const std::vector<std::
   AddCommand(*ctl, options, "state", "Print the state as --save writes it");
   AddCommand(*ctl, options, "calls",
              "Print the calls received with their requests, one JSON object per line");
+  AddCommand(*ctl, options, "devices",
+             "Print the devices, their transmit channels and who receives these, one JSON object "
+             "per line");
   AddCommand(*ctl, options, "forget", "Forget the calls received");
   AddWait(*ctl, options);
   AddSet(*ctl, options, rest);

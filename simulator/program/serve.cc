@@ -100,8 +100,10 @@ class Devices {
 // Reads everything before anything starts.
 std::vector<Builder> Prepare(const ProgramOptions& options, Watchers& watchers) {
   const Options& wanted = options.device;
+  const auto network = std::make_shared<AudioNetwork>();
   std::vector<Builder> devices(static_cast<std::size_t>(options.devices));
   for (std::size_t i = 0; i < devices.size(); ++i) {
+    devices[i].Join(network);
     devices[i].Ports(wanted.network_manager_port, wanted.dapi_port);
     devices[i].Sockets(wanted.network_manager_socket, wanted.dapi_socket, wanted.socket_mode);
     devices[i].With([&](Device& it) {

@@ -191,3 +191,29 @@ CASES
   run -1 timeout 20 "$SIMULATOR" --scenario absent.json
   [ "$output" = 'networkgrpc-simulator: cannot read absent.json: No such file or directory' ]
 }
+
+@test "DevicesOfOneRun_SubscriptionsAreReceivedWhileTheStreamIsThere" {
+  start --devices 2 --name Hall --name Stage
+  received() { # as the first device reports it
+    control state | jq -c '[.dante.routing[0, 1].flag5]'
+  }
+  control set 'dante.routing[1].device' Stage 'dante.routing[1].channel' 02 \
+    'dante.routing[2].device' Hall 'dante.routing[2].channel' 01
+  [ "$(received)" = '[true,true]' ]
+  run -0 control devices
+  [ "$(jq -sc 'map(.name)' <<<"$output")" = '["Hall","Stage"]' ]
+  [ "$(jq -sc '.[1].streams[1]' <<<"$output")" = '{"channel":"02","receivers":[{"device":"Hall","rx_channel":1}]}' ]
+  [ "$(jq -sr '.[0].grpc_dapi_url' <<<"$output")" = "$grpc_dapi_url" ]
+  control --device 2 set 'dante.tx_channels[2].name' renamed
+  [ "$(received)" = '[false,true]' ]
+  control set 'dante.routing[1].channel' renamed
+  [ "$(received)" = '[true,true]' ]
+  control --device 2 set dante.transmit_disabled true
+  [ "$(received)" = '[false,true]' ]
+  control --device 2 set dante.transmit_disabled false dante.sample_rate 96000
+  [ "$(received)" = '[false,true]' ]
+  control --device 2 set dante.sample_rate 48000 dante.name Foyer
+  [ "$(received)" = '[false,true]' ]
+  tool routing set 1 Foyer renamed
+  [ "$(received)" = '[true,true]' ]
+}
