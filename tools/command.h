@@ -39,6 +39,7 @@ enum class Candidates {
   kSwitchModes,
   kSampleRates,
   kOnOff,
+  kDevices,
   kFiles,
 };
 

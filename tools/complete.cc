@@ -7,6 +7,7 @@
 #include "tools/call.h"
 #include "tools/command_line.h"
 #include "tools/dante.h"
+#include "tools/devices.h"
 #include "tools/interface.h"
 #include "tools/tool.h"
 
@@ -48,6 +49,12 @@ List SampleRates() {
   return list;
 }
 
+List DeviceNames() {
+  List list;
+  for (const Device& it : ReadDevices()) list.push_back({it.name, it.host});
+  return list;
+}
+
 List Offered(Candidates what) {
   switch (what) {
     case Candidates::kInterfaceNames:
@@ -64,6 +71,8 @@ List Offered(Candidates what) {
       return SampleRates();
     case Candidates::kOnOff:
       return {{"on", ""}, {"off", ""}};
+    case Candidates::kDevices:
+      return DeviceNames();
     case Candidates::kFiles:
       return {{"", "a file"}};  // the shell completes it
     case Candidates::kNothing:
@@ -187,6 +196,32 @@ List FromDevice(Candidates what) {
   }
 }
 
+bool IsOfDevice(Candidates what) {
+  return what != Candidates::kOnOff && what != Candidates::kFiles && what != Candidates::kDevices;
+}
+
+// False if the command line names another device than one with endpoints on this machine:
+// ssh could ask for a passphrase.
+bool UseDevice(const Position& position, const CLI::App& app) {
+  const auto value = [&](const char* option) { return position.ValueOf(*app.get_option(option)); };
+  if (!value("--host").empty()) return false;
+  Device device{"", value("--network-manager"), value("--dapi"), "", ""};
+  if (!value("--on").empty()) {
+    try {
+      const std::vector<Device> named = FindDevices(value("--on"));
+      if (named.size() != 1 || !named.front().host.empty()) return false;
+      if (device.network_manager.empty()) device.network_manager = named.front().network_manager;
+      if (device.dapi.empty()) device.dapi = named.front().dapi;
+    } catch (const Failure&) {
+      return false;
+    }
+  }
+  if (!device.network_manager.empty())
+    SetEndpoint(Daemon::kNetworkManager, device.network_manager, device.network_manager);
+  if (!device.dapi.empty()) SetEndpoint(Daemon::kDante, device.dapi, device.dapi);
+  return true;
+}
+
 }  // namespace
 
 int Tool::Complete(const std::vector<std::string>& words) {
@@ -196,9 +231,7 @@ int Tool::Complete(const std::vector<std::string>& words) {
   SetCallOptions({kLimit, kLimit, false});
   const CLI::App& app = line->app;
   const Position position(app, words);
-  network_manager = position.ValueOf(*app.get_option("--network-manager"));
-  dapi = position.ValueOf(*app.get_option("--dapi"));
-  UseEndpoints();
+  const bool reaches_device = UseDevice(position, app);
 
   List list;
   const CLI::Option* wanted = position.Wanted();
@@ -206,7 +239,8 @@ int Tool::Complete(const std::vector<std::string>& words) {
     list = Options(position.Command(), app);
   } else if (wanted != nullptr) {
     const auto found = line->candidates.find(wanted);
-    if (found != line->candidates.end()) list = FromDevice(found->second);
+    if (found != line->candidates.end() && (reaches_device || !IsOfDevice(found->second)))
+      list = FromDevice(found->second);
   } else {
     for (const CLI::App* it : position.Command().get_subcommands(nullptr))
       list.push_back({it->get_name(), it->get_description()});

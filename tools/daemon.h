@@ -18,7 +18,10 @@ std::string The(Daemon daemon);
 /// The environment variable that configures where the library finds the daemon.
 const client::Setting& EndpointSetting(Daemon daemon);
 
-/// Where the library finds the daemon.
+/// Where the library finds the daemon, as messages name it.
 std::string Endpoint(Daemon daemon);
+
+/// The library finds the daemon at `endpoint`; messages name it `name`.
+void SetEndpoint(Daemon daemon, const std::string& endpoint, const std::string& name);
 
 }  // namespace tool

@@ -13,6 +13,7 @@ namespace {
 struct State {
   std::mutex mutex;
   std::function<void()> handler;
+  std::function<void()> before_end;
   std::set<grpc::ClientContext*> calls;
   int signal = 0;
 };
@@ -53,10 +54,12 @@ void CallHandler(State& state, int signal) {
 void Handle(int signal) {
   State& state = TheState();
   const std::lock_guard<std::mutex> lock(state.mutex);
-  if (state.handler)
+  if (state.handler) {
     CallHandler(state, signal);
-  else
-    EndBy(signal);
+    return;
+  }
+  if (state.before_end) state.before_end();
+  EndBy(signal);
 }
 
 }  // namespace
@@ -81,6 +84,12 @@ Handler::~Handler() {
   State& state = TheState();
   const std::lock_guard<std::mutex> lock(state.mutex);
   state.handler = std::move(outer);
+}
+
+void BeforeEnd(std::function<void()> function) {
+  State& state = TheState();
+  const std::lock_guard<std::mutex> lock(state.mutex);
+  state.before_end = std::move(function);
 }
 
 void Request() {

@@ -27,6 +27,9 @@ class Handler {
   std::function<void()> outer;
 };
 
+/// A function that is called before a signal ends the process; none: an empty one.
+void BeforeEnd(std::function<void()> function);
+
 /// The same as SIGTERM, for a command that has all it was started for.
 void Request();
 

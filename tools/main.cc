@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "terminal/arenas.h"
+#include "tools/each_device.h"
 #include "tools/rescuer.h"
 #include "tools/tool.h"
 
@@ -24,11 +25,18 @@ int main(int argc, char** argv) {
   terminal::FixNumberOfArenas();
   std::signal(SIGXFSZ, SIG_IGN);  // a file that would be too large is an error, reported
   if (!OpenStandardDescriptors()) return static_cast<int>(tool::ExitStatus::kFailed);
-  // Two commands are not for people: completion by shells, and the rescuer.
+  // Some commands are not for people: completion by shells, the rescuer, and the process
+  // for one of several devices.
   const std::string first = argc > 1 ? argv[1] : "";
   if (first == tool::kRescuerCommand && argc == 3) return tool::RunRescuer(argv[2]);
 
   tool::Tool tool;
+  if (first == tool::kOneDeviceCommand && argc > 2) {
+    tool::EndWithParent();
+    tool.only_device = argv[2];
+    argv += 2;
+    argc -= 2;
+  }
   tool::AddInterface(tool);
   tool::AddSwitch(tool);
   tool::AddHostSettings(tool);
@@ -42,6 +50,7 @@ int main(int argc, char** argv) {
   tool::AddWatch(tool);
   tool::AddCheckpoint(tool);
   tool::AddMetrics(tool);
+  tool::AddDevices(tool);
   if (first == "__complete") return tool.Complete({argv + 2, argv + argc});
 
   return tool.Main(argc, argv);

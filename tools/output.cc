@@ -9,9 +9,21 @@ namespace {
 
 constexpr int kSchema = 3;
 
-Json Head(const std::string& command) { return {{"schema", kSchema}, {"command", command}}; }
+std::string& Device() {
+  static std::string device;
+  return device;
+}
+
+Json Head(const std::string& command) {
+  Json head = {{"schema", kSchema}};
+  if (!Device().empty()) head["device"] = Device();
+  head["command"] = command;
+  return head;
+}
 
 }  // namespace
+
+void SetDevice(const std::string& name) { Device() = name; }
 
 Json ResultJson(const std::string& command, const Json& result) {
   Json object = Head(command);

@@ -10,10 +10,13 @@
 
 namespace tool {
 
-/// {"schema":2,"command":...,"result":...}
+/// The device that was named on the command line; the objects below then have a "device".
+void SetDevice(const std::string& name);
+
+/// {"schema":3,"command":...,"result":...}
 Json ResultJson(const std::string& command, const Json& result);
 
-/// {"schema":2,"command":...,"error":{...}}, with "result" before "error" if the failure
+/// {"schema":3,"command":...,"error":{...}}, with "result" before "error" if the failure
 /// has one.
 Json ErrorJson(const std::string& command, const Failure& failure);
 

@@ -11,12 +11,16 @@
 #include "tools/pending.h"
 #include "tools/state.h"
 #include "tools/state_plan.h"
+#include "tools/state_selection.h"
 
 namespace tool {
 namespace {
 
 struct Arguments {
   std::string file;
+  std::vector<std::string> only;
+  bool skip_missing = false;
+  bool dry_run = false;
   bool reload = false;
 };
 
@@ -30,6 +34,12 @@ std::string ShowReasons(const std::string& heading, const Json& list) {
   return text;
 }
 
+std::string ShowPaths(const std::string& heading, const Json& paths) {
+  std::string text;
+  for (const Json& path : paths) text += heading + Text(path) + "\n";
+  return text;
+}
+
 bool Contains(const Json& list, const std::string& path) {
   return std::find(list.begin(), list.end(), path) != list.end();
 }
@@ -37,8 +47,11 @@ bool Contains(const Json& list, const std::string& path) {
 // An import, and what has become of each of its steps.
 class Import {
  public:
-  Import(const Json& document, bool with_reload) : reload(with_reload) {
+  Import(Json document, const Arguments& arguments) : reload(arguments.reload) {
+    if (!arguments.only.empty()) document = Selected(document, arguments.only);
     const Json current = ReadState();
+    std::vector<std::string> skipped;
+    if (arguments.skip_missing) skipped = RemoveMissing(document, current);
     wanted = Merged(current, document);
     steps = Plan(current, wanted);
     if (reload) pending = PendingNetworkSettings();
@@ -47,6 +60,7 @@ class Import {
               {"stored", Json::array()},
               {"unknown", Json::array()},
               {"not_applied", Json::array()},
+              {"skipped", skipped},
               {"remaining", Json::array()},
               {"reloaded", false},
               {"verified", false}};
@@ -61,7 +75,8 @@ class Import {
 
   std::string PlanText() const {
     return (steps.empty() ? "" : "Differences:\n" + ShowDifferences(result["differences"])) +
-           ShowReasons("cannot be applied: ", result["not_applied"]);
+           ShowReasons("cannot be applied: ", result["not_applied"]) +
+           ShowPaths("skipped: ", result["skipped"]);
   }
 
   std::vector<std::string> Question() const {
@@ -70,6 +85,15 @@ class Import {
     std::vector<std::string> lines = AlsoApplied(pending, changed);
     if (!steps.empty()) lines.insert(lines.begin(), "the device will be changed");
     return lines;
+  }
+
+  Json DryRun() const {
+    if (!result["not_applied"].empty())
+      throw Failure(ExitStatus::kFailed,
+                    "the device does not have all that the document names; "
+                    "--skip-missing leaves that out")
+          .With(result);
+    return result;
   }
 
   /// Reports whatever ends it: a signal ends it between two calls.
@@ -157,7 +181,11 @@ class Import {
 };
 
 Json Run(Tool& tool, const Arguments& arguments) {
-  Import import(ReadStateFile(arguments.file), arguments.reload);
+  Import import(ReadStateFile(arguments.file), arguments);
+  if (arguments.dry_run) {
+    for (const std::string& line : import.Question()) std::cerr << terminal::Printable(line) + "\n";
+    return import.DryRun();
+  }
   if (import.IsNeeded()) {
     std::cerr << import.PlanText();
     tool.Confirm(import.Question());
@@ -165,22 +193,24 @@ Json Run(Tool& tool, const Arguments& arguments) {
   return import.Run();
 }
 
-std::string ShowPaths(const std::string& heading, const Json& paths) {
-  std::string text;
-  for (const Json& path : paths) text += heading + Text(path) + "\n";
-  return text;
-}
-
 std::string Show(const Json& result) {
   std::string text = ShowPaths("applied      ", result["applied"]) +
                      ShowPaths("stored       ", result["stored"]) +
                      ShowReasons("not known    ", result["unknown"]) +
-                     ShowReasons("not applied  ", result["not_applied"]);
+                     ShowReasons("not applied  ", result["not_applied"]) +
+                     ShowPaths("skipped      ", result["skipped"]);
   for (const Json& it : result["remaining"])
     text += "differs      " + ShowDifferences(Json::array({it}));
   if (result["reloaded"]) text += "the stored network configuration is applied\n";
   if (!result["verified"]) return text;
   return text + "the device matches the document\n";
+}
+
+std::string ShowDryRun(const Json& result) {
+  const std::string text = ShowDifferences(result["differences"]) +
+                           ShowReasons("not applied  ", result["not_applied"]) +
+                           ShowPaths("skipped      ", result["skipped"]);
+  return result["differences"].empty() ? text + "no difference\n" : text;
 }
 
 }  // namespace
@@ -191,10 +221,20 @@ void AddImport(Tool& tool) {
       tool.AddVerb(tool.Top(), "import",
                    {"Apply a state document to the device",
                     [&tool, arguments] { return Run(tool, *arguments); },
-                    Show,
-                    {"networkgrpc export >state.json && networkgrpc import state.json --yes"}});
+                    [arguments](const Json& result) {
+                      return arguments->dry_run ? ShowDryRun(result) : Show(result);
+                    },
+                    {"networkgrpc export >state.json && networkgrpc import state.json --yes",
+                     "networkgrpc export >state.json && networkgrpc import state.json --only "
+                     "dante.routing --skip-missing --dry-run"}});
   verb.Argument("FILE", &arguments->file, "The document; - for standard input")
       .Offer(Candidates::kFiles);
+  verb.Option("--only", "PATH", &arguments->only,
+              "Apply only the settings at this path, such as dante.routing or "
+              "dante.tx_channels[1]; can be repeated");
+  verb.Flag("--skip-missing", &arguments->skip_missing,
+            "Leave out the interfaces and channels that the device does not have");
+  verb.Flag("--dry-run", &arguments->dry_run, "Show what would be changed, and change nothing");
   verb.Flag("--reload", &arguments->reload, "Apply the stored network configuration at the end");
   tool.AddYes(verb);
   tool.Undoable(verb, Daemon::kNone);

@@ -12,8 +12,11 @@
 #include "terminal/prompt.h"
 #include "tools/checkpoint.h"
 #include "tools/command_line.h"
+#include "tools/devices.h"
+#include "tools/each_device.h"
 #include "tools/interrupt.h"
 #include "tools/output.h"
+#include "tools/tunnel.h"
 
 namespace tool {
 namespace {
@@ -66,7 +69,12 @@ std::string EnvironmentSection() {
     entries += terminal::Entry(it.variable, std::string(it.meaning) + "; default " + it.fallback);
   return terminal::Section(
       "Environment",
-      entries + terminal::Entry("NO_COLOR", "if set and not empty, print without colour"));
+      entries +
+          terminal::Entry("NETWORKGRPC_DEVICES",
+                          "file of the devices for --on; default "
+                          "/etc/networkgrpc/devices.toml, and ~/.config/networkgrpc/devices.toml, "
+                          "which overrides it") +
+          terminal::Entry("NO_COLOR", "if set and not empty, print without colour"));
 }
 
 std::string MoreHelp(const CommandLine& line, const CLI::App& command, bool all) {
@@ -133,6 +141,12 @@ void Tool::AddGlobalOptions() {
   top.Option("--network-manager", "ENDPOINT", &network_manager,
              "Endpoint of the network-manager daemon");
   top.Option("--dapi", "ENDPOINT", &dapi, "Endpoint of the Dante API daemon");
+  top.Option("--on", "NAME,...", &on,
+             "Act on these devices of 'networkgrpc devices', or on all; default: the endpoints "
+             "of the environment")
+      .Offer(Candidates::kDevices);
+  top.Option("--host", "[USER@]HOST", &host, "Act on the device HOST, through ssh");
+  top.AtMostOne({"--on", "--host"});
 }
 
 Command Tool::Top() { return {*line, line->app}; }
@@ -174,13 +188,6 @@ void Tool::Confirm(const std::function<std::vector<std::string>()>& find) const 
     throw Failure(ExitStatus::kFailed, "not confirmed: nothing was changed");
 }
 
-// Every client reads its endpoint from the environment.
-void Tool::UseEndpoints() const {
-  if (!network_manager.empty())
-    setenv(EndpointSetting(Daemon::kNetworkManager).variable, network_manager.c_str(), 1);
-  if (!dapi.empty()) setenv(EndpointSetting(Daemon::kDante).variable, dapi.c_str(), 1);
-}
-
 int Tool::Fail(const Failure& failure) const {
   const auto found = line->Selected();
   if (json) return Print(JsonText(ErrorJson(found.name, failure)), failure.status);
@@ -219,7 +226,6 @@ int Tool::Run() {
   const Verb& verb = line->verbs.at(found.verb);
   for (const std::string& problem : AbandonedCheckpoints()) std::cerr << ErrorLine(problem);
   SetCallOptions(calls);
-  interrupt::Watch();
   try {
     const Json result = RunVerb(verb);
     const bool has_result = !result.is_null();  // watch has none
@@ -234,6 +240,57 @@ int Tool::Run() {
   } catch (const std::exception& error) {
     return Fail({ExitStatus::kFailed, std::string("unexpected failure: ") + error.what()});
   }
+}
+
+// A file that each would replace.
+void Tool::RejectForSeveral() const {
+  const CLI::Option* output = line->Selected().verb->get_option_no_throw("--output");
+  if (output != nullptr && output->count() > 0)
+    throw Failure(ExitStatus::kUsage,
+                  "--output with several devices: each would replace the file; use --on NAME");
+}
+
+int Tool::RunOnDevice(Device device) {
+  if (!network_manager.empty()) device.network_manager = network_manager;
+  if (!dapi.empty()) device.dapi = dapi;
+  SetDevice(device.name);
+  if (device.host.empty()) {
+    SetEndpoint(Daemon::kNetworkManager, device.network_manager, device.network_manager);
+    SetEndpoint(Daemon::kDante, device.dapi, device.dapi);
+    return Run();
+  }
+  CheckHost(device.host);
+  const std::string command = line->Selected().name;
+  if (confirm_within > 0 || command == "checkpoint" || command == "confirm" ||
+      command == "rollback")
+    throw Failure(ExitStatus::kUsage,
+                  "no checkpoint through ssh: nothing could restore the device once the connection "
+                  "is lost; run networkgrpc there, with 'ssh -t " +
+                      device.host + "'");
+  const Tunnel tunnel(device, calls.timeout);
+  const std::string there = " on " + device.host;
+  SetEndpoint(Daemon::kNetworkManager, tunnel.NetworkManager(), device.network_manager + there);
+  SetEndpoint(Daemon::kDante, tunnel.Dapi(), device.dapi + there);
+  return Run();
+}
+
+int Tool::RunOnDevices(const std::vector<std::string>& arguments) {
+  const std::string command = line->Selected().name;
+  if (only_device.empty() && line->app.get_option("--host")->count() > 0)
+    return RunOnDevice(DeviceOf(host, host));
+  const bool is_named = line->app.get_option("--on")->count() > 0 || !only_device.empty();
+  if (!is_named || command == "devices") {  // the environment, which every client reads
+    if (!network_manager.empty())
+      SetEndpoint(Daemon::kNetworkManager, network_manager, network_manager);
+    if (!dapi.empty()) SetEndpoint(Daemon::kDante, dapi, dapi);
+    return Run();
+  }
+  const std::vector<Device> devices = FindDevices(only_device.empty() ? on : only_device);
+  if (devices.size() == 1) return RunOnDevice(devices.front());
+  RejectForSeveral();
+  if (command == "watch")
+    return RunOnEach(devices, arguments, json ? Form::kJsonAsComes : Form::kLines);
+  return RunOnEach(devices, arguments, json ? Form::kJson : Form::kText);
 }
 
 int Tool::Usage(const std::string& message, bool as_json) const {
@@ -274,9 +331,13 @@ int Tool::Main(int argc, char** argv) {
     return Usage(terminal::Explain(line->app, error), as_json);
   }
   if (line->Selected().verb == nullptr) return Usage("a command is required", as_json);
-  UseEndpoints();
   for (const std::string& argument : arguments) typed += " " + argument;
-  return Run();
+  interrupt::Watch();
+  try {
+    return RunOnDevices(arguments);
+  } catch (const Failure& failure) {
+    return Fail(failure);
+  }
 }
 
 }  // namespace tool

@@ -25,6 +25,7 @@ const char* YesNoOrUnknown(const Json& value);
 const char* ShowApplied(const Json& result);
 
 class Checkpoint;
+struct Device;
 
 class Tool {
  public:
@@ -73,10 +74,14 @@ class Tool {
   bool json = false;
   bool yes = false;
   std::string confirm_by;  // when a change is undone unless it is confirmed; empty: kept
+  /// The device of a process that was started for one of several; see each_device.h.
+  std::string only_device;
 
  private:
   void AddGlobalOptions();
-  void UseEndpoints() const;
+  int RunOnDevices(const std::vector<std::string>& arguments);
+  int RunOnDevice(Device device);
+  void RejectForSeveral() const;
   void Parse(std::vector<std::string> arguments);
   int Run();
   Json RunVerb(const Verb& verb);
@@ -90,6 +95,8 @@ class Tool {
   std::string typed = "networkgrpc";
   double confirm_within = 0;  // seconds; 0: keep without confirmation
   std::unique_ptr<Checkpoint> checkpoint;
+  std::string on;
+  std::string host;
 };
 
 // Each in the file of the same name.
@@ -106,5 +113,6 @@ void AddWait(Tool& tool);
 void AddWatch(Tool& tool);
 void AddCheckpoint(Tool& tool);
 void AddMetrics(Tool& tool);
+void AddDevices(Tool& tool);
 
 }  // namespace tool

@@ -6,6 +6,7 @@ export no_grpc_proxy=localhost,127.0.0.1,::1
 unset http_proxy https_proxy grpc_proxy no_proxy network_manager_url grpc_dapi_url
 unset dante_primary_interface_env dante_secondary_interface_env control_interface_env
 unset NO_COLOR
+export NETWORKGRPC_DEVICES= # none
 [ -z "${BATS_TEST_TMPDIR-}" ] || export XDG_STATE_HOME=$BATS_TEST_TMPDIR/state
 
 # Seconds to wait for an event; ctest sets PATIENCE, longer under emulation.

@@ -112,7 +112,7 @@ changes() { grep -cE '(network|dante|live)[.]' "$seen"; }
   watch --only dante --count 2
   tool channel rename 1 Left
   wait_until grep -q 'tx_channels\[1\]' "$seen"
-  ! ended
+  run ! ended
   tool channel rename 2 Right
   wait "$watcher"
   [ "$(changes)" -eq 2 ]
@@ -142,7 +142,7 @@ changes() { grep -cE '(network|dante|live)[.]' "$seen"; }
   watch --until dante.latency=2000
   tool dante latency 3000
   wait_until grep -q 'latency: 1000 -> 3000' "$seen"
-  ! ended
+  run ! ended
   tool dante latency 2000
   wait "$watcher"
   [[ "$(tail -n 1 "$seen")" == *"dante.latency: 3000 -> 2000" ]]
