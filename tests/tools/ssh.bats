@@ -54,7 +54,8 @@ start_device_there() {
 # start_there COMMAND...: in the background as $process, with its ssh as $ssh, until the
 # device has received a call with a fault.
 start_there() {
-  "$TOOL" --host device --network-manager "$nm" --dapi "$dapi" "$@" \
+  # Without env, the shell would let it ignore SIGINT, as all that it starts with "&".
+  env --default-signal=INT "$TOOL" --host device --network-manager "$nm" --dapi "$dapi" "$@" \
     >"$home/output" 2>"$home/errors" </dev/null 3>&- &
   process=$!
   is_faulty() { [ -n "$(control calls | jq 'select(.fault != "")')" ]; }
@@ -161,7 +162,7 @@ nothing_is_left() { [ "$(ls -A "$home/run")" = '' ]; }
 @test "Host_KeyOfTheTerminalInterruptsSsh_GoesOn" {
   start_device_there --fault 'GetHostname:freeze'
   start_there hostname get
-  kill -INT "$ssh"
+  for signal in INT QUIT HUP; do kill -"$signal" "$ssh"; done
   control clear all
   wait "$process"
   [ "$(<"$home/output")" = amplifier ]
