@@ -64,7 +64,7 @@ void Document::CheckRouting() const {
   }
 }
 
-Document Read(std::istream& stream, const std::string& name) {
+std::string ReadText(std::istream& stream, const std::string& name) {
   std::string text;
   std::array<char, 65536> block{};
   while (text.size() <= kMostBytes && stream) {
@@ -72,15 +72,21 @@ Document Read(std::istream& stream, const std::string& name) {
     text.append(block.data(), static_cast<std::size_t>(stream.gcount()));
   }
   if (stream.bad()) ThrowUnreadable(name);
-  return {text, name};
+  return text;
 }
 
-Document ReadFile(const std::string& file) {
+std::string ReadTextFile(const std::string& file) {
   CheckReadable(file);
   std::ifstream stream(file, std::ios::binary);
   if (!stream) ThrowUnreadable(file);
-  return Read(stream, file);
+  return ReadText(stream, file);
 }
+
+Document Read(std::istream& stream, const std::string& name) {
+  return {ReadText(stream, name), name};
+}
+
+Document ReadFile(const std::string& file) { return {ReadTextFile(file), file}; }
 
 std::string ToText(const Json& document) {
   return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';

@@ -44,8 +44,12 @@ class Document {
   std::map<std::string, std::vector<std::size_t>> lines;  // of the entries of a list, by its path
 };
 
-/// Throw BadDocument, and std::runtime_error if the text cannot be read. A file must
-/// be a regular file or a pipe.
+/// The text of a stream or file, which must be a regular file or a pipe; not much more
+/// than kMostBytes of it. Throw std::runtime_error if it cannot be read.
+std::string ReadText(std::istream& stream, const std::string& name);
+std::string ReadTextFile(const std::string& file);
+
+/// The document in it. Throw BadDocument as well.
 Document Read(std::istream& stream, const std::string& name);
 Document ReadFile(const std::string& file);
 

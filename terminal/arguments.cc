@@ -52,6 +52,21 @@ std::vector<std::string> CommandsAndOptions(const CLI::App& command) {
   return names;
 }
 
+bool HasArguments(const CLI::App& command) {
+  const auto options = command.get_options();
+  return std::any_of(options.begin(), options.end(),
+                     [](const CLI::Option* it) { return it->get_positional(); });
+}
+
+[[noreturn]] void ThrowAmbiguous(const std::string& word,
+                                 const std::vector<const CLI::App*>& meant) {
+  std::string names;
+  for (const CLI::App* it : meant)
+    names += (names.empty() ? "" : it == meant.back() ? " or " : ", ") + it->get_name();
+  throw CLI::ParseError("'" + word + "' is ambiguous: it can mean " + names,
+                        CLI::ExitCodes::ExtrasError);
+}
+
 // The option or argument that a message of the parser begins with.
 std::string Culprit(const std::string& message) {
   return message.substr(0, message.find_first_of(": "));
@@ -102,6 +117,54 @@ const CLI::App* FindCommand(const CLI::App& parent, const std::string& name) {
   return nullptr;
 }
 
+bool IsShown(const CLI::App* command) { return !command->get_group().empty(); }
+
+std::vector<const CLI::App*> Meant(const CLI::App& parent, const std::string& word) {
+  if (const CLI::App* exact = FindCommand(parent, word)) return {exact};
+  if (word.empty() || HasArguments(parent)) return {};
+  return parent.get_subcommands([&word](const CLI::App* it) {
+    return IsShown(it) && it->get_name().compare(0, word.size(), word) == 0;
+  });
+}
+
+bool HasValue(const CLI::Option& option) { return option.get_items_expected_max() != 0; }
+
+const CLI::Option* FindOption(const CLI::App& command, const std::string& name) {
+  for (const CLI::App* it = &command; it != nullptr; it = it->get_parent())
+    if (const CLI::Option* found = it->get_option_no_throw(name)) return found;
+  return nullptr;
+}
+
+std::vector<std::string> Arranged(const CLI::App& program, const std::vector<std::string>& words) {
+  const CLI::App* command = &program;
+  std::vector<std::string> before;
+  std::vector<std::string> arguments;
+  for (auto word = words.begin(); word != words.end(); ++word) {
+    if (*word == "--") {
+      arguments.insert(arguments.end(), word + (HasArguments(*command) ? 1 : 0), words.end());
+      break;
+    }
+    if (word->size() > 1 && word->front() == '-') {
+      before.push_back(*word);
+      const CLI::Option* option = FindOption(*command, *word);
+      if (option != nullptr && HasValue(*option) && word + 1 != words.end())
+        before.push_back(*++word);
+      continue;
+    }
+    const auto meant = arguments.empty() ? Meant(*command, *word) : std::vector<const CLI::App*>();
+    if (meant.size() > 1) ThrowAmbiguous(*word, meant);
+    if (meant.empty()) {
+      arguments.push_back(*word);
+      continue;
+    }
+    command = meant.front();
+    before.push_back(command->get_name());
+  }
+  if (HasArguments(*command) && !arguments.empty()) before.emplace_back("--");
+  before.insert(before.end(), arguments.begin(), arguments.end());
+  return before;
+}
+
 std::string Unknown(const CLI::App& command, const std::string& word) {
   std::size_t least = std::max<std::size_t>(word.size() / 3, 1) + 1;  // else no misspelling
   std::string meant;
@@ -115,11 +178,20 @@ std::string Unknown(const CLI::App& command, const std::string& word) {
          (meant.empty() ? "" : "; did you mean '" + meant + "'?");
 }
 
+void CheckArguments(const CLI::App& program) {
+  const CLI::App* command = &program;
+  for (; !command->get_subcommands().empty(); command = command->get_subcommands().front())
+    for (const CLI::Option* it : command->get_options())
+      if (it->get_positional() && it->count() != 0)
+        throw CLI::ParseError(Unknown(*command->get_subcommands().front(), it->results().front()),
+                              CLI::ExitCodes::ExtrasError);
+}
+
 std::string Explain(const CLI::App& program, const CLI::ParseError& error) {
   const CLI::App* command = &program;
   while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
-  const std::vector<std::string> unknown = program.remaining(true);
-  if (!unknown.empty()) return Unknown(*command, unknown.front());
+  for (const std::string& unknown : program.remaining(true))
+    if (unknown != "--") return Unknown(*command, unknown);
   const std::string message = error.what();
   const std::string& kind = error.get_name();
   if (kind == "RequiredError" && command->get_require_subcommand_min() != 0)

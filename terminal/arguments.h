@@ -37,11 +37,34 @@ CLI::Validator Seconds(double least);
 
 CLI::Validator OneOf(const std::vector<std::string>& words);
 
+/// Whether help shows the command: one in a group without a name is hidden.
+bool IsShown(const CLI::App* command);
+
 /// The command of this name right below `parent`; null if there is none.
 const CLI::App* FindCommand(const CLI::App& parent, const std::string& name);
 
+/// The commands right below `parent` that `word` can mean: the one of this name, or those
+/// shown whose names begin with it. Only the former if `parent` has arguments: the word
+/// could be one.
+std::vector<const CLI::App*> Meant(const CLI::App& parent, const std::string& word);
+
+/// Whether a value follows the option, which is no flag.
+bool HasValue(const CLI::Option& option);
+
+/// The option of this name of the command or of one above; null if there is none.
+const CLI::Option* FindOption(const CLI::App& command, const std::string& name);
+
+/// The words of a command line with commands written out. The arguments of a command that
+/// has some stand at the end, behind "--": the parser would take one that equals the name
+/// of a command for that command. Throws CLI::ParseError if a word can mean several commands.
+std::vector<std::string> Arranged(const CLI::App& program, const std::vector<std::string>& words);
+
 /// What is wrong with `word`, which `command` does not know, and what was perhaps meant.
 std::string Unknown(const CLI::App& command, const std::string& word);
+
+/// Throws CLI::ParseError if a command above the one that was parsed has received an argument:
+/// the parser gives it those that are too many.
+void CheckArguments(const CLI::App& program);
 
 /// What is wrong with a command line that `program` cannot parse.
 std::string Explain(const CLI::App& program, const CLI::ParseError& error);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "terminal/arguments.h"
 #include "terminal/printable.h"
 
 namespace terminal {
@@ -19,7 +20,7 @@ std::size_t Columns(const std::string& text) { return static_cast<std::size_t>(W
 
 std::string Blanks(std::size_t count) { return std::string().append(count, ' '); }
 
-Commands CommandsOf(const CLI::App& command) { return command.get_subcommands(nullptr); }
+Commands CommandsOf(const CLI::App& command) { return command.get_subcommands(IsShown); }
 
 std::string WrappedParagraph(const std::string& text, std::size_t indent) {
   std::string lines;

@@ -24,8 +24,8 @@ std::string Line(const Table::Row& row, const std::vector<int>& widths) {
   int pending = 0;  // blanks, written only when something follows
   for (std::size_t i = 0; i < row.size(); ++i) {
     const std::string cell = Printable(row[i]);
-    if (!cell.empty()) line += std::string(static_cast<std::size_t>(pending), ' ') + cell;
-    pending = (cell.empty() ? pending : 0) + widths[i] - Width(cell) + kGap;
+    line += std::string(static_cast<std::size_t>(pending), ' ') + cell;
+    pending = widths[i] - Width(cell) + kGap;
   }
   return line;
 }
@@ -44,11 +44,9 @@ std::string Bold(const std::string& text) {
 }
 
 Table& Table::Add(Row row) {
-  if (!headings.empty()) {
-    row.resize(headings.size());
-    for (std::string& cell : row)
-      if (cell.empty()) cell = "-";
-  }
+  if (!headings.empty()) row.resize(headings.size());
+  for (std::string& cell : row)
+    if (cell.empty()) cell = "-";
   rows.push_back(std::move(row));
   return *this;
 }

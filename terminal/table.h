@@ -15,13 +15,12 @@ class Table {
  public:
   using Row = std::vector<std::string>;
 
-  /// With headings, an empty cell is printed as "-", so that scripts can cut columns.
   explicit Table(Row headings_or_none = {}) : headings(std::move(headings_or_none)) {}
 
   Table& Add(Row row);
 
-  /// One line per row, each cell as Printable makes it, cells two columns apart;
-  /// no blanks at the end of a line.
+  /// One line per row, each cell as Printable makes it, an empty one as "-", so that
+  /// scripts can cut columns. Cells are two columns apart; no blanks end a line.
   std::string Text() const;
 
  private:

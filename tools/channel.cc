@@ -1,8 +1,10 @@
 // networkgrpc channel: the module's transmit and receive channels.
 #include "terminal/table.h"
 #include "tools/call.h"
+#include "tools/channel_ids.h"
 #include "tools/dante.h"
-#include "tools/tool.h"
+#include "tools/patch_list.h"
+#include "tools/state_import.h"
 
 namespace tool {
 namespace {
@@ -28,13 +30,48 @@ std::string ShowCount(const Json& result) {
   return Text(result["tx"]) + " transmit, " + Text(result["rx"]) + " receive\n";
 }
 
-Json Rename(int id, const std::string& name, bool receive) {
+struct Renaming {
+  std::optional<std::string> ids;
+  std::optional<std::string> name;
+  std::string file;
+  bool receive = false;
+};
+
+const char* Subject(const Renaming& renaming) {
+  return renaming.file.empty() ? "the request" : "the file";
+}
+
+Json RenameOne(int id, const std::string& name, bool receive) {
   if (name.empty()) throw Failure(ExitStatus::kUsage, "NAME must not be empty");
   (receive ? RenameRxChannel : RenameTxChannel)(id, name);
   return {{"id", id}, {"name", name}, {"direction", receive ? "receive" : "transmit"}};
 }
 
-std::string ShowRename(const Json& result) {
+Json ReadNames() { return {{"dante", List()}}; }
+
+Json NewNames(const Renaming& renaming) {
+  const NamePattern names("NAME", *renaming.name);
+  const auto channels = renaming.receive ? Selected(ReadRxChannels(), *renaming.ids, "receive")
+                                         : Selected(ReadTxChannels(), *renaming.ids, "transmit");
+  Json list = Json::array();
+  for (const auto& it : channels.channels())
+    list.push_back({{"id", it.id()}, {"name", names.Name(it.id(), list.size())}});
+  return {{"dante", {{renaming.receive ? "rx_channels" : "tx_channels", list}}}};
+}
+
+Json Rename(Tool& tool, const Renaming& renaming) {
+  if (!renaming.file.empty())
+    return Import(tool, {ChannelNamesFromCsv(renaming.file, List()), ReadNames, Subject(renaming)});
+  if (!renaming.ids || !renaming.name)
+    throw Failure(ExitStatus::kUsage, std::string(renaming.ids ? "NAME" : "ID") +
+                                          " is required; see 'networkgrpc channel rename --help'");
+  if (const auto id = SingleId(*renaming.ids))
+    return RenameOne(*id, *renaming.name, renaming.receive);
+  return Import(tool, {NewNames(renaming), ReadNames, Subject(renaming)});
+}
+
+std::string ShowRename(const Json& result, const Renaming& renaming) {
+  if (result.contains("differences")) return ShowImport(result, Subject(renaming));
   return Text(result["direction"]) + " channel " + Text(result["id"]) + " is named '" +
          Text(result["name"]) + "'\n";
 }
@@ -48,19 +85,31 @@ void AddChannel(Tool& tool) {
       {"List the transmit and receive channels", List, ShowList, {"networkgrpc channel list"}});
   tool.AddVerb(noun, "count",
                {"Show the number of channels", Count, ShowCount, {"networkgrpc channel count"}});
-  const auto id = std::make_shared<int>(0);
-  const auto name = std::make_shared<std::string>();
-  const auto receive = std::make_shared<bool>(false);
-  Command rename = tool.AddVerb(noun, "rename",
-                                {"Rename a transmit channel, or a receive channel",
-                                 [id, name, receive] { return Rename(*id, *name, *receive); },
-                                 ShowRename,
-                                 {"networkgrpc channel rename 1 'Main left'",
-                                  "networkgrpc channel rename --receive 1 'Stage left'"}});
-  rename.Argument("ID", id.get(), "The channel's id in 'channel list'")
+  const auto renaming = std::make_shared<Renaming>();
+  Command rename =
+      tool.AddVerb(noun, "rename",
+                   {"Rename transmit channels, or receive channels",
+                    [&tool, renaming] { return Rename(tool, *renaming); },
+                    [renaming](const Json& result) { return ShowRename(result, *renaming); },
+                    {"networkgrpc channel rename 1 'Main left'",
+                     "networkgrpc channel rename --receive 1-8 'Stage {1}' --yes"}});
+  rename
+      .OptionalArgument("ID", &renaming->ids,
+                        "Channels: ids of 'channel list', as 8 or 1-8,12, or all")
+      .Reject(FaultOfIds)
       .Offer(Candidates::kTxChannels);
-  rename.Argument("NAME", name.get(), "The new name");
-  rename.Flag("--receive", receive.get(), "The receive channel with this id");
+  rename.OptionalArgument("NAME", &renaming->name,
+                          "The new name. For several channels, {} stands for the id, {1} counts "
+                          "from 1, {{ and }} are braces");
+  rename.Flag("--receive", &renaming->receive, "Receive channels, not transmit channels");
+  rename
+      .Option("--from", "FILE", &renaming->file,
+              "Names from a CSV file with the columns direction (transmit or receive), id and "
+              "name; - for standard input")
+      .Offer(Candidates::kFiles);
+  rename.AtMostOne({"--from", "ID"});
+  rename.AtMostOne({"--from", "--receive"});
+  tool.AddYes(rename);
   tool.Undoable(rename, Daemon::kDante);
 }
 

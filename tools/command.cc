@@ -54,6 +54,16 @@ Parameter& Parameter::Offer(Candidates what) {
   return *this;
 }
 
+Parameter& Parameter::Reject(std::string (*fault)(const std::string& value)) {
+  option->check(CLI::Validator([fault](const std::string& value) { return fault(value); }, ""));
+  return *this;
+}
+
+Parameter& Parameter::Required() {
+  option->required();
+  return *this;
+}
+
 Parameter& Parameter::OneOf(const std::vector<std::string>& words) {
   option->check(terminal::OneOf(words));
   return *this;
@@ -110,7 +120,7 @@ CommandLine::Found CommandLine::Selected() const {
   const CLI::App* at = &app;
   while (!at->get_subcommands().empty()) {
     at = at->get_subcommands().front();
-    found.name += (found.name.empty() ? "" : " ") + at->get_name();
+    if (terminal::IsShown(at)) found.name += (found.name.empty() ? "" : " ") + at->get_name();
   }
   const auto noun = verb_of_noun.find(at);
   if (noun != verb_of_noun.end() && !noun->second.empty()) {

@@ -59,6 +59,9 @@ class Parameter {
   Parameter(CommandLine& line, CLI::Option* made) : command_line(line), option(made) {}
 
   Parameter& Offer(Candidates what);
+  /// Values for which `fault` returns what is wrong with them.
+  Parameter& Reject(std::string (*fault)(const std::string& value));
+  Parameter& Required();
   /// Only these values.
   Parameter& OneOf(const std::vector<std::string>& words);
 

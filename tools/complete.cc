@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <iostream>
 
+#include "terminal/arguments.h"
 #include "terminal/printable.h"
 #include "tools/call.h"
 #include "tools/command_line.h"
@@ -86,8 +87,7 @@ bool IsOption(const std::string& word) { return word.size() > 1 && word[0] == '-
 // What the last word of a command line can be.
 class Position {
  public:
-  Position(const CLI::App& root, const std::vector<std::string>& words)
-      : top(root), command(&root) {
+  Position(const CLI::App& root, const std::vector<std::string>& words) : command(&root) {
     for (std::size_t i = 0; i + 1 < words.size(); ++i) Pass(words[i]);
     Begin(words.back());
   }
@@ -102,6 +102,7 @@ class Position {
       if (it->get_positional() && left-- == 0) return it;
     return nullptr;
   }
+  bool WantsCommand() const { return option == nullptr && arguments == 0; }
   bool WantsOption() const { return option == nullptr && start[0] == '-'; }
 
   /// What has been typed of the wanted value, and what precedes it in the same
@@ -124,9 +125,10 @@ class Position {
       const std::size_t equals = word.find('=');
       const CLI::Option* it = FindOption(word.substr(0, equals));
       if (it != nullptr && equals != std::string::npos) values[it] = word.substr(equals + 1);
-      if (it != nullptr && equals == std::string::npos && it->get_type_size() != 0) option = it;
-    } else if (const CLI::App* next = FindCommand(word)) {
-      command = next;
+      if (it != nullptr && equals == std::string::npos && terminal::HasValue(*it)) option = it;
+    } else if (const auto meant = terminal::Meant(*command, word);
+               arguments == 0 && meant.size() == 1) {
+      command = meant.front();
     } else {
       ++arguments;
     }
@@ -143,18 +145,9 @@ class Position {
   }
 
   const CLI::Option* FindOption(const std::string& name) const {
-    for (const CLI::App* it : {command, &top})
-      if (const CLI::Option* found = it->get_option_no_throw(name)) return found;
-    return nullptr;
+    return terminal::FindOption(*command, name);
   }
 
-  const CLI::App* FindCommand(const std::string& name) const {
-    for (const CLI::App* it : command->get_subcommands(nullptr))
-      if (it->get_name() == name) return it;
-    return nullptr;
-  }
-
-  const CLI::App& top;
   const CLI::App* command;
   const CLI::Option* option = nullptr;
   std::size_t arguments = 0;
@@ -241,10 +234,10 @@ int Tool::Complete(const std::vector<std::string>& words) {
     const auto found = line->candidates.find(wanted);
     if (found != line->candidates.end() && (reaches_device || !IsOfDevice(found->second)))
       list = FromDevice(found->second);
-  } else {
-    for (const CLI::App* it : position.Command().get_subcommands(nullptr))
-      list.push_back({it->get_name(), it->get_description()});
   }
+  if (position.WantsCommand() && !position.WantsOption())
+    for (const CLI::App* it : position.Command().get_subcommands(terminal::IsShown))
+      list.push_back({it->get_name(), it->get_description()});
   std::cout << Lines(list, position) << std::flush;
   return 0;
 }

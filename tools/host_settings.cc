@@ -58,17 +58,6 @@ Json Reset(Tool& tool) {
   return {{"reset", true}};
 }
 
-// A command that shows a list of strings.
-Verb Lists(const char* description, const char* member, std::vector<std::string> (*read)(),
-           const char* example) {
-  return {description,
-          [member, read] {
-            return Json{{member, read()}};
-          },
-          [member](const Json& result) { return ShowLines(result[member]); },
-          {example}};
-}
-
 Json Gateway(const std::optional<std::string>& of_interface) {
   if (!of_interface) return {{"interface", nullptr}, {"gateway", ReadGateway()}};
   const Interface interface = FindInterface(*of_interface);
@@ -79,51 +68,73 @@ Json Gateway(const std::optional<std::string>& of_interface) {
   return {{"interface", interface.name}, {"gateway", routing.gateway()}};
 }
 
+// A single setting: its noun alone shows it, with a value sets it.
 void AddHostname(Tool& tool) {
-  const Command noun = tool.AddNoun("hostname", "Show and set the host name", "get");
-  tool.AddVerb(noun, "get",
-               {"Show the host name",
-                [] {
-                  return Json{{"hostname", ReadHostname()}};
-                },
-                ShowMember("hostname"),
-                {"networkgrpc hostname get"}});
-  const auto name = std::make_shared<std::string>();
-  const auto show = [](const Json& result) {
+  const auto name = std::make_shared<std::optional<std::string>>();
+  const auto show_set = [](const Json& result) {
     return "host name is set to '" + Text(result["hostname"]) + "'\n";
   };
-  Command set = tool.AddVerb(noun, "set",
-                             {"Set the host name, exactly as given",
-                              [name] { return SetHostnameTo(*name); },
-                              show,
-                              {"networkgrpc hostname set studio-amp"}});
+  Verb setting{"Show or set the host name",
+               [name] {
+                 return *name ? SetHostnameTo(**name) : Json{{"hostname", ReadHostname()}};
+               },
+               [name, show_set](const Json& result) {
+                 return *name ? show_set(result) : Text(result["hostname"]) + "\n";
+               },
+               {"networkgrpc hostname", "networkgrpc hostname studio-amp"}};
+  Command noun = tool.AddVerb(tool.Top(), "hostname", setting);
+  noun.OptionalArgument("NAME", name.get(), "The new name, set exactly as given");
+  setting.examples.clear();
+  Command get = tool.AddOldSpelling(noun, "get", setting);
+  Command set = tool.AddOldSpelling(noun, "set", setting);
+  set.Argument("NAME", name.get(), "The new name");
+
+  const auto amplifier = std::make_shared<std::string>();
   Command derive = tool.AddVerb(
       noun, "from-ampname",
       {"Set a host name made from the amplifier's name: its letters, in lower case, and digits",
-       [name] { return SetHostnameTo(HostnameFrom(*name)); },
-       show,
+       [amplifier] { return SetHostnameTo(HostnameFrom(*amplifier)); },
+       show_set,
        {"networkgrpc hostname from-ampname 'Studio Amp 2'"}});
-  set.Argument("NAME", name.get(), "The host name");
-  derive.Argument("NAME", name.get(), "The amplifier's name");
-  for (Command* verb : {&set, &derive}) tool.Undoable(*verb, Daemon::kNetworkManager);
+  derive.Argument("NAME", amplifier.get(), "The amplifier's name");
+  for (Command* verb : {&noun, &get, &set, &derive}) tool.Undoable(*verb, Daemon::kNetworkManager);
+}
+
+struct NtpArguments {
+  std::vector<std::string> servers;
+  bool reload = false;
+};
+
+Json Ntp(Tool& tool, const NtpArguments& arguments) {
+  if (!arguments.servers.empty()) return SetNtp(tool, arguments.servers, arguments.reload);
+  if (arguments.reload) throw Failure(ExitStatus::kUsage, "--reload requires SERVER");
+  return {{"servers", ReadNtpServers()}};
+}
+
+std::string ShowNtp(const Json& result) {
+  return result.contains("stored") ? ShowSetNtp(result) : ShowLines(result["servers"]);
 }
 
 void AddNtp(Tool& tool) {
-  const Command noun = tool.AddNoun("ntp", "Show and set the NTP servers", "get");
-  tool.AddVerb(noun, "get",
-               Lists("Show the stored NTP servers, one per line", "servers", ReadNtpServers,
-                     "networkgrpc ntp get"));
-  const auto servers = std::make_shared<std::vector<std::string>>();
-  const auto reload = std::make_shared<bool>(false);
-  Command set = tool.AddVerb(noun, "set",
-                             {"Store the list of NTP servers",
-                              [&tool, servers, reload] { return SetNtp(tool, *servers, *reload); },
-                              ShowSetNtp,
-                              {"networkgrpc ntp set time.example --reload --yes"}});
-  set.Argument("SERVER", servers.get(), "Names or addresses");
-  set.Flag("--reload", reload.get(), "Apply the stored NTP configuration at once");
-  tool.AddYes(set);
-  tool.Undoable(set, Daemon::kNetworkManager);
+  const auto arguments = std::make_shared<NtpArguments>();
+  const auto add_options = [&tool, arguments](Command& verb) {
+    verb.Flag("--reload", &arguments->reload, "Apply the stored NTP configuration at once");
+    tool.AddYes(verb);
+    tool.Undoable(verb, Daemon::kNetworkManager);
+  };
+  Verb setting{"Show or store the list of NTP servers",
+               [&tool, arguments] { return Ntp(tool, *arguments); },
+               ShowNtp,
+               {"networkgrpc ntp", "networkgrpc ntp time.example --reload --yes"}};
+  Command noun = tool.AddVerb(tool.Top(), "ntp", setting);
+  noun.OptionalArgument("SERVER", &arguments->servers, "Names or addresses");
+  add_options(noun);
+  setting.examples.clear();
+  Command get = tool.AddOldSpelling(noun, "get", setting);
+  tool.Undoable(get, Daemon::kNetworkManager);
+  Command set = tool.AddOldSpelling(noun, "set", setting);
+  set.Argument("SERVER", &arguments->servers, "Names or addresses");
+  add_options(set);
 }
 
 }  // namespace
@@ -155,9 +166,13 @@ std::string ReadGateway() { return Read(rpc::kGetRouting, "read the default gate
 void AddHostSettings(Tool& tool) {
   AddHostname(tool);
   AddNtp(tool);
-  tool.AddVerb(
-      tool.Top(), "dns",
-      Lists("Show the DNS servers in use, one per line", "dns", ReadDnsServers, "networkgrpc dns"));
+  tool.AddVerb(tool.Top(), "dns",
+               {"Show the DNS servers in use, one per line",
+                [] {
+                  return Json{{"dns", ReadDnsServers()}};
+                },
+                [](const Json& result) { return ShowLines(result["dns"]); },
+                {"networkgrpc dns"}});
   const auto interface = std::make_shared<std::optional<std::string>>();
   Command gateway = tool.AddVerb(tool.Top(), "gateway",
                                  {"Show the default gateway, or that of an interface",

@@ -37,9 +37,8 @@ std::string KeyOf(const Json& entry) {
 
 bool IsCalled(const Json& entry, std::size_t position, const std::string& name) {
   if (name.empty()) return true;
-  const std::string key = KeyOf(entry);
-  if (key.empty()) return std::to_string(position) == name;
-  return key == name || (entry.contains("id") && entry["id"].dump() == name);
+  if (EntryName(entry, position) == name) return true;
+  return entry.is_object() && entry.contains("id") && entry["id"].dump() == name;
 }
 
 void Collect(const Json& json, const std::vector<Step>& steps, std::size_t at,
@@ -57,6 +56,11 @@ void Collect(const Json& json, const std::vector<Step>& steps, std::size_t at,
 }
 
 }  // namespace
+
+std::string EntryName(const Json& entry, std::size_t position) {
+  const std::string key = KeyOf(entry);
+  return key.empty() ? std::to_string(position) : key;
+}
 
 std::vector<Json> ValuesAt(const Json& json, const std::string& path) {
   std::vector<Json> values;

@@ -17,4 +17,7 @@ std::vector<Json> ValuesAt(const Json& json, const std::string& path);
 /// contains what stands at the other.
 bool AreNested(const std::string& path, const std::string& other);
 
+/// The name of an entry of a list in a path.
+std::string EntryName(const Json& entry, std::size_t position);
+
 }  // namespace tool

@@ -73,23 +73,22 @@ std::string DocumentText(const Json& state) {
   return terminal::EscapedInJson(state_document::ToText(state));
 }
 
-// A file that cannot be written is named before the daemons are asked.
-Json Export(const std::string& file) {
-  try {
-    if (!file.empty()) state_document::CheckSavable(file);
-    Json state = ReadState();
-    if (!file.empty()) state_document::SaveFile(file, DocumentText(state));
-    return state;
-  } catch (const std::runtime_error& error) {
-    throw Failure(ExitStatus::kFailed, error.what());
-  }
-}
-
 std::string ShowDiff(const Json& result) {
   return result["equal"] ? "no difference\n" : ShowDifferences(result["differences"]);
 }
 
 }  // namespace
+
+Json SavedTo(const std::string& file, const std::function<Json()>& read, const ToText& text) {
+  try {
+    if (!file.empty()) state_document::CheckSavable(file);
+    Json result = read();
+    if (!file.empty()) state_document::SaveFile(file, text(result));
+    return result;
+  } catch (const std::runtime_error& error) {
+    throw Failure(ExitStatus::kFailed, error.what());
+  }
+}
 
 Json ReadStateFile(const std::string& file) {
   try {
@@ -115,7 +114,7 @@ void AddState(Tool& tool) {
   Command exports = tool.AddVerb(
       tool.Top(), "export",
       {"Print the settable state as a JSON document",
-       [output] { return Export(*output); },
+       [output] { return SavedTo(*output, ReadState, DocumentText); },
        [output](const Json& state) { return output->empty() ? DocumentText(state) : ""; },
        {"networkgrpc export --output state.json"}});
   exports

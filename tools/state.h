@@ -1,9 +1,11 @@
 // A device's settable state as one JSON document: see state_document/table.h.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "state_document/compare.h"
+#include "tools/command.h"
 #include "tools/json.h"
 
 namespace tool {
@@ -21,6 +23,10 @@ Json ReadDanteState();
 /// The settable members of a document; the file "-" is standard input. Throws
 /// a Failure if it cannot be read or is wrong.
 Json ReadStateFile(const std::string& file);
+
+/// What is read, also saved in a file unless that is "". A file that cannot be written is
+/// named before the daemons are asked.
+Json SavedTo(const std::string& file, const std::function<Json()>& read, const ToText& text);
 
 /// One line per difference: "PATH: FROM -> TO".
 std::string ShowDifferences(const Json& differences);

@@ -16,6 +16,8 @@
 namespace tool {
 namespace {
 
+constexpr const char* kDocument = "the document";
+
 struct Arguments {
   std::string file;
   std::vector<std::string> only;
@@ -45,13 +47,14 @@ bool Contains(const Json& list, const std::string& path) {
 }
 
 // An import, and what has become of each of its steps.
-class Import {
+class Importer {
  public:
-  Import(Json document, const Arguments& arguments) : reload(arguments.reload) {
-    if (!arguments.only.empty()) document = Selected(document, arguments.only);
-    const Json current = ReadState();
+  Importer(const ChangeSet& changes, bool with_reload, bool skip_missing = false)
+      : reload(with_reload), read(changes.read), subject(changes.subject) {
+    Json document = changes.document;
+    const Json current = read();
     std::vector<std::string> skipped;
-    if (arguments.skip_missing) skipped = RemoveMissing(document, current);
+    if (skip_missing) skipped = RemoveMissing(document, current);
     wanted = Merged(current, document);
     steps = Plan(current, wanted);
     if (reload) pending = PendingNetworkSettings();
@@ -100,7 +103,7 @@ class Import {
   Json Run() {
     const interrupt::Handler handler;
     {
-      terminal::Progress progress("importing", steps.size());
+      terminal::Progress progress("setting", steps.size());
       for (const Step& step : steps) {
         if (!step.from.is_null()) Do(step);
         progress.Step();
@@ -153,11 +156,11 @@ class Import {
 
   void Verify() {
     try {
-      const auto remaining = Differences("", ReadState(), wanted);
+      const auto remaining = Differences("", read(), wanted);
       result["remaining"] = ToJson(remaining);
       result["verified"] = remaining.empty();
       if (!remaining.empty())
-        Stop({ExitStatus::kFailed, "the device differs from the document"}, "not verified: ");
+        Stop({ExitStatus::kFailed, "the device differs from " + subject}, "not verified: ");
     } catch (const Failure& it) {
       Stop(it, "not verified: ");
       if (HasChanged()) failure->outcome = Outcome::kUnknown;
@@ -173,6 +176,8 @@ class Import {
   }
 
   bool reload;
+  std::function<Json()> read;
+  std::string subject;
   Json wanted;
   std::vector<Step> steps;
   std::vector<PendingSetting> pending;  // before the import, if there is to be a reload
@@ -180,30 +185,21 @@ class Import {
   std::optional<Failure> failure;
 };
 
-Json Run(Tool& tool, const Arguments& arguments) {
-  Import import(ReadStateFile(arguments.file), arguments);
-  if (arguments.dry_run) {
-    for (const std::string& line : import.Question()) std::cerr << terminal::Printable(line) + "\n";
-    return import.DryRun();
+Json Run(Tool& tool, Importer& importer) {
+  if (importer.IsNeeded()) {
+    if (!tool.quiet || !tool.yes) std::cerr << importer.PlanText();
+    tool.Confirm(importer.Question());
   }
-  if (import.IsNeeded()) {
-    std::cerr << import.PlanText();
-    tool.Confirm(import.Question());
-  }
-  return import.Run();
+  return importer.Run();
 }
 
-std::string Show(const Json& result) {
-  std::string text = ShowPaths("applied      ", result["applied"]) +
-                     ShowPaths("stored       ", result["stored"]) +
-                     ShowReasons("not known    ", result["unknown"]) +
-                     ShowReasons("not applied  ", result["not_applied"]) +
-                     ShowPaths("skipped      ", result["skipped"]);
-  for (const Json& it : result["remaining"])
-    text += "differs      " + ShowDifferences(Json::array({it}));
-  if (result["reloaded"]) text += "the stored network configuration is applied\n";
-  if (!result["verified"]) return text;
-  return text + "the device matches the document\n";
+Json ImportFile(Tool& tool, const Arguments& arguments) {
+  Json document = ReadStateFile(arguments.file);
+  if (!arguments.only.empty()) document = Selected(document, arguments.only);
+  Importer importer({document, ReadState, kDocument}, arguments.reload, arguments.skip_missing);
+  if (!arguments.dry_run) return Run(tool, importer);
+  for (const std::string& line : importer.Question()) std::cerr << terminal::Printable(line) + "\n";
+  return importer.DryRun();
 }
 
 std::string ShowDryRun(const Json& result) {
@@ -215,18 +211,36 @@ std::string ShowDryRun(const Json& result) {
 
 }  // namespace
 
+Json Import(Tool& tool, const ChangeSet& changes) {
+  Importer importer(changes, false);
+  return Run(tool, importer);
+}
+
+std::string ShowImport(const Json& result, const std::string& subject) {
+  std::string text = ShowPaths("applied      ", result["applied"]) +
+                     ShowPaths("stored       ", result["stored"]) +
+                     ShowReasons("not known    ", result["unknown"]) +
+                     ShowReasons("not applied  ", result["not_applied"]) +
+                     ShowPaths("skipped      ", result["skipped"]);
+  for (const Json& it : result["remaining"])
+    text += "differs      " + ShowDifferences(Json::array({it}));
+  if (result["reloaded"]) text += "the stored network configuration is applied\n";
+  if (!result["verified"]) return text;
+  return text + "the device matches " + subject + "\n";
+}
+
 void AddImport(Tool& tool) {
   const auto arguments = std::make_shared<Arguments>();
-  Command verb =
-      tool.AddVerb(tool.Top(), "import",
-                   {"Apply a state document to the device",
-                    [&tool, arguments] { return Run(tool, *arguments); },
-                    [arguments](const Json& result) {
-                      return arguments->dry_run ? ShowDryRun(result) : Show(result);
-                    },
-                    {"networkgrpc export >state.json && networkgrpc import state.json --yes",
-                     "networkgrpc export >state.json && networkgrpc import state.json --only "
-                     "dante.routing --skip-missing --dry-run"}});
+  Command verb = tool.AddVerb(
+      tool.Top(), "import",
+      {"Apply a state document to the device",
+       [&tool, arguments] { return ImportFile(tool, *arguments); },
+       [arguments](const Json& result) {
+         return arguments->dry_run ? ShowDryRun(result) : ShowImport(result, kDocument);
+       },
+       {"networkgrpc export >state.json && networkgrpc import state.json --yes",
+        "networkgrpc export >state.json && networkgrpc import state.json --only "
+        "dante.routing --skip-missing --dry-run"}});
   verb.Argument("FILE", &arguments->file, "The document; - for standard input")
       .Offer(Candidates::kFiles);
   verb.Option("--only", "PATH", &arguments->only,

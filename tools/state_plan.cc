@@ -23,8 +23,9 @@ void Add(Steps& steps, Step step) {
 
 template <class Value, class Function>
 void AddSetting(Steps& steps, const Json& from, const Json& to, const char* name, Function set) {
-  Add(steps, {std::string("dante.") + name, from[name], to[name], Effect::kAtOnce,
-              [set, value = to[name].get<Value>()] { set(value); }});
+  if (to.contains(name))
+    Add(steps, {std::string("dante.") + name, from[name], to[name], Effect::kAtOnce,
+                [set, value = to[name].get<Value>()] { set(value); }});
 }
 
 void PlanDanteSettings(Steps& steps, const Json& from, const Json& to) {
@@ -38,8 +39,9 @@ void PlanDanteSettings(Steps& steps, const Json& from, const Json& to) {
 
 void PlanChannels(Steps& steps, const std::string& list, const Json& from, const Json& to,
                   void (*rename)(std::int32_t id, const std::string& name)) {
-  const Index index(from, "id");
-  for (const Json& it : to) {
+  if (!to.contains(list)) return;
+  const Index index(from[list], "id");
+  for (const Json& it : to[list]) {
     const Json* present = index.Find(it["id"]);
     const std::string name = it.value("name", "");
     Add(steps, {"dante." + list + "[" + it["id"].dump() + "].name",
@@ -49,8 +51,9 @@ void PlanChannels(Steps& steps, const std::string& list, const Json& from, const
 }
 
 void PlanRouting(Steps& steps, const Json& from, const Json& to) {
-  const Index index(from, "rx_channel");
-  for (const Json& it : to) {
+  if (!to.contains("routing")) return;
+  const Index index(from["routing"], "rx_channel");
+  for (const Json& it : to["routing"]) {
     const Json* present = index.Find(it["rx_channel"]);
     Add(steps,
         {"dante.routing[" + it["rx_channel"].dump() + "]", present != nullptr ? *present : Json(),
@@ -90,9 +93,9 @@ std::vector<Step> Plan(const Json& current, const Json& wanted) {
     const Json& from = current["dante"];
     const Json& to = wanted["dante"];
     PlanDanteSettings(steps, from, to);
-    PlanChannels(steps, "tx_channels", from["tx_channels"], to["tx_channels"], RenameTxChannel);
-    PlanChannels(steps, "rx_channels", from["rx_channels"], to["rx_channels"], RenameRxChannel);
-    PlanRouting(steps, from["routing"], to["routing"]);
+    PlanChannels(steps, "tx_channels", from, to, RenameTxChannel);
+    PlanChannels(steps, "rx_channels", from, to, RenameRxChannel);
+    PlanRouting(steps, from, to);
   }
   if (current.contains("network")) {
     PlanHost(steps, current["network"], wanted["network"]);

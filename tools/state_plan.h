@@ -22,7 +22,7 @@ struct Step {
 };
 
 /// The steps in a safe order: what can cut the connection comes last. Only those of the
-/// daemons whose part `current` has.
+/// daemons whose part `current` has, and of the settings that `wanted` has.
 std::vector<Step> Plan(const Json& current, const Json& wanted);
 
 }  // namespace tool

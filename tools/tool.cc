@@ -17,6 +17,7 @@
 #include "tools/interrupt.h"
 #include "tools/output.h"
 #include "tools/tunnel.h"
+#include "tools/values.h"
 
 namespace tool {
 namespace {
@@ -60,7 +61,7 @@ std::string ExitStatusSection() {
           Entry("5", "the daemon answered with an error status") +
           Entry("6", "the connection or a time limit ended during a change: it may be done") +
           Entry("8", "the daemon cannot be reached; nothing was changed") +
-          Entry("10", "the interface, role, channel or switch mode was not found"));
+          Entry("10", "no such interface, role, channel or switch mode, or no value of --get"));
 }
 
 std::string EnvironmentSection() {
@@ -134,6 +135,11 @@ Tool::~Tool() = default;
 void Tool::AddGlobalOptions() {
   Command top = Top();
   top.Flag("--json", &json, "Print one JSON object instead of text");
+  top.Option("--get", "FIELD[,FIELD]...", &get,
+             "Print only these values of the result, one per line: paths in what --json prints")
+      .Reject(FaultOfFields);
+  top.Flag("--quiet", &quiet, "Print no result, only errors");
+  top.AtMostOne({"--json", "--get", "--quiet"});
   top.Seconds("--timeout", &calls.timeout, 0.01, "Longest time for a call; default 30");
   top.Seconds("--total-timeout", &calls.total_timeout, 0.01,
               "Longest time for all calls together; default no limit");
@@ -174,6 +180,13 @@ void Tool::Undoable(Command& verb, Daemon of) {
                "Undo the change unless it is confirmed in time");
 }
 
+Command Tool::AddOldSpelling(const Command& noun, const std::string& name, Verb verb) {
+  noun.App().require_subcommand(0, 1);
+  const Command command = AddVerb(noun, name, std::move(verb));
+  command.App().group("");
+  return command;
+}
+
 void Tool::Confirm(const std::function<std::vector<std::string>()>& find) const {
   if (checkpoint != nullptr) checkpoint->Announce();
   if (yes) return;
@@ -188,13 +201,23 @@ void Tool::Confirm(const std::function<std::vector<std::string>()>& find) const 
     throw Failure(ExitStatus::kFailed, "not confirmed: nothing was changed");
 }
 
+std::string Tool::ResultText(const Verb& verb, const Json& result) const {
+  if (quiet || result.is_null()) return "";  // watch has none
+  return get.empty() ? verb.show(result) : ValueLines(result, get);
+}
+
 int Tool::Fail(const Failure& failure) const {
   const auto found = line->Selected();
   if (json) return Print(JsonText(ErrorJson(found.name, failure)), failure.status);
-  const bool has_result = !failure.result.is_null();
-  const int status =
-      Print(has_result ? line->verbs.at(found.verb).show(failure.result) : "", failure.status);
-  std::cerr << ErrorLine(failure.message);
+  std::string text;
+  std::string errors;
+  try {
+    text = ResultText(line->verbs.at(found.verb), failure.result);
+  } catch (const Failure& without_value) {
+    errors = ErrorLine(without_value.message);
+  }
+  const int status = Print(text, failure.status);
+  std::cerr << errors + ErrorLine(failure.message);
   return status;
 }
 
@@ -228,11 +251,10 @@ int Tool::Run() {
   SetCallOptions(calls);
   try {
     const Json result = RunVerb(verb);
-    const bool has_result = !result.is_null();  // watch has none
+    if (!json) return Print(ResultText(verb, result), ExitStatus::kDone);
     Json object = ResultJson(found.name, result);
     if (!confirm_by.empty()) object["confirm_by"] = confirm_by;
-    const std::string text = json ? JsonText(object) : verb.show(result);
-    return Print(has_result ? text : "", ExitStatus::kDone);
+    return Print(result.is_null() ? "" : JsonText(object), ExitStatus::kDone);
   } catch (const Failure& failure) {
     return Fail(failure);
   } catch (const std::bad_alloc&) {
@@ -309,8 +331,10 @@ void Tool::Parse(std::vector<std::string> arguments) {
     arguments.emplace_back("--help");
   }
   RejectValuesOfFlags(line->app);
+  arguments = terminal::Arranged(line->app, arguments);
   std::reverse(arguments.begin(), arguments.end());  // as the parser expects them
   line->app.parse(std::move(arguments));
+  terminal::CheckArguments(line->app);
 }
 
 int Tool::Main(int argc, char** argv) {

@@ -41,6 +41,8 @@ class Tool {
   Command AddNoun(const std::string& name, const std::string& description, const std::string& verb);
   /// A verb of a noun, or of the tool itself.
   Command AddVerb(const Command& parent, const std::string& name, Verb verb);
+  /// A verb that means the same as its noun, as which it is reported; help does not show it.
+  Command AddOldSpelling(const Command& noun, const std::string& name, Verb verb);
   /// The option --yes of a command that calls Confirm.
   void AddYes(Command& verb) {
     verb.Flag("-y,--yes", &yes, "Do not ask for confirmation; required if there is no terminal");
@@ -76,6 +78,8 @@ class Tool {
   std::string confirm_by;  // when a change is undone unless it is confirmed; empty: kept
   /// The device of a process that was started for one of several; see each_device.h.
   std::string only_device;
+  bool quiet = false;  // no text of a result
+  std::string get;     // the fields to print instead; empty: the whole
 
  private:
   void AddGlobalOptions();
@@ -85,6 +89,7 @@ class Tool {
   void Parse(std::vector<std::string> arguments);
   int Run();
   Json RunVerb(const Verb& verb);
+  std::string ResultText(const Verb& verb, const Json& result) const;
   int Fail(const Failure& failure) const;
   int Usage(const std::string& message, bool as_json) const;
 

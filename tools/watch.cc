@@ -17,6 +17,7 @@
 #include "tools/output.h"
 #include "tools/state.h"
 #include "tools/tool.h"
+#include "tools/values.h"
 
 namespace tool {
 namespace {
@@ -31,8 +32,8 @@ struct Arguments {
 /// Where the watchers of both daemons write, one line at a time.
 class Lines {
  public:
-  Lines(bool as_json, const Arguments& arguments)
-      : json(as_json), only(arguments.only), left(arguments.count) {}
+  Lines(const Tool& of, const Arguments& arguments)
+      : tool(of), only(arguments.only), left(arguments.count) {}
 
   /// What becomes of a daemon.
   void Event(const std::string& path, const Json& to) { Write(path, nullptr, to, false); }
@@ -87,12 +88,21 @@ class Lines {
     if (has_ended) return false;
     const std::string time = UtcTime(std::time(nullptr));
     object["time"] = time;
-    std::cout << (json ? JsonText(object) : time + " " + text) << std::flush;
+    if (object.contains("error") && !tool.get.empty())
+      std::cerr << ErrorLine(object["error"]["message"]);
+    else
+      std::cout << LineOf(object, time + " " + text) << std::flush;
     if (!CanWrite() || (is_change && left.has_value() && --*left == 0)) has_ended = true;
     return has_ended;
   }
 
-  const bool json;
+  std::string LineOf(const Json& object, const std::string& text) const {
+    if (tool.json) return JsonText(object);
+    if (!tool.get.empty()) return ValueOrNullLines(object["result"], tool.get);
+    return tool.quiet && !object.contains("error") ? "" : text;
+  }
+
+  const Tool& tool;
   const std::vector<std::string>& only;
   std::mutex mutex;
   std::optional<std::uint64_t> left;  // lines of changes
@@ -152,7 +162,7 @@ Target CheckedTarget(const Arguments& arguments) {
 // Ends when interrupted, with success, or when nobody reads the lines any more.
 Json Run(const Tool& tool, const Arguments& arguments) {
   const Target target = CheckedTarget(arguments);
-  Lines lines(tool.json, arguments);
+  Lines lines(tool, arguments);
   const interrupt::Handler handler([&lines] { lines.End(); });
   Watcher network(lines, Daemon::kNetworkManager, ObserveNetwork, target);
   Watcher dante(lines, Daemon::kDante, ObserveDante, target);

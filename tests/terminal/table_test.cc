@@ -40,7 +40,7 @@ INSTANTIATE_TEST_SUITE_P(
              {"A", "B", "C"},
              {{"1", "", "3"}, {"1", "", ""}},
              "A  B  C\n1  -  3\n1  -  -\n"},
-        Case{"EmptyCellsWithoutHeadings", {}, {{"a", "", "b"}, {"a", "c"}}, "a     b\na  c\n"},
+        Case{"EmptyCellsWithoutHeadings", {}, {{"a", "", "b"}, {"a", "c"}}, "a  -  b\na  c\n"},
         Case{"WideAndCombining",
              {},
              {{"\u97f3\u58f0", "x"}, {"Ku\u0308che", "x"}, {"abcde", "x"}},

@@ -22,7 +22,7 @@ on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
   run --separate-stderr tool --timeout 0.3 --json hostname get
   [ "$status" -eq 3 ]
   [ "$(jq -r '.command + " " + .error.name + " " + .error.daemon' <<<"$output")" = \
-    "hostname get time-limit network-manager" ]
+    "hostname time-limit network-manager" ]
   /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <<<"$output"
 }
 

@@ -38,6 +38,17 @@ run_examples() {
     sed -E 's/ +# .*//')
 }
 
+@test "FiveMinutes_CommandsOfThePage_ChangeTheRouting" {
+  cd "$BATS_TEST_TMPDIR"
+  # The page starts a shell on a simulated device, which reads the rest.
+  PATH="$(dirname "$TOOL"):$(dirname "$SIMULATOR"):$PATH"
+  # shellcheck disable=SC2016 # backticks of Markdown
+  run -0 env SHELLOPTS=errexit bash < <(sed -n '/^```sh$/,/^```$/p' "$SOURCE_TREE/docs/five_minutes.md" | grep -v '^```')
+  [[ $output == *"receive channel 16 is subscribed to Mic 8 @ Stage box"$'\nMic 8\n'* ]]
+  grep -q '^16,Stage box,Mic 8,' patch.csv
+  jq -e '.dante.routing[15].channel == "Mic 8"' state.json
+}
+
 @test "ManualPages_EveryNoun_ExistAndPassLint" {
   [ -e "$MAN_PAGES/networkgrpc.1" ] || skip "help2man was not installed"
   for noun in $(tool __complete '' | cut -f1); do [ -e "$MAN_PAGES/networkgrpc-$noun.1" ]; done

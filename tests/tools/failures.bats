@@ -127,7 +127,7 @@ RELOADS
     "routing set 0x1 a b" "routing set 1.0 a b" "switch set one --yes"; do
     # shellcheck disable=SC2086 # split into words
     run -2 --separate-stderr tool $words
-    [[ $stderr == *"must be an integer from "* ]]
+    [[ $stderr == *"must be an integer from "* || $stderr == *"must be an id, "* ]]
   done
 }
 
@@ -143,7 +143,7 @@ interface set --dns|--dns requires a value; see 'networkgrpc interface set --hel
 interface set --dynamic=3|--dynamic does not have a value; see 'networkgrpc interface set --help'
 interface set --control --name lan1|--control cannot be combined with --name; see 'networkgrpc interface set --help'
 dns --timeout 1 --timeout 2|--timeout can be given only once; see 'networkgrpc dns --help'
-hostname set|NAME is required; see 'networkgrpc hostname set --help'
+hostname set|NAME is required; see 'networkgrpc hostname --help'
 USAGE
 }
 
