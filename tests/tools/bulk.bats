@@ -100,10 +100,14 @@ COMMANDS
 @test "SeveralChannels_OnATerminal_ShowsThePlanAndAsks" {
   require_terminal
   start_simulator
-  run -1 script --quiet --return --command "$TOOL routing set 1-2 B C" /dev/null <<<n
+  log="$BATS_TEST_TMPDIR/log"
+  # What is typed before the question does not count.
+  answer() { wait_until grep -qs "Continue?" "$log" && echo "$1"; }
+  run -1 script --quiet --return --flush --command "$TOOL routing set 1-2 B C" "$log" < <(answer n)
   [[ $output == *'dante.routing[1].device: "" -> "B"'*"Continue?"*"nothing was changed"* ]]
   [ -z "$(routes)" ]
-  run -0 script --quiet --return --command "$TOOL routing set 1-2 B C" /dev/null <<<y
+  rm "$log"
+  run -0 script --quiet --return --flush --command "$TOOL routing set 1-2 B C" "$log" < <(answer y)
   [[ $output == *"applied      dante.routing[2]"*"the device matches the request"* ]]
   [ "$(routes)" = "1 C @ B;2 C @ B" ]
 }

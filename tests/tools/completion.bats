@@ -14,7 +14,7 @@ is_output() { [ "$("${@:2}")" = "$1" ]; }
 @test "Complete_EmptyWord_OffersEveryNoun" {
   absent_device
   [[ " $(complete '') " == *" interface "*" dante "*" doctor "* ]]
-  [ "$(complete ro)" = routing ]
+  [ "$(complete rou)" = routing ]
   [ "$(complete interface st)" = stored ]
 }
 
