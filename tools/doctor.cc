@@ -229,7 +229,7 @@ std::string ShowEnvironment(const Json& environment) {
 }
 
 std::string Show(const Json& result) {
-  terminal::Table versions({"VERSION", ""});
+  terminal::Table versions({"COMPONENT", "VERSION"});
   for (const auto& [name, value] : result["versions"].items()) versions.Add({name, value});
   std::string text = ShowDaemons(result["daemons"]) + "\n" + ShowRoles(result["roles"]) + "\n" +
                      versions.Text() + "\nPTP clock: " + TextOrUnknown(result["ptp_clock"]) +

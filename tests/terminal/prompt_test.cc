@@ -40,9 +40,6 @@ TEST_F(Prompt, Asked_PrintsTheQuestionAndTheChoice) {
   Type("y\n");
   terminal::AnswersYes("Change it?");
   EXPECT_EQ(errors.Take(), "Change it? [y/N] ");
-  Type("y\n");
-  terminal::AnswersYesWithin(2.5, "Keep it?");
-  EXPECT_EQ(errors.Take(), "Keep it? [y/N, within 2.5 s] ");
 }
 
 TEST_F(Prompt, Answers_OnlyYesIsYes) {
@@ -68,10 +65,10 @@ TEST_F(Prompt, InputEndsWithoutALine_IsNo) {
   EXPECT_FALSE(terminal::AnswersYes("?"));
 }
 
-TEST_F(Prompt, NoLineInTime_IsNo) {
-  EXPECT_FALSE(terminal::AnswersYesWithin(0.01, "?"));
-  Type("y");
-  EXPECT_FALSE(terminal::AnswersYesWithin(0.01, "?"));
+TEST_F(Prompt, NobodyAnswers_EndsWhenItIsNotToGoOn) {
+  int left = 3;
+  EXPECT_EQ(terminal::Ask("?", [&left] { return --left > 0; }), terminal::Answer::kNone);
+  EXPECT_EQ(left, 0);
 }
 
 TEST_F(Prompt, NoTerminal_HasNobodyToAsk) { EXPECT_FALSE(terminal::HasPerson()); }
