@@ -155,7 +155,7 @@ void AddCheckpoint(Tool& tool) {
   const auto arguments = std::make_shared<Arguments>();
   Command checkpoint = tool.AddVerb(
       tool.Top(), "checkpoint",
-      {"Undo what a command changes unless it is confirmed in time",
+      {"Undo what a command changes unless it is confirmed",
        [&tool, arguments] {
          return arguments->command.empty()
                     ? List()
@@ -168,11 +168,16 @@ void AddCheckpoint(Tool& tool) {
       "Behind --, with its arguments; without it, list the checkpoints that are open");
   checkpoint.Seconds("--timeout", &arguments->timeout, 1,
                      "Time to confirm, from the start of the command");
-  tool.AddVerb(
-      tool.Top(), "confirm",
-      {"Keep the change of the checkpoint that is open", Confirm, Says("is confirmed"), {}});
+  tool.AddVerb(tool.Top(), "confirm",
+               {"Keep the change of the checkpoint that is open",
+                Confirm,
+                Says("is confirmed"),
+                {"networkgrpc hostname hall --confirm-within 60 && networkgrpc confirm"}});
   tool.AddVerb(tool.Top(), "rollback",
-               {"Undo the change of the checkpoint that is open", Rollback, Says("is undone"), {}});
+               {"Undo the change of the checkpoint that is open",
+                Rollback,
+                Says("is undone"),
+                {"networkgrpc hostname hall --confirm-within 60 && networkgrpc rollback"}});
 }
 
 }  // namespace tool

@@ -208,7 +208,7 @@ void AddCsv(Tool& tool, const Command& noun) {
       {"Subscribe receive channels as a table says",
        [&tool, file] { return ImportCsv(tool, *file); },
        [](const Json& result) { return ShowImport(result, kFile); },
-       {"networkgrpc routing export --csv - | networkgrpc routing import --csv - --yes"}});
+       {"networkgrpc routing export --csv - |networkgrpc routing import --csv - --yes"}});
   imports.Option("--csv", "FILE", file.get(), "The table; - for standard input")
       .Required()
       .Offer(Candidates::kFiles);

@@ -239,8 +239,7 @@ void AddImport(Tool& tool) {
          return arguments->dry_run ? ShowDryRun(result) : ShowImport(result, kDocument);
        },
        {"networkgrpc export >state.json && networkgrpc import state.json --yes",
-        "networkgrpc export >state.json && networkgrpc import state.json --only "
-        "dante.routing --skip-missing --dry-run"}});
+        "networkgrpc export >s.json && networkgrpc import s.json --only dante --yes"}});
   verb.Argument("FILE", &arguments->file, "The document; - for standard input")
       .Offer(Candidates::kFiles);
   verb.Option("--only", "PATH", &arguments->only,

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "client/environment.h"
@@ -21,6 +22,7 @@ namespace {
 struct Condition {
   std::string text;                      // as typed
   std::function<std::string()> missing;  // empty if it holds; throws Failure
+  std::optional<std::string> reason;     // what was missing last, and why
 };
 
 std::string MissingDaemons() {
@@ -60,24 +62,25 @@ std::string MissingValue(const Target& target) {
 
 Condition ConditionOf(const std::string& text) {
   constexpr const char* kLink = "link:";
-  if (text == "daemons") return {text, MissingDaemons};
-  if (text == "roles") return {text, MissingRoles};
-  if (text == "ptp") return {text, MissingClock};
+  if (text == "daemons") return {text, MissingDaemons, {}};
+  if (text == "roles") return {text, MissingRoles, {}};
+  if (text == "ptp") return {text, MissingClock, {}};
   if (text.rfind(kLink, 0) == 0)
-    return {text, [name = text.substr(5)] { return MissingLink(name); }};
+    return {text, [name = text.substr(5)] { return MissingLink(name); }, {}};
   if (text.find('=') == std::string::npos)
     throw Failure(ExitStatus::kUsage, "--for '" + text +
                                           "' must be daemons, roles, ptp, link:INTERFACE or "
                                           "FIELD=VALUE");
-  return {text, [target = TargetOf("--for", text)] { return MissingValue(target); }};
+  return {text, [target = TargetOf("--for", text)] { return MissingValue(target); }, {}};
 }
 
-// What is missing, and why as far as it is known; empty if it holds.
-std::string Missing(const Condition& condition) {
+// Finds out what is missing. At the end of the time the last that was found stays.
+void Update(Condition& condition) {
   try {
-    return condition.missing();
+    condition.reason = condition.missing();
   } catch (const Failure& failure) {
-    return failure.message;
+    if (failure.status != ExitStatus::kTimeLimit || !condition.reason)
+      condition.reason = failure.message;
   }
 }
 
@@ -89,9 +92,10 @@ Json Wait(const std::vector<std::string>& wanted, double seconds) {
   LimitCalls(seconds);
   while (true) {
     Json missing = Json::array();
-    for (const Condition& condition : conditions) {
-      const std::string reason = Missing(condition);
-      if (!reason.empty()) missing.push_back({{"condition", condition.text}, {"reason", reason}});
+    for (Condition& condition : conditions) {
+      Update(condition);
+      if (!condition.reason->empty())
+        missing.push_back({{"condition", condition.text}, {"reason", *condition.reason}});
     }
     const double waited = SecondsSinceBoot() - begin;
     if (missing.empty()) return {{"missing", missing}, {"waited_s", waited}};

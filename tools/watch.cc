@@ -163,6 +163,8 @@ Target CheckedTarget(const Arguments& arguments) {
 Json Run(const Tool& tool, const Arguments& arguments) {
   const Target target = CheckedTarget(arguments);
   Lines lines(tool, arguments);
+  // timeout(1) signals twice: the second time must not end what the first time has ended.
+  static const interrupt::Handler until_exit;
   const interrupt::Handler handler([&lines] { lines.End(); });
   Watcher network(lines, Daemon::kNetworkManager, ObserveNetwork, target);
   Watcher dante(lines, Daemon::kDante, ObserveDante, target);

@@ -262,7 +262,7 @@ COMMANDS
   remember
   tool checkpoint --timeout 60 -- bash -c "'$TOOL' hostname set x && '$TOOL' dante name y && '$TOOL' routing set 1 a b &&
     '$TOOL' interface set --control --ip 10.0.0.60/8 --reload --yes"
-  ! is_as_before
+  run ! is_as_before
   run -0 tool rollback
   is_as_before
 }

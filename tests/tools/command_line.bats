@@ -6,8 +6,8 @@
 
 load device.bash
 
-# on_terminal COMMAND: runs a shell command on a terminal.
-on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
+# output_on_terminal COMMAND: runs a shell command on a terminal.
+output_on_terminal() { TERM=xterm script --quiet --return --command "$1" /dev/null; }
 
 @test "Timeout_DaemonNeverAnswers_ExitsWithThreeAndNamesTheDaemon" {
   start_mute_device
@@ -139,9 +139,9 @@ ENDPOINTS
 @test "Colour_OutputIsATerminal_IsUsedUnlessForbidden" {
   require_terminal
   start_simulator
-  run -0 on_terminal "$TOOL interface list"
+  run -0 output_on_terminal "$TOOL interface list"
   [[ $output == *$'\033[1m'* ]]
-  NO_COLOR=1 run -0 on_terminal "$TOOL interface list"
+  NO_COLOR=1 run -0 output_on_terminal "$TOOL interface list"
   [[ $output != *$'\033'* ]]
 }
 
@@ -149,8 +149,13 @@ ENDPOINTS
   require_terminal
   start_simulator
   tool hostname set kept >/dev/null
-  run -1 on_terminal "$TOOL factory-reset" <<<n
-  [[ $output == *"[y/N]"*"nothing was changed"* ]]
+  on_terminal "$TOOL" factory-reset
+  wait_until shows "\[y/N\]"
+  type_in n
+  local status=0
+  wait "$terminal_pid" || status=$?
+  [ "$status" -eq 1 ]
+  shows "nothing was changed"
   [ "$(tool hostname get)" = kept ]
 }
 
@@ -158,15 +163,21 @@ ENDPOINTS
   require_terminal
   start_simulator
   tool hostname set lost >/dev/null
-  run -0 on_terminal "$TOOL factory-reset" <<<y
+  on_terminal "$TOOL" factory-reset
+  wait_until shows "Continue?"
+  type_in y
+  wait "$terminal_pid"
   [ "$(tool hostname get)" = amplifier ]
 }
 
 @test "Confirmation_AnsweredAfterTheTimeLimit_RunsTheCommand" {
   require_terminal
   start_simulator
-  answer() { read -r -t 1.5 -u "$device_input" || echo y; }
-  run -0 on_terminal "$TOOL factory-reset --timeout 1 --total-timeout 1" < <(answer)
+  on_terminal "$TOOL" factory-reset --timeout 1 --total-timeout 1
+  wait_until shows "Continue?"
+  read -r -t 1.5 -u "$device_input" || true # longer than the limit
+  type_in y
+  wait "$terminal_pid"
 }
 
 @test "Confirmation_NoTerminalAndNoYesOption_ChangesNothing" {

@@ -76,6 +76,7 @@ on_terminal() {
   exec {keys}<>"$BATS_TEST_TMPDIR/keys"
   # What is started with & ignores Ctrl-C otherwise.
   env --default-signal=INT script --quiet --flush --return --command "$(printf '%q ' "$@")" "$screen" <&"$keys" >/dev/null 2>&1 3>&- &
+  # shellcheck disable=SC2034 # for the tests
   terminal_pid=$!
 }
 type_in() { printf '%s\n' "$1" >&"$keys"; }

@@ -19,7 +19,7 @@ mask() {
     -e 's/("round_trip_ms":)[0-9.e-]+/\1TIME/g' \
     -e 's/("value":)([0-9]+\.[0-9]+(e-[0-9]+)?|[0-9]+e-[0-9]+)/\1TIME/g' \
     -e 's/^(networkgrpc_round_trip_seconds\{.*\}) .*/\1 TIME/' \
-    -e 's/[0-9]+\.[0-9] ms *$/TIME/' -e 's/[0-9]+\.[0-9] ms +/TIME  /' \
+    -e 's/("waited_s":)[0-9.e-]+/\1TIME/g' -e 's/[0-9]+\.[0-9] ms *$/TIME/' -e 's/[0-9]+\.[0-9] ms +/TIME  /' \
     -e 's/^(networkgrpc  )[0-9.]+$/\1VERSION/' -e 's/("networkgrpc":)"[0-9.]+"/\1"VERSION"/'
 }
 

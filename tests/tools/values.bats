@@ -41,6 +41,10 @@ start_both() {
   reach_leaves interface set --dante-primary --ip 10.0.0.2/8 --dns 10.0.0.3 --yes
   reach_leaves interface list
   reach_leaves status
+  sed 's/"id": 2/"id": 99/' state.json >"$BATS_TEST_TMPDIR/larger.json"
+  reach_leaves import "$BATS_TEST_TMPDIR/larger.json" --skip-missing --dry-run
+  printf '[devices.one]\nhost = "one"\n' >"$BATS_TEST_TMPDIR/devices.toml"
+  NETWORKGRPC_DEVICES="$BATS_TEST_TMPDIR/devices.toml" reach_leaves devices
   tool hostname other --confirm-within 86400 >/dev/null
   reach_leaves checkpoint
   [ "$(tool confirm --get command)" = "networkgrpc hostname other --confirm-within 86400" ]
