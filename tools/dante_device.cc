@@ -118,7 +118,7 @@ void RenameRxChannel(std::int32_t id, const std::string& name) {
 }
 
 std::vector<dapi::LinkInfo> ReadRouting(const dapi::Channels& receivers) {
-  std::vector<dapi::LinkInfo> links(receivers.channels().size());
+  std::vector<dapi::LinkInfo> links(static_cast<std::size_t>(receivers.channels_size()));
   Parallel(links.size(), [&](std::size_t i) {
     const dapi::Channel& channel = receivers.channels(static_cast<int>(i));
     links[i] =

@@ -132,7 +132,7 @@ void Forward(const Pipe& output, const Pipe& errors, Running& running, const Sin
     if (poll(sources.data(), sources.size(), -1) < 0) continue;
     if ((sources[2].revents & POLLERR) != 0) running.End();
     if (sources[2].revents != 0) sources[2].fd = -1;
-    for (const std::size_t i : {0, 1}) {
+    for (const std::size_t i : {0U, 1U}) {
       if (sources.at(i).revents == 0) continue;
       const ssize_t size = read(sources.at(i).fd, bytes.data(), bytes.size());
       if (size > 0)
