@@ -15,7 +15,7 @@ class AudioNetwork {
   void Join(const Device& device);
   void Leave(const Device& device);
 
-  /// Locks all devices, and tells `device` which of its subscriptions by name it
+  /// Locks all devices, and marks which of its subscriptions by name `device`
   /// receives: Link::flag5 is true if the named device is there, has a transmit channel
   /// of that label, transmits, and has the same sample rate. A device that is alone
   /// keeps its flags.

@@ -20,7 +20,7 @@ namespace simulator {
 class LocalServer {
  public:
   /// Serves `service`, which must outlive this object; requests longer than
-  /// gRPC's default only if told. Throws std::runtime_error,
+  /// gRPC's default only if that is asked for. Throws std::runtime_error,
   /// which names address and reason, if it cannot listen there.
   LocalServer(grpc::CallbackGenericService& service, const Endpoint& wanted,
               bool accepts_any_length = false);

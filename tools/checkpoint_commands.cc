@@ -1,17 +1,15 @@
 // networkgrpc checkpoint, confirm, rollback.
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <csignal>
 #include <memory>
-#include <system_error>
 
 #include "terminal/table.h"
 #include "tools/checkpoint.h"
 #include "tools/interrupt.h"
+#include "tools/spawn.h"
 #include "tools/tool.h"
 
 namespace tool {
@@ -58,28 +56,8 @@ std::string Joined(const Words& words) {
   return text;
 }
 
-pid_t Start(const Words& words) {
-  std::vector<char*> arguments;
-  for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
-  arguments.push_back(nullptr);
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t none;
-  sigemptyset(&none);
-  posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  pid_t child = 0;
-  const int error =
-      posix_spawnp(&child, arguments[0], nullptr, &attributes, arguments.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  if (error != 0)
-    throw Failure(ExitStatus::kFailed,
-                  "cannot run '" + words.front() + "': " + std::generic_category().message(error));
-  return child;
-}
-
-// Its wait status. At the deadline it is told to end, and not waited for: it must not hold
-// up what is restored.
+// Its wait status. At the deadline it receives a hangup, and is not waited for: it must not
+// hold up what is restored.
 std::optional<int> WaitFor(pid_t child, const Checkpoint& checkpoint) {
   const interrupt::Handler handler;  // Ctrl-C is for the command
   constexpr int kPauseMs = 20;
@@ -109,7 +87,7 @@ Json RunUnderCheckpoint(Tool& tool, const Words& words, double seconds) {
   checkpoint.Begin();
   pid_t child = 0;
   try {
-    child = Start(words);
+    child = Spawn({words.front(), {}}, words);
   } catch (const Failure&) {
     checkpoint.Discard();
     throw;

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,6 +24,7 @@
 #include "tools/interrupt.h"
 #include "tools/output.h"
 #include "tools/parallel.h"
+#include "tools/spawn.h"
 
 namespace tool {
 namespace {
@@ -99,30 +99,6 @@ class Pipe {
 
 using Sink = std::function<void(bool is_error, const std::string& bytes)>;
 
-pid_t Spawn(std::vector<std::string> words, int output, int errors) {
-  posix_spawn_file_actions_t files;
-  posix_spawn_file_actions_init(&files);
-  posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
-  posix_spawn_file_actions_adddup2(&files, errors, STDERR_FILENO);
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t none;
-  sigemptyset(&none);
-  posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  pid_t process = 0;
-  const int error =
-      posix_spawn(&process, "/proc/self/exe", &files, &attributes, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&files);
-  posix_spawnattr_destroy(&attributes);
-  if (error != 0) throw Failure(ExitStatus::kFailed, "cannot start a process for a device");
-  return process;
-}
-
 // Until both are closed. Ends the processes when nobody reads what this one prints.
 void Forward(const Pipe& output, const Pipe& errors, Running& running, const Sink& sink) {
   std::array<pollfd, 3> sources{
@@ -151,7 +127,12 @@ int RunProcess(const std::string& device, const std::vector<std::string>& argume
   Pipe output;
   Pipe errors;
   pid_t process = 0;
-  const auto start = [&] { return Spawn(words, output.Write(), errors.Write()); };
+  const auto start = [&] {
+    return Spawn(
+        {kThisProgram,
+         {{STDIN_FILENO}, {STDOUT_FILENO, output.Write()}, {STDERR_FILENO, errors.Write()}}},
+        words);
+  };
   if (!running.Add(start, process)) return static_cast<int>(ExitStatus::kFailed);
   output.CloseWrite();
   errors.CloseWrite();

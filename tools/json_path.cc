@@ -27,7 +27,7 @@ std::vector<Step> Steps(const std::string& path) {
   return steps;
 }
 
-// What tells the entries of a list apart; empty if nothing does.
+// The key of an entry of a list; empty if it has none.
 std::string KeyOf(const Json& entry) {
   for (const char* key : {"rx_channel", "name", "id"})
     if (entry.is_object() && entry.contains(key))

@@ -1,8 +1,6 @@
 #include "tools/rescuer.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/inotify.h>
 #include <syslog.h>
 #include <unistd.h>
@@ -13,6 +11,7 @@
 
 #include "tools/failure.h"
 #include "tools/snapshot.h"
+#include "tools/spawn.h"
 
 namespace tool {
 namespace {
@@ -59,31 +58,11 @@ bool IsAnswer(const Failure& failure) {
 }  // namespace
 
 void StartRescuer(const CheckpointFile& file, int lock) {
-  posix_spawn_file_actions_t files;
-  posix_spawn_file_actions_init(&files);
-  posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
   // Whoever reads networkgrpc's output to its end must not wait for this process.
-  posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-  posix_spawn_file_actions_adddup2(&files, lock, kLockDescriptor);
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t none;
-  sigemptyset(&none);
-  posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK);
-  std::string name = "networkgrpc";
-  std::string command = kRescuerCommand;
-  std::string stem = file.Stem();
-  std::array<char*, 4> arguments{name.data(), command.data(), stem.data(), nullptr};
-  pid_t child = 0;
-  const int error =
-      posix_spawn(&child, "/proc/self/exe", &files, &attributes, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&files);
-  posix_spawnattr_destroy(&attributes);
-  if (error != 0)
-    throw Failure(ExitStatus::kFailed,
-                  "cannot start the process that restores the checkpoint; nothing was changed");
+  Spawn({kThisProgram,
+         {{STDIN_FILENO}, {STDOUT_FILENO}, {STDERR_FILENO}, {kLockDescriptor, lock}},
+         true},
+        {"networkgrpc", kRescuerCommand, file.Stem()});
 }
 
 bool RestoreUntilDone(const CheckpointFile& file,

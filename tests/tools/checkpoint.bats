@@ -241,6 +241,22 @@ COMMANDS
   wait_until is_closed
 }
 
+@test "DaemonRejectsTheRestoration_ManyTimes_IsAbandonedAndSaysWhy" {
+  remember
+  tool hostname set changed --confirm-within 1
+  control fault SetHostname:reject
+  # A restoration that pauses goes on when its file is touched.
+  is_abandoned() {
+    touch -c "$XDG_STATE_HOME"/networkgrpc/*.restoring
+    tool checkpoint --json 2>/dev/null | jq -e '.result.checkpoints[0] |
+      .state == "abandoned" and (.problem | contains("rejected SetHostname"))'
+  }
+  wait_until is_abandoned
+  control clear SetHostname
+  run -0 tool rollback
+  is_as_before
+}
+
 @test "SecondCheckpoint_SameDevice_IsRefusedAndNamesTheFirst" {
   tool hostname set changed --confirm-within 60
   run -1 --separate-stderr tool dante name Other --confirm-within 60

@@ -5,7 +5,7 @@
 
 load device.bash
 
-# Starts waiting with these arguments; ends_with tells how it ended.
+# Starts waiting with these arguments; ends_with checks how it ended.
 start_waiting() {
   "$TOOL" wait "$@" </dev/null >"$BATS_TEST_TMPDIR/output" 2>&1 3>&- &
   waiting=$!
