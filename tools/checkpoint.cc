@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cmath>
@@ -44,7 +43,6 @@ Checkpoint::Checkpoint(Daemon of, std::string of_command, double limit)
       seconds(limit) {}
 
 Checkpoint::~Checkpoint() {
-  if (watched >= 0) close(watched);
   if (lock >= 0) close(lock);
 }
 
@@ -71,7 +69,7 @@ void Checkpoint::Begin() {
                                   {"created", UtcTime(std::time(nullptr))},
                                   {"deadline", deadline},
                                   {"snapshot", snapshot}});
-  watched = file.OpenToWatch();
+  witness.emplace(file);
   try {
     StartRescuer(file, locked);
   } catch (const Failure&) {
@@ -103,7 +101,8 @@ std::string Checkpoint::Settle() {
   if (answer == terminal::Answer::kYes && file.Confirm()) return "";
   if (answer != terminal::Answer::kYes) std::cerr << '\n';
   if (!file.Exists()) {
-    if (WasRestored()) throw Failure(ExitStatus::kFailed, std::string("rolled back: ") + kRestored);
+    if (witness->SawRestoration())
+      throw Failure(ExitStatus::kFailed, std::string("rolled back: ") + kRestored);
     std::cerr << "confirmed from elsewhere\n";
     return "";
   }
@@ -123,13 +122,8 @@ void Checkpoint::RestoreAndThrow(const std::string& why) {
 
 void Checkpoint::Restore() { RestoreNow(file, std::exchange(lock, -1)); }
 
-// It is emptied before it is removed; a confirmed one is only removed.
-bool Checkpoint::WasRestored() const {
-  struct stat status {};
-  return fstat(watched, &status) == 0 && status.st_size == 0;
-}
-
 void RestoreNow(const CheckpointFile& file, int lock) {
+  const Witness witness(file);
   file.BeginRestoring();
   file.Touch();
   LimitCalls(std::numeric_limits<double>::infinity());
@@ -144,7 +138,10 @@ void RestoreNow(const CheckpointFile& file, int lock) {
     constexpr int kPauseMs = 50;  // the end of the process that has the lock is no event
     poll(nullptr, 0, kPauseMs);
   }
-  if (lock < 0) return;  // the process that had the lock has done it
+  if (lock < 0) {  // the process that had the lock has decided
+    if (witness.SawRestoration()) return;
+    throw Failure(ExitStatus::kFailed, "confirmed meanwhile: the change is kept");
+  }
   const bool is_restored =
       RestoreUntilDone(file, [&](const std::string& problem, double) { report(problem); });
   close(lock);

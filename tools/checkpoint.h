@@ -1,6 +1,7 @@
 // A change that is undone unless it is confirmed in time.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,7 @@ class Checkpoint {
   void Announce();
   /// Starts the rescuer and the time, before the first change. Calls end at the deadline.
   void Begin();
-  bool HasBegun() const { return watched >= 0; }
+  bool HasBegun() const { return witness.has_value(); }
   double SecondsLeft() const;
 
   /// Asks whether to keep the change. Without a terminal it stays open, and the result is
@@ -42,7 +43,6 @@ class Checkpoint {
 
  private:
   bool Waits();
-  bool WasRestored() const;
   [[noreturn]] void RestoreAndThrow(const std::string& why);
 
   const CheckpointFile file;
@@ -51,12 +51,12 @@ class Checkpoint {
   const double seconds;
   double deadline = 0;
   Json snapshot;
-  int watched = -1;  // descriptor of the file
-  int lock = -1;     // of this process, once the rescuer has been killed
+  std::optional<Witness> witness;
+  int lock = -1;  // of this process, once the rescuer has been killed
 };
 
 /// Restores a checkpoint that is open, being restored or abandoned, and says on standard
-/// error what holds it up. Throws if it cannot.
+/// error what holds it up. Throws if it cannot, or if the change is confirmed meanwhile.
 void RestoreNow(const CheckpointFile& file, int lock = -1);
 
 /// A line for each abandoned checkpoint.

@@ -104,11 +104,13 @@ Json RunUnderCheckpoint(Tool& tool, const Words& words, double seconds) {
 Json Confirm() {
   const CheckpointFile file = CheckpointFile::OfThisDevice();
   const std::string command = file.Read()["command"];
-  const bool is_abandoned = !file.IsAttended();
-  if (is_abandoned)
-    file.Remove();
-  else if (!file.Confirm())
+  const int lock = file.Lock();
+  if (lock >= 0) {  // it was abandoned
+    file.RemoveUnwanted();
+    close(lock);
+  } else if (!file.Confirm()) {
     throw Failure(ExitStatus::kFailed, "too late: '" + command + "' is being undone");
+  }
   return {{"command", command}};
 }
 

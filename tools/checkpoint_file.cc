@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -60,10 +61,22 @@ bool SetLock(int descriptor, int command, struct flock& lock) {
   return fcntl(descriptor, command, &lock) == 0;
 }
 
+int OpenAny(const std::string& file, const std::string& other) {
+  const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  return descriptor >= 0 ? descriptor : open(other.c_str(), O_RDONLY | O_CLOEXEC);
+}
+
+bool IsRemoved(int descriptor) {
+  struct stat status {};
+  return fstat(descriptor, &status) == 0 && status.st_nlink == 0;
+}
+
+// Not that of a file which whoever had the lock has removed meanwhile.
 int OpenLocked(const std::string& file) {
   const int descriptor = open(file.c_str(), O_RDWR | O_CLOEXEC);
   struct flock lock {};
-  if (descriptor < 0 || SetLock(descriptor, F_OFD_SETLK, lock)) return descriptor;
+  if (descriptor < 0 || (SetLock(descriptor, F_OFD_SETLK, lock) && !IsRemoved(descriptor)))
+    return descriptor;
   close(descriptor);
   return -1;
 }
@@ -75,6 +88,17 @@ bool HasLock(const std::string& file) {
       descriptor >= 0 && SetLock(descriptor, F_OFD_GETLK, lock) && lock.l_type != F_UNLCK;
   if (descriptor >= 0) close(descriptor);
   return is_locked;
+}
+
+// Each a number of nanoseconds after 1970 began, or what utimensat has a name for.
+struct Times {
+  long read;
+  long written;
+};
+
+void SetTimes(const std::string& file, const Times& to) {
+  const std::array<timespec, 2> times{timespec{0, to.read}, timespec{0, to.written}};
+  utimensat(AT_FDCWD, file.c_str(), times.data(), 0);
 }
 
 bool IsFile(const std::string& file) { return access(file.c_str(), F_OK) == 0; }
@@ -137,8 +161,6 @@ int CheckpointFile::Lock() const {
   return descriptor >= 0 ? descriptor : OpenLocked(Restoring());
 }
 
-int CheckpointFile::OpenToWatch() const { return open(Open().c_str(), O_RDONLY | O_CLOEXEC); }
-
 Json CheckpointFile::Read() const {
   for (const std::string& file : {Open(), Restoring()}) {
     std::ifstream stream(file);
@@ -156,16 +178,19 @@ bool CheckpointFile::BeginRestoring() const {
   return rename(Open().c_str(), Restoring().c_str()) == 0;
 }
 
-// Emptied first: see Checkpoint::WasRestored.
-void CheckpointFile::Remove() const {
-  if (truncate(Restoring().c_str(), 0) != 0) {
-  }
+// A file of the year 1970 says so to those that have it open: see Witness.
+void CheckpointFile::RemoveRestored() const {
+  SetTimes(Restoring(), {UTIME_OMIT, 0});
+  RemoveUnwanted();
+}
+
+void CheckpointFile::RemoveUnwanted() const {
   unlink(Open().c_str());
   unlink(Restoring().c_str());
   unlink(ProgressFile().c_str());
 }
 
-void CheckpointFile::Touch() const { utimensat(AT_FDCWD, Restoring().c_str(), nullptr, 0); }
+void CheckpointFile::Touch() const { SetTimes(Restoring(), {UTIME_NOW, UTIME_OMIT}); }
 
 // Without it a restoration only repeats what it has done.
 void CheckpointFile::SaveProgress(bool must_reload, const std::string& problem) const {
@@ -182,6 +207,17 @@ Json CheckpointFile::Progress() const {
   Json progress = stream ? Json::parse(stream, nullptr, false) : Json();
   if (!progress.is_object()) progress = {{"must_reload", false}, {"problem", ""}};
   return progress;
+}
+
+Witness::Witness(const CheckpointFile& file) : descriptor(OpenAny(file.Open(), file.Restoring())) {}
+
+Witness::~Witness() {
+  if (descriptor >= 0) close(descriptor);
+}
+
+bool Witness::SawRestoration() const {
+  struct stat status {};
+  return fstat(descriptor, &status) == 0 && status.st_mtime == 0;
 }
 
 }  // namespace tool

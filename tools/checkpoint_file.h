@@ -39,16 +39,15 @@ class CheckpointFile {
   int Create(const Json& content) const;
   /// The lock of an existing one, for this process; -1 if another has it, or it is gone.
   int Lock() const;
-  /// A descriptor of an existing one, without the lock.
-  int OpenToWatch() const;
   /// Throws if it cannot be read.
   Json Read() const;
 
   /// These decide: false if another was first, or there is none.
   bool Confirm() const;
   bool BeginRestoring() const;
-  /// Of one that is restored, or abandoned and not wanted.
-  void Remove() const;
+  /// For the process that has the lock: what was before is restored, or is not wanted.
+  void RemoveRestored() const;
+  void RemoveUnwanted() const;
   /// Makes the process that waits or pauses look again.
   void Touch() const;
 
@@ -57,11 +56,29 @@ class CheckpointFile {
   Json Progress() const;
 
  private:
+  friend class Witness;
+
   std::string Open() const { return stem + ".open"; }
   std::string Restoring() const { return stem + ".restoring"; }
   std::string ProgressFile() const { return stem + ".progress"; }
 
   std::string stem;
+};
+
+/// Made while there is a checkpoint, to know afterwards what has become of it.
+class Witness {
+ public:
+  explicit Witness(const CheckpointFile& file);
+  ~Witness();
+
+  Witness(const Witness&) = delete;
+  Witness& operator=(const Witness&) = delete;
+
+  /// Whether it was removed because what was before is restored.
+  bool SawRestoration() const;
+
+ private:
+  const int descriptor;
 };
 
 }  // namespace tool

@@ -76,7 +76,7 @@ bool RestoreUntilDone(const CheckpointFile& file,
   for (double pause = 1; answers < kMostAnswers; pause = std::min(2 * pause, kLongestPause)) {
     try {
       Restore(snapshot, must_reload, save);
-      file.Remove();
+      file.RemoveRestored();
       return true;
     } catch (const Failure& failure) {
       problem = failure.message;

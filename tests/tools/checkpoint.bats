@@ -105,6 +105,30 @@ rename_and_answer() {
   is_as_before
 }
 
+@test "Rollback_RescuerIsFaster_IsDone" {
+  remember
+  tool hostname set changed --confirm-within 60
+  # The rescuer restores between the opening of the file and its lock.
+  run -0 strace -f -qq -o /dev/null -e inject=fcntl:delay_enter=500000 "$TOOL" rollback
+  is_as_before
+}
+
+@test "Rollback_ConfirmedMeanwhile_SaysThatItIsKept" {
+  local trace="$BATS_TEST_TMPDIR/trace"
+  tool hostname set changed --confirm-within 60
+  strace -f -o "$trace" -e trace=openat,rename -e inject=rename:delay_enter=2000000 \
+    "$TOOL" rollback 2>"$BATS_TEST_TMPDIR/stderr" &
+  local pid=$!
+  has_read_it() { grep -q '[.]open"' "$trace"; }
+  wait_until has_read_it
+  run -0 tool confirm
+  local status=0
+  wait "$pid" || status=$?
+  [ "$status" -eq 1 ]
+  grep -qx "networkgrpc: confirmed meanwhile: the change is kept" "$BATS_TEST_TMPDIR/stderr"
+  is_renamed
+}
+
 @test "NoTerminal_ChangeIsMade_StaysOpenUntilConfirmed" {
   run -0 --separate-stderr tool hostname set changed --confirm-within 60 --json
   [[ $stderr == "networkgrpc: the change is undone in 60 s unless confirmed: networkgrpc confirm" ]]
