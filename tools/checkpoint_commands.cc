@@ -8,9 +8,9 @@
 
 #include "terminal/table.h"
 #include "tools/checkpoint.h"
+#include "tools/commands.h"
 #include "tools/interrupt.h"
 #include "tools/spawn.h"
-#include "tools/tool.h"
 
 namespace tool {
 namespace {

@@ -6,8 +6,8 @@
 
 #include "terminal/table.h"
 #include "tools/call.h"
+#include "tools/commands.h"
 #include "tools/pending.h"
-#include "tools/tool.h"
 
 namespace tool {
 namespace {

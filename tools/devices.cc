@@ -14,8 +14,8 @@
 
 #include "client/environment.h"
 #include "terminal/table.h"
+#include "tools/commands.h"
 #include "tools/failure.h"
-#include "tools/tool.h"
 
 namespace tool {
 namespace {

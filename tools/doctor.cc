@@ -8,10 +8,10 @@
 
 #include "terminal/table.h"
 #include "tools/call.h"
+#include "tools/commands.h"
 #include "tools/dante.h"
 #include "tools/interface.h"
 #include "tools/probe.h"
-#include "tools/tool.h"
 
 namespace tool {
 namespace {

@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "tools/call.h"
+#include "tools/commands.h"
 #include "tools/interface.h"
 #include "tools/pending.h"
-#include "tools/tool.h"
 
 namespace tool {
 namespace {

@@ -1,5 +1,6 @@
 // networkgrpc interface: the network interfaces and what is stored of them.
 #include "tools/interface.h"
+#include "tools/commands.h"
 
 #include <algorithm>
 #include <array>

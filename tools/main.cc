@@ -2,13 +2,14 @@
 #include <fcntl.h>
 
 #include <csignal>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "terminal/arenas.h"
+#include "tools/commands.h"
 #include "tools/each_device.h"
 #include "tools/rescuer.h"
-#include "tools/tool.h"
 
 namespace {
 
@@ -37,21 +38,10 @@ int main(int argc, char** argv) {
     argv += 2;
     argc -= 2;
   }
-  tool::AddInterface(tool);
-  tool::AddSwitch(tool);
-  tool::AddHostSettings(tool);
-  tool::AddDante(tool);
-  tool::AddChannel(tool);
-  tool::AddRouting(tool);
-  tool::AddStatus(tool);
-  tool::AddDoctor(tool);
-  tool::AddState(tool);
-  tool::AddWait(tool);
-  tool::AddWatch(tool);
-  tool::AddCheckpoint(tool);
-  tool::AddMetrics(tool);
-  tool::AddDevices(tool);
+  tool::AddCommands(tool);
   if (first == "__complete") return tool.Complete({argv + 2, argv + argc});
 
-  return tool.Main(argc, argv);
+  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (const std::optional<int> status = tool.Parse(arguments)) return *status;
+  return tool.Run(arguments);
 }

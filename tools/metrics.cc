@@ -7,6 +7,7 @@
 #include "state_document/names.h"
 #include "state_document/save_file.h"
 #include "tools/call.h"
+#include "tools/commands.h"
 #include "tools/dante.h"
 #include "tools/host_settings.h"
 #include "tools/interface.h"
@@ -14,7 +15,6 @@
 #include "tools/probe.h"
 #include "tools/routing_json.h"
 #include "tools/switch.h"
-#include "tools/tool.h"
 
 namespace tool {
 namespace {

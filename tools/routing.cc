@@ -6,6 +6,7 @@
 #include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/channel_ids.h"
+#include "tools/commands.h"
 #include "tools/dante.h"
 #include "tools/patch_list.h"
 #include "tools/routing_grid.h"

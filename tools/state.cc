@@ -8,11 +8,11 @@
 #include "state_document/document.h"
 #include "state_document/save_file.h"
 #include "terminal/printable.h"
+#include "tools/commands.h"
 #include "tools/devices.h"
 #include "tools/each_device.h"
 #include "tools/failure.h"
 #include "tools/state_import.h"
-#include "tools/tool.h"
 
 namespace tool {
 namespace {

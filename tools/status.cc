@@ -4,12 +4,12 @@
 
 #include "terminal/table.h"
 #include "tools/call.h"
+#include "tools/commands.h"
 #include "tools/dante.h"
 #include "tools/host_settings.h"
 #include "tools/interface.h"
 #include "tools/routing_json.h"
 #include "tools/switch.h"
-#include "tools/tool.h"
 
 namespace tool {
 namespace {

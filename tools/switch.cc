@@ -3,7 +3,7 @@
 
 #include "terminal/table.h"
 #include "tools/call.h"
-#include "tools/tool.h"
+#include "tools/commands.h"
 
 namespace tool {
 namespace {

@@ -244,7 +244,7 @@ Json Tool::RunVerb(const Verb& verb) {
   return result;
 }
 
-int Tool::Run() {
+int Tool::RunHere() {
   const auto found = line->Selected();
   const Verb& verb = line->verbs.at(found.verb);
   for (const std::string& problem : AbandonedCheckpoints()) std::cerr << ErrorLine(problem);
@@ -279,7 +279,7 @@ int Tool::RunOnDevice(Device device) {
   if (device.host.empty()) {
     SetEndpoint(Daemon::kNetworkManager, device.network_manager, device.network_manager);
     SetEndpoint(Daemon::kDante, device.dapi, device.dapi);
-    return Run();
+    return RunHere();
   }
   CheckHost(device.host);
   const std::string command = line->Selected().name;
@@ -293,7 +293,7 @@ int Tool::RunOnDevice(Device device) {
   const std::string there = " on " + device.host;
   SetEndpoint(Daemon::kNetworkManager, tunnel.NetworkManager(), device.network_manager + there);
   SetEndpoint(Daemon::kDante, tunnel.Dapi(), device.dapi + there);
-  return Run();
+  return RunHere();
 }
 
 int Tool::RunOnDevices(const std::vector<std::string>& arguments) {
@@ -305,7 +305,7 @@ int Tool::RunOnDevices(const std::vector<std::string>& arguments) {
     if (!network_manager.empty())
       SetEndpoint(Daemon::kNetworkManager, network_manager, network_manager);
     if (!dapi.empty()) SetEndpoint(Daemon::kDante, dapi, dapi);
-    return Run();
+    return RunHere();
   }
   const std::vector<Device> devices = FindDevices(only_device.empty() ? on : only_device);
   if (devices.size() == 1) return RunOnDevice(devices.front());
@@ -324,7 +324,7 @@ int Tool::Usage(const std::string& message, bool as_json) const {
   return Exit(failure.status);
 }
 
-void Tool::Parse(std::vector<std::string> arguments) {
+void Tool::ParseArranged(std::vector<std::string> arguments) {
   // "help interface set" is "interface set --help".
   if (!arguments.empty() && arguments.front() == "help") {
     arguments.erase(arguments.begin());
@@ -337,14 +337,13 @@ void Tool::Parse(std::vector<std::string> arguments) {
   terminal::CheckArguments(line->app);
 }
 
-int Tool::Main(int argc, char** argv) {
-  const std::vector<std::string> arguments(argv + 1, argv + argc);
+std::optional<int> Tool::Parse(const std::vector<std::string>& arguments) {
   // --json also applies to a command line that cannot be parsed.
   const bool as_json = std::count(arguments.begin(), arguments.end(), "--json") != 0;
   for (const std::string& argument : arguments)
     if (!IsUtf8(argument)) return Usage("an argument is not valid UTF-8", as_json);
   try {
-    Parse(arguments);
+    ParseArranged(arguments);
   } catch (const CLI::CallForHelp&) {
     return Print(line->app.help(), ExitStatus::kDone);
   } catch (const CLI::CallForAllHelp&) {
@@ -355,6 +354,10 @@ int Tool::Main(int argc, char** argv) {
     return Usage(terminal::Explain(line->app, error), as_json);
   }
   if (line->Selected().verb == nullptr) return Usage("a command is required", as_json);
+  return std::nullopt;
+}
+
+int Tool::Run(const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) typed += " " + argument;
   interrupt::Watch();
   try {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -63,8 +64,10 @@ class Tool {
   /// The same, of lines that take calls to find; not made with --yes.
   void Confirm(const std::function<std::vector<std::string>()>& changes) const;
 
-  /// Parses, runs, prints; returns the exit status.
-  int Main(int argc, char** argv);
+  /// Returns the exit status if that is all: after printing help, or why it is wrong.
+  std::optional<int> Parse(const std::vector<std::string>& arguments);
+  /// Runs the command that was parsed, and prints its result; returns the exit status.
+  int Run(const std::vector<std::string>& arguments);
   /// Prints what can complete the last of `words`, one candidate per line: its
   /// text, a tab, its description. A line without text stands for file names.
   int Complete(const std::vector<std::string>& words);
@@ -84,10 +87,10 @@ class Tool {
  private:
   void AddGlobalOptions();
   int RunOnDevices(const std::vector<std::string>& arguments);
+  void ParseArranged(std::vector<std::string> arguments);
   int RunOnDevice(Device device);
   void RejectForSeveral() const;
-  void Parse(std::vector<std::string> arguments);
-  int Run();
+  int RunHere();
   Json RunVerb(const Verb& verb);
   std::string ResultText(const Verb& verb, const Json& result) const;
   int Fail(const Failure& failure) const;
@@ -103,21 +106,5 @@ class Tool {
   std::string on;
   std::string host;
 };
-
-// Each in the file of the same name.
-void AddInterface(Tool& tool);
-void AddSwitch(Tool& tool);
-void AddHostSettings(Tool& tool);
-void AddDante(Tool& tool);
-void AddChannel(Tool& tool);
-void AddRouting(Tool& tool);
-void AddStatus(Tool& tool);
-void AddDoctor(Tool& tool);
-void AddState(Tool& tool);
-void AddWait(Tool& tool);
-void AddWatch(Tool& tool);
-void AddCheckpoint(Tool& tool);
-void AddMetrics(Tool& tool);
-void AddDevices(Tool& tool);
 
 }  // namespace tool

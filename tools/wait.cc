@@ -9,11 +9,11 @@
 #include "client/environment.h"
 #include "tools/call_options.h"
 #include "tools/checkpoint_file.h"
+#include "tools/commands.h"
 #include "tools/dante.h"
 #include "tools/host_settings.h"
 #include "tools/interface.h"
 #include "tools/observation.h"
-#include "tools/tool.h"
 
 namespace tool {
 namespace {

@@ -11,12 +11,12 @@
 #include <mutex>
 #include <thread>
 
+#include "tools/commands.h"
 #include "tools/interrupt.h"
 #include "tools/json_path.h"
 #include "tools/observation.h"
 #include "tools/output.h"
 #include "tools/state.h"
-#include "tools/tool.h"
 #include "tools/values.h"
 
 namespace tool {
