@@ -100,9 +100,12 @@ std::string Checkpoint::Settle() {
       terminal::Ask("The change is " + how + ". Keep it?", [this] { return Waits(); });
   if (answer == terminal::Answer::kYes && file.Confirm()) return "";
   if (answer != terminal::Answer::kYes) std::cerr << '\n';
+  const bool by_another = SecondsLeft() > 0 && !file.IsOpen();
+  const char* const why = answer == terminal::Answer::kYes ? "too late: "
+                          : by_another                     ? "rolled back: "
+                                                           : "not confirmed: ";
   if (!file.Exists()) {
-    if (witness->SawRestoration())
-      throw Failure(ExitStatus::kFailed, std::string("rolled back: ") + kRestored);
+    if (witness->SawRestoration()) throw Failure(ExitStatus::kFailed, why + std::string(kRestored));
     std::cerr << "confirmed from elsewhere\n";
     return "";
   }
@@ -112,7 +115,7 @@ std::string Checkpoint::Settle() {
     std::cerr << "networkgrpc: the change is " + how + ": networkgrpc confirm\n";
     return UtcTime(std::time(nullptr) + std::lround(SecondsLeft()));
   }
-  RestoreAndThrow("not confirmed: ");
+  RestoreAndThrow(why);
 }
 
 void Checkpoint::RestoreAndThrow(const std::string& why) {

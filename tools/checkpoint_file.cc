@@ -13,6 +13,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <system_error>
 
 #include "state_document/save_file.h"
@@ -46,6 +47,19 @@ std::string Key(const std::string& text) {
   std::string digits(16, '\0');
   std::snprintf(digits.data(), digits.size() + 1, "%016llx", static_cast<unsigned long long>(hash));
   return digits;
+}
+
+// JSON behind a line with its key: what this program did not write is not restored.
+std::string ToText(const Json& json) {
+  const std::string text = json.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return Key(text) + '\n' + text;
+}
+
+// Null if the text is damaged.
+Json FromText(const std::string& text) {
+  const std::size_t end = text.find('\n');
+  if (end == std::string::npos || text.substr(0, end) != Key(text.substr(end + 1))) return nullptr;
+  return Json::parse(text.substr(end + 1), nullptr, false);
 }
 
 [[noreturn]] void Fail(const std::string& what, const std::string& file, int error) {
@@ -141,7 +155,7 @@ int CheckpointFile::Create(const Json& content) const {
   chmod(folder.c_str(), S_IRWXU);  // a wireless key can be in it
   const std::string file = stem + "." + std::to_string(getpid());
   try {
-    state_document::SaveFile(file, content.dump());
+    state_document::SaveFile(file, ToText(content));
   } catch (const std::runtime_error& reason) {
     throw Failure(ExitStatus::kFailed, std::string("no checkpoint: ") + reason.what());
   }
@@ -165,8 +179,8 @@ Json CheckpointFile::Read() const {
   for (const std::string& file : {Open(), Restoring()}) {
     std::ifstream stream(file);
     if (!stream) continue;
-    Json content = Json::parse(stream, nullptr, false);
-    if (content.is_object() && content.contains("snapshot")) return content;
+    Json content = FromText({std::istreambuf_iterator<char>(stream), {}});
+    if (!content.is_null()) return content;
     throw Failure(ExitStatus::kFailed, "the checkpoint " + file + " is damaged; remove it");
   }
   throw Failure(ExitStatus::kNotFound, "no checkpoint is open for this device");
@@ -195,18 +209,16 @@ void CheckpointFile::Touch() const { SetTimes(Restoring(), {UTIME_NOW, UTIME_OMI
 // Without it a restoration only repeats what it has done.
 void CheckpointFile::SaveProgress(bool must_reload, const std::string& problem) const {
   try {
-    const Json progress = {{"must_reload", must_reload}, {"problem", problem}};
     state_document::SaveFile(ProgressFile(),
-                             progress.dump(-1, ' ', false, Json::error_handler_t::replace));
+                             ToText({{"must_reload", must_reload}, {"problem", problem}}));
   } catch (const std::runtime_error&) {
   }
 }
 
 Json CheckpointFile::Progress() const {
   std::ifstream stream(ProgressFile());
-  Json progress = stream ? Json::parse(stream, nullptr, false) : Json();
-  if (!progress.is_object()) progress = {{"must_reload", false}, {"problem", ""}};
-  return progress;
+  const Json progress = FromText({std::istreambuf_iterator<char>(stream), {}});
+  return progress.is_null() ? Json{{"must_reload", false}, {"problem", ""}} : progress;
 }
 
 Witness::Witness(const CheckpointFile& file) : descriptor(OpenAny(file.Open(), file.Restoring())) {}

@@ -5,7 +5,7 @@
 //   KEY.restoring  being restored, or to be; removed when that is done
 //   KEY.progress   how far that is
 //
-// The process that will restore it holds a lock on the file. Without a lock it is abandoned.
+// Each begins with a checksum. The process that will restore it holds a lock on the file. Without a lock it is abandoned.
 // KEY stands for the endpoints of the device.
 #pragma once
 

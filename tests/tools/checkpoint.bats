@@ -186,6 +186,13 @@ import $BATS_TEST_TMPDIR/import.json --reload --yes
 COMMANDS
 }
 
+@test "NtpServers_RolledBack_AreAlsoInEffectAgain" {
+  tool ntp set one --reload --yes --confirm-within 60
+  control forget
+  tool rollback
+  [ "$(control calls | grep -oE 'SetNTPServer|ReloadNTPConfig' | tail -2 | tr '\n' ' ')" = "SetNTPServer ReloadNTPConfig " ]
+}
+
 @test "InexactRestoration_IsSaidBeforeTheChange" {
   control fault SetSwitchMode:reject,times=1
   run -4 --separate-stderr tool switch set 1 --yes --confirm-within 60
@@ -215,6 +222,7 @@ COMMANDS
   on_terminal "$TOOL" hostname set changed --confirm-within 2
   wait_until shows "Keep it?"
   kill -KILL "$(rescuer)"
+  wait_until is_open # not abandoned: the tool attends to it
   ends_with 1
   shows "what was before is restored"
   is_as_before
@@ -279,6 +287,21 @@ COMMANDS
   control clear SetHostname
   run -0 tool rollback
   is_as_before
+}
+
+@test "FileIsDamaged_EveryCommand_SaysSoAndNothingIsRestored" {
+  tool hostname set changed --confirm-within 60
+  kill -KILL "$(rescuer)"
+  local file
+  file=$(echo "$XDG_STATE_HOME"/networkgrpc/*.open)
+  printf '{"snapshot":{}}' >"$file"
+  run -0 --separate-stderr tool hostname
+  [[ $stderr == "networkgrpc: an abandoned checkpoint is left: "* ]]
+  for command in confirm rollback; do
+    run -1 --separate-stderr tool "$command"
+    [[ $stderr == *"the checkpoint $file is damaged; remove it" ]]
+  done
+  is_renamed
 }
 
 @test "SecondCheckpoint_SameDevice_IsRefusedAndNamesTheFirst" {
