@@ -13,6 +13,7 @@
 
 #include "simulator/base64.h"
 #include "simulator/method_table.h"
+#include "state_document/parse.h"
 #include "state_document/table.h"
 
 namespace simulator {
@@ -157,13 +158,11 @@ std::vector<RecordedCall> ReadRecording(const std::string& file) {
   while (std::getline(stream, text)) {
     ++number;
     try {
-      const Json line = Json::parse(text);
-      if (number == 1 && line.value("recording", Json(0)) != 1)
+      const Json line = state_document::ParseJson(text);
+      if (number == 1 && (!line.is_object() || line.value("recording", Json(0)) != 1))
         throw std::runtime_error("not a recording of this version");
       if (number > 1) calls.push_back(CallOf(line));
-    } catch (const Json::exception&) {
-      throw std::runtime_error(file + ':' + std::to_string(number) + ": not valid JSON");
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
       throw std::runtime_error(file + ':' + std::to_string(number) + ": " + error.what());
     }
   }

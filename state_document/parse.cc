@@ -248,6 +248,17 @@ void Parse(const std::string& text, const std::string& file, Json& root, EntryLi
                   Json::input_format_t::json, true, true);
 }
 
+Json ParseJson(const std::string& text) {
+  constexpr int kMostLevels = 100;
+  const auto check = [](int level, Json::parse_event_t, Json&) {
+    if (level > kMostLevels) throw std::runtime_error("nested too deeply");
+    return true;
+  };
+  Json json = Json::parse(text, check, false, true);
+  if (json.is_discarded()) throw std::runtime_error("not valid JSON");
+  return json;
+}
+
 std::string Message(const std::string& file, std::size_t line, const std::string& reason) {
   return file + ':' + std::to_string(line) + ": " + reason;
 }

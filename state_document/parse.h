@@ -1,4 +1,4 @@
-// Parses a state document and checks every value when it comes.
+// Parses a state document and checks every value when it comes; and any other JSON.
 #pragma once
 
 #include <cstddef>
@@ -16,6 +16,10 @@ using EntryLines = std::map<std::string, std::vector<std::size_t>>;
 
 /// Throws BadDocument; `file` stands for the text in its message.
 void Parse(const std::string& text, const std::string& file, Json& root, EntryLines& lines);
+
+/// JSON of any shape, with comments. Throws std::runtime_error if it is not JSON, or nested
+/// deeper than 100 levels: what writes it out is recursive.
+Json ParseJson(const std::string& text);
 
 /// What BadDocument says: "FILE:LINE: reason".
 std::string Message(const std::string& file, std::size_t line, const std::string& reason);

@@ -145,19 +145,17 @@ class NewFile {
   int file = -1;
 };
 
-// Makes the rename last. A folder that cannot be read, or whose file system cannot
-// do this, is left as it is.
-void FlushFolder(const Target& target, const Failure& failure) {
-  const int folder = open(target.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (folder < 0 && errno == EACCES) return;
-  const bool flushed = folder >= 0 && (fsync(folder) == 0 || errno == EINVAL);
-  const int reason = errno;
-  if (folder >= 0) close(folder);
-  errno = reason;
-  if (!flushed) failure.ThrowStep("cannot flush folder " + target.folder);
-}
-
 }  // namespace
+
+bool FlushFolder(const std::string& path) {
+  const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (folder < 0) return errno == EACCES;
+  const bool is_flushed = fsync(folder) == 0 || errno == EINVAL;
+  const int reason = errno;
+  close(folder);
+  errno = reason;
+  return is_flushed;
+}
 
 void SaveFile(const std::string& file, const std::string& content, std::optional<mode_t> mode) {
   const Failure failure(file);
@@ -165,7 +163,7 @@ void SaveFile(const std::string& file, const std::string& content, std::optional
   NewFile fresh(target, failure);
   fresh.Write(content);
   fresh.TakePlace(mode);
-  FlushFolder(target, failure);
+  if (!FlushFolder(target.folder)) failure.ThrowStep("cannot flush folder " + target.folder);
 }
 
 std::string CheckSavable(const std::string& file) {

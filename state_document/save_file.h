@@ -21,6 +21,10 @@ namespace state_document {
 void SaveFile(const std::string& file, const std::string& content,
               std::optional<mode_t> mode = std::nullopt);
 
+/// Makes renamed and removed entries of a folder last. False, and errno, if it cannot; a
+/// folder that cannot be read, or whose file system has no such thing, is left as it is.
+bool FlushFolder(const std::string& path);
+
 /// Throws what SaveFile would throw for a file that it cannot write: one that is
 /// not a regular file or is write-protected, or whose folder does not accept new
 /// files. Returns the absolute path of the file that would be replaced.

@@ -73,12 +73,20 @@ void Checkpoint::Begin() {
   try {
     StartRescuer(file, locked);
   } catch (const Failure&) {
-    file.Confirm();
+    Discard();
     close(locked);
     throw;
   }
   close(locked);
   LimitCalls(seconds);
+}
+
+void Checkpoint::Discard() const {
+  try {
+    file.Confirm();
+  } catch (const Failure& failure) {  // why there is nothing to confirm matters more
+    std::cerr << ErrorLine(failure.message);
+  }
 }
 
 double Checkpoint::SecondsLeft() const { return std::max(deadline - SecondsSinceBoot(), 0.0); }

@@ -37,7 +37,7 @@ class Checkpoint {
   /// when it ends, in UTC; else "". Throws if it was restored.
   std::string Settle();
   /// Nothing was changed.
-  void Discard() const { file.Confirm(); }
+  void Discard() const;
   /// Restores now. Throws if it cannot.
   void Restore();
 

@@ -67,6 +67,13 @@ Json FromText(const std::string& text) {
                                          std::generic_category().message(error));
 }
 
+// False if there is none.
+bool RemoveFile(const std::string& file) {
+  const bool is_removed = unlink(file.c_str()) == 0;
+  if (!is_removed && errno != ENOENT) Fail("remove", file, errno);
+  return is_removed;
+}
+
 // Locks of the open file, which child processes inherit.
 bool SetLock(int descriptor, int command, struct flock& lock) {
   lock = {};
@@ -160,10 +167,13 @@ int CheckpointFile::Create(const Json& content) const {
     throw Failure(ExitStatus::kFailed, std::string("no checkpoint: ") + reason.what());
   }
   const int descriptor = OpenLocked(file);
-  if (descriptor < 0 ||
-      renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, Open().c_str(), RENAME_NOREPLACE) != 0) {
+  const auto rename = [&] {
+    return renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, Open().c_str(), RENAME_NOREPLACE) == 0;
+  };
+  const bool is_renamed = descriptor >= 0 && rename();
+  if (!is_renamed || !state_document::FlushFolder(folder)) {
     const int reason = errno;
-    unlink(file.c_str());
+    unlink(is_renamed ? Open().c_str() : file.c_str());
     if (descriptor >= 0) close(descriptor);
     Fail("create", Open(), reason);
   }
@@ -186,7 +196,11 @@ Json CheckpointFile::Read() const {
   throw Failure(ExitStatus::kNotFound, "no checkpoint is open for this device");
 }
 
-bool CheckpointFile::Confirm() const { return unlink(Open().c_str()) == 0; }
+bool CheckpointFile::Confirm() const {
+  const bool is_first = RemoveFile(Open());
+  state_document::FlushFolder(fs::path(stem).parent_path());
+  return is_first;
+}
 
 bool CheckpointFile::BeginRestoring() const {
   return rename(Open().c_str(), Restoring().c_str()) == 0;
@@ -199,9 +213,9 @@ void CheckpointFile::RemoveRestored() const {
 }
 
 void CheckpointFile::RemoveUnwanted() const {
-  unlink(Open().c_str());
-  unlink(Restoring().c_str());
-  unlink(ProgressFile().c_str());
+  RemoveFile(Open());
+  RemoveFile(Restoring());
+  RemoveFile(ProgressFile());
 }
 
 void CheckpointFile::Touch() const { SetTimes(Restoring(), {UTIME_NOW, UTIME_OMIT}); }

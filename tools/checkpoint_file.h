@@ -42,7 +42,8 @@ class CheckpointFile {
   /// Throws if it cannot be read.
   Json Read() const;
 
-  /// These decide: false if another was first, or there is none.
+  /// These decide: false if another was first, or there is none. What removes a file throws
+  /// if it cannot.
   bool Confirm() const;
   bool BeginRestoring() const;
   /// For the process that has the lock: what was before is restored, or is not wanted.

@@ -4,7 +4,7 @@
 #include <map>
 #include <stdexcept>
 
-#include "simulator/json.h"
+#include "state_document/parse.h"
 
 namespace simulator {
 namespace {
@@ -171,7 +171,7 @@ std::optional<std::string> AnswerControlRequest(std::vector<Simulator>& devices,
                                                 const std::string& request) {
   Json answer;
   try {
-    const std::optional<Json> result = Result(devices, Json::parse(request));
+    const std::optional<Json> result = Result(devices, state_document::ParseJson(request));
     if (!result.has_value()) return std::nullopt;
     answer = {{"ok", true}, {"result", *result}};
   } catch (const std::exception& error) {

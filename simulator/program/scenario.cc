@@ -2,18 +2,16 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
-#include <cstring>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <stdexcept>
 #include <utility>
 
 #include "simulator/fault.h"
 #include "simulator/program/control_commands.h"
 #include "simulator/program/program_options.h"
+#include "state_document/document.h"
+#include "state_document/parse.h"
 #include "terminal/printable.h"
 
 namespace simulator {
@@ -59,13 +57,19 @@ int Integer(const Json& step, const char* name) {
   return value.get<int>();
 }
 
+Json Read(const std::string& file) {
+  const std::string text = state_document::ReadTextFile(file);
+  try {
+    return state_document::ParseJson(text);
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(file + ": " + error.what());
+  }
+}
+
 }  // namespace
 
 Scenario::Scenario(const std::string& given) : file(given) {
-  std::ifstream stream(file);
-  const std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream) throw std::runtime_error("cannot read " + file + ": " + std::strerror(errno));
-  const Json document = Json::parse(text, nullptr, false, true);
+  const Json document = Read(file);
   if (!document.is_object() || document.size() != 1 || !document.contains("steps") ||
       !document["steps"].is_array())
     throw std::runtime_error(file + R"(: must be a JSON object {"steps": [...]})");
@@ -73,10 +77,8 @@ Scenario::Scenario(const std::string& given) : file(given) {
   for (const Json& step : document["steps"]) {
     try {
       ReadStep(++number, step);
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
       throw std::runtime_error(file + ": step " + std::to_string(number) + ": " + error.what());
-    } catch (const BadFault& bad) {
-      throw std::runtime_error(file + ": step " + std::to_string(number) + ": " + bad.what());
     }
   }
 }

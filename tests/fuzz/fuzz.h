@@ -1,6 +1,9 @@
 // What the fuzz targets share: the function that libFuzzer or replay.cc calls, a check
-// that is active in every build, and a reader that splits an input into parts.
+// that is active in every build, a reader that splits an input into parts, a file.
 #pragma once
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -61,5 +64,33 @@ class Input {
  private:
   std::string_view rest;
 };
+
+/// A file in memory, for parsers that read one.
+class File {
+ public:
+  explicit File(std::string_view content) : descriptor(memfd_create("fuzz", 0)) {
+    Check(write(descriptor, content.data(), content.size()) == static_cast<ssize_t>(content.size()),
+          "the file is written");
+  }
+  ~File() { close(descriptor); }
+
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+
+  std::string Path() const { return "/proc/self/fd/" + std::to_string(descriptor); }
+
+ private:
+  const int descriptor;
+};
+
+/// Checks that a terminal shows the text as it is: lines without control characters.
+inline void CheckPrintable(const std::string& text) {
+  for (const char character : text) {
+    const auto byte = static_cast<unsigned char>(character);
+    Check(byte == '\n' || (byte >= 0x20 && byte != 0x7f), "no control character is printed");
+  }
+  for (std::size_t at = 0; (at = text.find('\xc2', at)) != std::string::npos; ++at)
+    Check(static_cast<unsigned char>(text[at + 1]) >= 0xa0, "no control character is printed");
+}
 
 }  // namespace fuzz

@@ -359,7 +359,7 @@ TEST_F(Recordings, FileIsNoRecording_IsReportedWithItsLine) {
   const std::string header = "{\"recording\":1}\n";
   const std::vector<std::pair<std::string, std::string>> cases{
       {"{}\n", ":1: not a recording of this version"},
-      {"[]\n", ":1: not valid JSON"},
+      {"[]\n", ":1: not a recording of this version"},
       {"x\n", ":1: not valid JSON"},
       {header + "7\n", ":2: must be a JSON object"},
       {header + "{}\n", ":2: method: unknown method ''"},

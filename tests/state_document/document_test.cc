@@ -11,6 +11,7 @@
 #include <fstream>
 
 #include "state_document/compare.h"
+#include "state_document/parse.h"
 #include "terminal/printable.h"
 
 namespace {
@@ -151,6 +152,18 @@ double TimeFor(int entries) {
 TEST(Document, HasManyEntries_TimeGrowsWithTheirNumber) {
   constexpr double kMost = 30;  // 10 and a little; 100 if it grew with their square
   EXPECT_LT(TimeFor(20000) / TimeFor(2000), kMost);
+}
+
+std::string Nested(std::size_t levels) {
+  return std::string(levels, '[') + std::string(levels, ']');
+}
+
+// Deeper, ToText would use up the stack.
+TEST(ParseJson, IsNestedDeeply_IsRejected) {
+  EXPECT_EQ(state_document::ParseJson("{} // any").dump(), "{}");
+  EXPECT_EQ(state_document::ParseJson(Nested(100)).dump(), Nested(100));
+  EXPECT_THROW(state_document::ParseJson(Nested(1000000)), std::runtime_error);
+  EXPECT_THROW(state_document::ParseJson("{"), std::runtime_error);
 }
 
 }  // namespace

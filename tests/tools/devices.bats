@@ -73,7 +73,15 @@ devices = 3\n|1: devices: must be a table
 FILES
   rm "$NETWORKGRPC_DEVICES"
   run -1 --separate-stderr tool devices
-  [[ $stderr == "networkgrpc: cannot read the devices: $NETWORKGRPC_DEVICES: No such file"* ]]
+  [[ $stderr == "networkgrpc: cannot read $NETWORKGRPC_DEVICES: No such file"* ]]
+  NETWORKGRPC_DEVICES=$BATS_TEST_TMPDIR run -1 --separate-stderr tool devices
+  [[ $stderr == "networkgrpc: cannot read $BATS_TEST_TMPDIR: not a regular file or a pipe" ]]
+}
+
+@test "Devices_FileIsEmpty_NoneIsNamed" {
+  : >"$NETWORKGRPC_DEVICES"
+  run -0 tool devices
+  [ "${#lines[@]}" -eq 1 ]
 }
 
 @test "On_OneDevice_UsesItsEndpoints" {
