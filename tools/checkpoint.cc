@@ -171,7 +171,7 @@ std::vector<std::string> AbandonedCheckpoints() {
     std::string of;
     try {
       of = " of '" + file.Read()["command"].get<std::string>() + "'";
-    } catch (const Failure&) {  // damaged: it can still be removed
+    } catch (const std::exception&) {  // damaged: it can still be removed
     }
     lines.push_back("an abandoned checkpoint" + of + " is left: 'networkgrpc rollback' restores " +
                     "what was before, 'networkgrpc confirm' keeps what is now; see 'networkgrpc "

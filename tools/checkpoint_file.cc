@@ -59,7 +59,8 @@ std::string ToText(const Json& json) {
 Json FromText(const std::string& text) {
   const std::size_t end = text.find('\n');
   if (end == std::string::npos || text.substr(0, end) != Key(text.substr(end + 1))) return nullptr;
-  return Json::parse(text.substr(end + 1), nullptr, false);
+  const Json json = Json::parse(text.substr(end + 1), nullptr, false);
+  return json.is_object() ? json : nullptr;
 }
 
 [[noreturn]] void Fail(const std::string& what, const std::string& file, int error) {
