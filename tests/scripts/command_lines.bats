@@ -91,8 +91,28 @@ prints_help() {
   each named
 }
 
+# has_installed WHAT...: every package of the list is installed, except as sed's WHAT changes it.
+has_installed() {
+  awk '$1 !~ /^(#.*)?$/ { print "installed " $2 ", " }' scripts/packages.txt | sed "$@" \
+    >"$BATS_TEST_TMPDIR/installed"
+  replace dpkg-query "cat '$BATS_TEST_TMPDIR/installed'"
+}
+
+@test "Setup_PackageIsProvidedByAnother_InstallsNothing" {
+  has_installed '/ npm,/d; s/ nodejs, /&nodejs-dev (= 20), npm (= 20)/'
+  run -0 scripts/setup test
+  [ "$output" = "" ]
+}
+
+@test "Setup_PackageIsMissing_InstallsIt" {
+  has_installed '/ npm,/d; s/ nodejs, /&npm-of-another-name/; s/^installed jq,/config-files jq,/'
+  replace sudo 'exit 98'
+  run -1 scripts/setup test
+  [[ "${lines[0]}" == "setup: installing jq npm" ]]
+}
+
 @test "Faults_FolderIsConfiguredWithoutTests_EnablesThem" {
-  replace dpkg-query 'echo installed'
+  has_installed ''
   replace cmake "echo \"\$*\"; [ \"\$1\" != --build ]"
   touch "$BATS_TEST_TMPDIR/CMakeCache.txt"
   run -1 scripts/faults --folder "$BATS_TEST_TMPDIR"
