@@ -1,8 +1,13 @@
 // Faults of the reply: all functions in one process, one after another. Each of their
 // calls in turn gets the faulty reply.
+#include <cstdlib>
 #include <functional>
 #include <map>
+#include <set>
+#include <sstream>
+#include <stdexcept>
 
+#include "support/child_program.h"
 #include "tests/faults/fault_matrix.h"
 #include "tests/faults/parallel_processes.h"
 #include "tests/faults/reply_cases.h"
@@ -27,29 +32,70 @@ void Script(Device& device, const support::Request& request, const Answer& answe
   (network ? device.network_manager : device.dapi)->ScriptFor(request, answer);
 }
 
-void RunCase(Device& device, const Function& function, const ReplyCase& one, ResultCounts& counts) {
-  for (const auto& [request, answer] : one.answers) Script(device, request, answer);
-  const int before = counts.protobuf_lines;
+// Calls the function. Only what the library itself sends is compared: a program in front of
+// the device adds to it.
+Outcome CallAndTakeRequests(Device& device, const Function& function, bool is_direct,
+                            ResultCounts& counts) {
   Outcome seen = TimedCall(function, counts);
   seen.requests = device.TakeRequests();
-  counts.Count(function.name + " " + one.name, seen, one.expected);
+  if (!is_direct)
+    for (support::Request& request : seen.requests) request.besides.clear();
+  return seen;
+}
+
+void RunCase(Device& device, const Function& function, const ReplyCase& one, bool is_direct,
+             ResultCounts& counts) {
+  for (const auto& [request, answer] : one.answers) Script(device, request, answer);
+  const int before = counts.protobuf_lines;
+  counts.Count(function.name + " " + one.name,
+               CallAndTakeRequests(device, function, is_direct, counts), one.expected);
   if (counts.protobuf_lines - before != one.protobuf_lines)
     counts.Count(function.name + " " + one.name, false,
                  "protobuf printed a different number of lines");
 
   for (const Step& step : function.steps) Script(device, {step.path, step.request}, {step.reply});
-  seen = TimedCall(function, counts);
-  seen.requests = device.TakeRequests();
-  counts.Count(function.name + " after " + one.name, seen, support::Expected(function, {}));
+  counts.Count(function.name + " after " + one.name,
+               CallAndTakeRequests(device, function, is_direct, counts),
+               support::Expected(function, {}));
 }
 
-// Runs in its own process, because its clients are connected to this row's device.
-MatrixRow MakeRow(const std::string& name, const ReplyCases& cases) {
-  const auto work = [cases](ResultCounts& counts) {
+struct ReplyFault {
+  std::string name;
+  ReplyCases cases;
+};
+
+// A daemon on another implementation of gRPC, which passes the calls on to the device.
+// Points the environment at it.
+std::unique_ptr<support::ChildProgram> StartOtherStack(const std::vector<std::string>& program) {
+  std::vector<std::string> command = {"/usr/bin/setpriv", "--pdeathsig", "KILL"};
+  command.insert(command.end(), program.begin(), program.end());
+  auto daemon = std::make_unique<support::ChildProgram>(command);
+  std::istringstream ready(daemon->ReadLine());
+  int endpoints = 0;
+  for (std::string word; ready >> word;) {
+    const std::size_t end = word.find('=');
+    if (end == std::string::npos) continue;
+    setenv(word.substr(0, end).c_str(), ("ipv4:" + word.substr(end + 1)).c_str(), 1);
+    ++endpoints;
+  }
+  if (endpoints != 2) throw std::runtime_error("cannot start " + program.front());
+  return daemon;
+}
+
+// Runs in its own process, because its clients are connected to this row's device, or to
+// the program in front of it.
+MatrixRow MakeRow(const std::string& name, const std::vector<ReplyFault>& faults,
+                  const std::vector<std::string>& other_stack = {}) {
+  const auto work = [=](ResultCounts& counts) {
     Device device;
+    const auto in_front = other_stack.empty() ? nullptr : StartOtherStack(other_stack);
     device.BuildClients();
-    for (const Function& function : support::AllFunctions())
-      for (const ReplyCase& one : cases(function)) RunCase(device, function, one, counts);
+    for (const ReplyFault& fault : faults)
+      for (const Function& function : support::AllFunctions())
+        for (ReplyCase& one : fault.cases(function)) {
+          one.name = fault.name + " " + one.name;
+          RunCase(device, function, one, in_front == nullptr, counts);
+        }
   };
   return {name, [=] { return RunInParallelProcesses({{name, work}}); }};
 }
@@ -186,28 +232,64 @@ std::vector<Answer> InvalidStrings(const Step& step) {
   return answers;
 }
 
+std::vector<ReplyFault> AllReplyFaults() {
+  return {
+      {"AnswersWell", EachCallSucceeds([](const std::string& reply) { return reply; })},
+      {"EveryStatusCode", EachCallFails(EveryStatus)},
+      {"AnyCallsFail", AnyCallsFail},
+      {"SuccessFalse", EachCallFails(SuccessFalse)},
+      {"EmptyReply", [](const Function& function) { return EmptyReplies(function); }},
+      {"TruncatedReply", EachCallFails(Truncated)},
+      {"OtherWireTypes",
+       [](const Function& function) { return EmptyReplies(function, OtherWireTypes()); }},
+      {"ImpossibleWireTypes", EachCallFails(ImpossibleWireTypes)},
+      {"InvalidUtf8", EachCallFails(InvalidStrings, 1)},
+      {"UnknownFields", EachCallSucceeds(UnknownFields)},
+      {"UnlistedEnumNumbers", UnlistedEnumNumbers},
+      {"TenThousandEntries", LongLists},
+      {"LargestReply",
+       EachCallSucceeds([](const std::string& reply) { return Padded(reply, kLargestReply); })},
+      {"TooLargeReply", EachCallFails(TooLarge)},
+  };
+}
+
+#ifdef OTHER_STACKS
+
+std::vector<ReplyFault> FaultsWhere(const std::function<bool(const std::string& name)>& is_wanted) {
+  std::vector<ReplyFault> faults;
+  for (ReplyFault& fault : AllReplyFaults())
+    if (is_wanted(fault.name)) faults.push_back(std::move(fault));
+  return faults;
+}
+
+std::vector<MatrixRow> DaemonsOnOtherStacks() {
+  const std::string folder = OTHER_STACKS "/";
+  // Without the 40,000 calls, which show nothing more.
+  const std::vector<ReplyFault> bytes =
+      FaultsWhere([](const std::string& name) { return name != "TenThousandEntries"; });
+  // Messages that protobufjs reads and writes; it accepts others than the library does.
+  const std::set<std::string> messages = {"AnswersWell", "SuccessFalse", "EmptyReply",
+                                          "UnlistedEnumNumbers"};
+  return {MakeRow("DaemonOnGrpcJs", bytes, {folder + "grpc_js_daemon"}),
+          MakeRow("DaemonOnGrpcGo", bytes, {folder + "grpc_go_daemon"}),
+          MakeRow("DaemonOnGrpcJsDecoding",
+                  FaultsWhere([&](const std::string& name) { return messages.count(name) != 0; }),
+                  {folder + "grpc_js_daemon", "--decode"})};
+}
+
+#else
+
+// They cannot be built for another architecture.
+std::vector<MatrixRow> DaemonsOnOtherStacks() { return {}; }
+
+#endif
+
 }  // namespace
 
 std::vector<MatrixRow> ReplyFaults() {
-  return {
-      MakeRow("AnswersWell", EachCallSucceeds([](const std::string& reply) { return reply; })),
-      MakeRow("EveryStatusCode", EachCallFails(EveryStatus)),
-      MakeRow("AnyCallsFail", AnyCallsFail),
-      MakeRow("SuccessFalse", EachCallFails(SuccessFalse)),
-      MakeRow("EmptyReply", [](const Function& function) { return EmptyReplies(function); }),
-      MakeRow("TruncatedReply", EachCallFails(Truncated)),
-      MakeRow("OtherWireTypes",
-              [](const Function& function) { return EmptyReplies(function, OtherWireTypes()); }),
-      MakeRow("ImpossibleWireTypes", EachCallFails(ImpossibleWireTypes)),
-      MakeRow("InvalidUtf8", EachCallFails(InvalidStrings, 1)),
-      MakeRow("UnknownFields", EachCallSucceeds(UnknownFields)),
-      MakeRow("UnlistedEnumNumbers", UnlistedEnumNumbers),
-      MakeRow("TenThousandEntries", LongLists),
-      MakeRow("LargestReply", EachCallSucceeds([](const std::string& reply) {
-                return Padded(reply, kLargestReply);
-              })),
-      MakeRow("TooLargeReply", EachCallFails(TooLarge)),
-  };
+  std::vector<MatrixRow> rows = DaemonsOnOtherStacks();
+  for (const ReplyFault& fault : AllReplyFaults()) rows.push_back(MakeRow(fault.name, {fault}));
+  return rows;
 }
 
 }  // namespace faults
