@@ -17,15 +17,6 @@ using std::chrono::milliseconds;
 using support::Function;
 using support::Outcome;
 
-ResultCounts OnEveryFunction(const std::function<void(const Function&, ResultCounts&)>& work) {
-  const std::vector<Function> all = support::AllFunctions();
-  std::vector<Job> jobs;
-  for (const Function& function : all)
-    jobs.push_back(
-        {function.name, [&function, &work](ResultCounts& counts) { work(function, counts); }});
-  return RunInParallelProcesses(jobs);
-}
-
 // One process for every call to a daemon that a function makes.
 ResultCounts OnEveryStep(
     const std::function<void(const Function&, std::size_t, ResultCounts&)>& work) {
@@ -64,7 +55,7 @@ void AbsentAtFirstUse(const Function& function, ResultCounts& counts) {
                                                     "SetControlIP"};
   if (need_a_role.count(function.name) != 0) return;
   tested.StartDaemon();
-  tested.WaitUntilItWorks(counts);
+  WaitUntilItWorks(tested.function, counts);
 }
 
 // gRPC checks an idle connection only every five seconds. Until then the first call
@@ -76,7 +67,7 @@ void AbsentLater(const Function& function, ResultCounts& counts) {
   counts.Count(function.name, TimedCall(function, counts), ExpectedFrom(function, 0));
   counts.Count(function.name + " again", TimedCall(function, counts), ExpectedFrom(function, 0));
   tested.StartDaemon();
-  tested.WaitUntilItWorks(counts);
+  WaitUntilItWorks(tested.function, counts);
 }
 
 // Call `k` is never answered. The fault occurs when its request has arrived.
@@ -98,7 +89,7 @@ void KilledDuringCall(const Function& function, std::size_t k, ResultCounts& cou
   FunctionUnderTest tested(function);
   FaultDuringCall(tested, k, &ChildDaemon::Kill, counts);
   tested.StartDaemon();
-  tested.WaitUntilItWorks(counts);
+  WaitUntilItWorks(tested.function, counts);
 }
 
 // --- Restarted -------------------------------------------------------------------
@@ -114,7 +105,7 @@ void RestartedSoonWhileIdle(const Function& function, milliseconds outage, Resul
 
   Outcome seen = TimedCall(function, counts);
   for (int lost = 0;
-       lost < kMostLost && tested.IsPossible(seen) && !(seen == GoodOutcome(function)); ++lost) {
+       lost < kMostLost && IsPossible(function, seen) && !(seen == GoodOutcome(function)); ++lost) {
     Pause(milliseconds(20));
     seen = TimedCall(function, counts);
   }
@@ -144,7 +135,7 @@ void RestartedWhileCalling(const Function& function, milliseconds outage, Result
         const std::lock_guard<std::mutex> lock(mutex);
         if (stop) return;
       }
-      unexpected += tested.IsPossible(TimedCall(function, times)) ? 0 : 1;
+      unexpected += IsPossible(function, TimedCall(function, times)) ? 0 : 1;
       Pause(milliseconds(20));
     }
   });
@@ -159,14 +150,14 @@ void RestartedWhileCalling(const Function& function, milliseconds outage, Result
   caller.join();
   counts.slowest_ms = times.slowest_ms;
   counts.Count(function.name, unexpected == 0, "unexpected outcomes during the outage");
-  tested.WaitUntilItWorks(counts);
+  WaitUntilItWorks(tested.function, counts);
 }
 
 MatrixRow Restarted(const std::string& name, milliseconds outage, bool full_only,
                     void (*work)(const Function&, milliseconds, ResultCounts&)) {
   return {name,
           [=] {
-            return OnEveryFunction([&](const Function& function, ResultCounts& counts) {
+            return RunForEveryFunction([&](const Function& function, ResultCounts& counts) {
               work(function, outage, counts);
             });
           },
@@ -181,7 +172,7 @@ void FrozenBeforeCall(const Function& function, ResultCounts& counts) {
 
   counts.Count(function.name, TimedCall(function, counts), ExpectedFrom(function, 0));
   tested.daemon->Thaw();
-  tested.WaitUntilItWorks(counts);
+  WaitUntilItWorks(tested.function, counts);
 }
 
 void FrozenDuringCall(const Function& function, std::size_t k, ResultCounts& counts) {
@@ -190,7 +181,7 @@ void FrozenDuringCall(const Function& function, std::size_t k, ResultCounts& cou
   tested.daemon->Thaw();
   const support::Step& step = function.steps[k];
   tested.daemon->Answer({step.path, step.request}, step.reply);
-  tested.WaitUntilItWorks(counts);
+  WaitUntilItWorks(tested.function, counts);
 }
 
 // --- Replaced by another process ---------------------------------------------------
@@ -210,13 +201,13 @@ void Replaced(const Function& function, const PeerBehaviour& behaviour, ResultCo
                  "no connection was made");
   }
   tested.StartDaemon();
-  tested.WaitUntilItWorks(counts);
+  WaitUntilItWorks(tested.function, counts);
 }
 
 MatrixRow ReplacedBy(const PeerBehaviour& behaviour) {
   return {behaviour.name,
           [behaviour] {
-            return OnEveryFunction([&](const Function& function, ResultCounts& counts) {
+            return RunForEveryFunction([&](const Function& function, ResultCounts& counts) {
               Replaced(function, behaviour, counts);
             });
           },
@@ -227,7 +218,7 @@ MatrixRow ReplacedBy(const PeerBehaviour& behaviour) {
 
 std::vector<MatrixRow> ConnectionFaults() {
   const auto each = [](void (*work)(const Function&, ResultCounts&)) {
-    return [work] { return OnEveryFunction(work); };
+    return [work] { return RunForEveryFunction(work); };
   };
   const auto steps = [](void (*work)(const Function&, std::size_t, ResultCounts&)) {
     return [work] { return OnEveryStep(work); };

@@ -23,5 +23,7 @@ inline std::ostream& operator<<(std::ostream& out, const MatrixRow& row) { retur
 std::vector<MatrixRow> ReplyFaults();
 /// Faults of the connection: the daemon is absent, killed, restarted, frozen or replaced.
 std::vector<MatrixRow> ConnectionFaults();
+/// Faults of the link: it is slow, or cut during a call.
+std::vector<MatrixRow> LinkFaults();
 
 }  // namespace faults

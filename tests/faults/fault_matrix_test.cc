@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
@@ -18,9 +19,9 @@ using faults::ResultCounts;
 
 std::vector<MatrixRow> Rows(bool full_only) {
   std::vector<MatrixRow> rows = faults::ReplyFaults();
-  std::vector<MatrixRow> more = faults::ConnectionFaults();
-  rows.insert(rows.end(), std::make_move_iterator(more.begin()),
-              std::make_move_iterator(more.end()));
+  for (std::vector<MatrixRow>& more : std::array{faults::ConnectionFaults(), faults::LinkFaults()})
+    rows.insert(rows.end(), std::make_move_iterator(more.begin()),
+                std::make_move_iterator(more.end()));
   rows.erase(std::remove_if(rows.begin(), rows.end(),
                             [&](const MatrixRow& row) { return row.full_only != full_only; }),
              rows.end());

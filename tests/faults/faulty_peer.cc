@@ -46,10 +46,8 @@ std::string Receive(int connection) {
 
 }  // namespace
 
-FaultyPeer::FaultyPeer(int port, PeerBehaviour wanted_behaviour)
-    : behaviour(std::move(wanted_behaviour)),
-      listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)),
-      stop(eventfd(0, EFD_CLOEXEC)) {
+int ListenOnLoopback(int port) {
+  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   const int on = 1;
   setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
   sockaddr_in address{};
@@ -58,9 +56,15 @@ FaultyPeer::FaultyPeer(int port, PeerBehaviour wanted_behaviour)
   address.sin_port = htons(static_cast<std::uint16_t>(port));
   if (bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
       listen(listener, 128) != 0)
-    throw std::runtime_error("cannot listen on the daemon's port");
-  server = std::thread([this] { Serve(); });
+    throw std::runtime_error("cannot listen on a loopback port");
+  return listener;
 }
+
+FaultyPeer::FaultyPeer(int port, PeerBehaviour wanted_behaviour)
+    : behaviour(std::move(wanted_behaviour)),
+      listener(ListenOnLoopback(port)),
+      stop(eventfd(0, EFD_CLOEXEC)),
+      server([this] { Serve(); }) {}
 
 FaultyPeer::~FaultyPeer() {
   const std::uint64_t one = 1;

@@ -20,6 +20,9 @@ struct PeerBehaviour {
 
 std::vector<PeerBehaviour> AllPeerBehaviours();
 
+/// Returns a listening socket on this loopback port, 0 for a free one.
+int ListenOnLoopback(int port);
+
 /// Listens on a loopback port and never sends a valid gRPC reply.
 class FaultyPeer {
  public:

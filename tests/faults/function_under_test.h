@@ -20,6 +20,13 @@ void Pause(std::chrono::milliseconds time);
 /// The outcome if every call to the daemon succeeds.
 support::Outcome GoodOutcome(const support::Function& function);
 
+/// Whether `seen` is the outcome if some of its calls, or none, fail.
+bool IsPossible(const support::Function& function, const support::Outcome& seen);
+
+/// Calls the function until it succeeds: gRPC does not report when it is connected
+/// again. Counts one case, as expected if every outcome until then was possible.
+void WaitUntilItWorks(const support::Function& function, ResultCounts& counts);
+
 class FunctionUnderTest {
  public:
   enum class Start {
@@ -31,13 +38,6 @@ class FunctionUnderTest {
 
   /// Starts the daemon, which answers every call of the function. At most once.
   void StartDaemon();
-
-  /// Calls the function until it succeeds: gRPC does not report when it is connected
-  /// again. Counts one case, as expected if every outcome until then was possible.
-  void WaitUntilItWorks(ResultCounts& counts);
-
-  /// Whether `seen` is the outcome if some of its calls, or none, fail.
-  bool IsPossible(const support::Outcome& seen) const;
 
   const support::Function& function;
   support::ReservedPort port;

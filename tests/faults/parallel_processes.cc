@@ -92,4 +92,14 @@ ResultCounts RunInParallelProcesses(const std::vector<Job>& jobs) {
   return all;
 }
 
+ResultCounts RunForEveryFunction(
+    const std::function<void(const support::Function&, ResultCounts&)>& work) {
+  const std::vector<support::Function> all = support::AllFunctions();
+  std::vector<Job> jobs;
+  for (const support::Function& function : all)
+    jobs.push_back(
+        {function.name, [&function, &work](ResultCounts& counts) { work(function, counts); }});
+  return RunInParallelProcesses(jobs);
+}
+
 }  // namespace faults

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "support/functions.h"
 #include "tests/faults/result_counts.h"
 
 namespace faults {
@@ -19,5 +20,9 @@ struct Job {
 /// not have used gRPC before. A job that crashes, or has not ended 10 s before the test's
 /// time limit (it is then killed), counts as one failed case.
 ResultCounts RunInParallelProcesses(const std::vector<Job>& jobs);
+
+/// The same with one job for every function of the library.
+ResultCounts RunForEveryFunction(
+    const std::function<void(const support::Function&, ResultCounts&)>& work);
 
 }  // namespace faults
