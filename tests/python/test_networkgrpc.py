@@ -1,6 +1,5 @@
 """Every function of the facades from Python, against a simulated device."""
 
-import json
 import os
 import re
 import sys
@@ -100,7 +99,7 @@ def test_what_is_changed_is_read_back(ask, change, reader, expected):
 
 
 def test_readers_that_nothing_changes_tell_the_state(device, ask):
-    state = json.loads(device.ctl("state"))
+    state = device.state()
     members = ["firmware_version", "software_version", "model_name", "model_version"]
     expected = [state["dante"][member] for member in members]
     assert len(set(expected)) == len(members)
@@ -119,7 +118,7 @@ def test_readers_that_nothing_changes_tell_the_state(device, ask):
 
 
 def test_refusal_raises_with_function_and_arguments(device, ask):
-    device.ctl("fault", "SetHostname:reject")
+    device.fault("SetHostname:reject")
     told = ask(
         "try:\n"
         "    network.set_hostname('x')\n"
@@ -178,7 +177,7 @@ def test_demo_prints_and_does_the_same_as_in_cxx(start_device, run, options, sta
         demo = run(*program, **device.environment)
         assert demo.returncode == status, demo.stderr
         assert bool(demo.stderr) == bool(status)
-        seen.append((demo.stdout, device.ctl("state")))
+        seen.append((demo.stdout, device.state()))
     assert seen[0] == seen[1]
 
 
@@ -208,7 +207,7 @@ def test_readme_does_what_it_shows(device, run):
     code = re.search(r"```python\n(.*?)```", (SOURCES / "README.md").read_text(encoding="utf-8"), re.S)
     shown = run(sys.executable, "-c", code[1], **device.environment)
     assert shown.stdout == "amplifier\n", shown.stderr
-    assert '"name": "Studio B"' in device.ctl("state")
+    assert device.state()["dante"]["name"] == "Studio B"
 
 
 def test_version_is_that_of_the_project():

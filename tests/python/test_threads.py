@@ -1,6 +1,5 @@
 """Calls in threads, in asyncio, in other processes, and while the interpreter ends."""
 
-import json
 import sys
 
 import pytest
@@ -35,7 +34,7 @@ info.ip = "10.6.6.6"
 ctl("clear", "all")
 caller.join()
 """)
-    sent = [json.loads(line)["request"] for line in device.ctl("calls").splitlines()]
+    sent = [call.request for call in device.calls()]
     assert [request["ip"] for request in sent if "ip" in request] == ["10.0.0.9"]
 
 
@@ -72,7 +71,7 @@ async def main():
 asyncio.run(main())
 print(dante.get_latency())
 """) == "['CancelledError', 'CancelledError']\n2000\n"
-    assert "SetName" not in device.ctl("calls")
+    assert "DAPI.SetName" not in [call.method for call in device.calls()]
 
 
 def test_other_processes_that_do_not_share_a_connection_can_call(device, run, tmp_path):

@@ -73,7 +73,7 @@ def test_other_than_a_string_raises_before_anything_is_sent(device, ask, value):
         "        print(call)\n"
     )
     assert told.splitlines() == calls
-    assert device.ctl("calls") == ""
+    assert device.calls() == []
 
 
 @pytest.mark.parametrize(
@@ -97,11 +97,11 @@ def test_other_than_a_string_raises_before_anything_is_sent(device, ask, value):
 def test_number_or_flag_that_would_be_changed_raises_before_anything_is_sent(device, ask, call):
     told = ask(f"import decimal, fractions\ntry:\n    {call}\nexcept TypeError:\n    print('raised')\n")
     assert told == "raised\n"
-    assert device.ctl("calls") == ""
+    assert device.calls() == []
 
 
 def test_failure_carries_the_record_as_it_was_sent(device, ask):
-    device.ctl("fault", "SetTxChannelName:reject")
+    device.fault("SetTxChannelName:reject")
     told = ask(
         "channel = dante.Channel(id=1, name='sent')\n"
         "try:\n"
