@@ -23,13 +23,15 @@ void SendAtOnce(int connection) {
   setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
 
+// If nothing listens there, the first recv fails.
 int Connect(int port) {
   const int connection = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   address.sin_port = htons(static_cast<std::uint16_t>(port));
-  connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  static_cast<void>(
+      connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address));
   return connection;
 }
 
