@@ -34,7 +34,10 @@ class Printed {
 
 Words Completions(tool::Tool& tool, const Words& before) {
   Printed printed;
-  tool.Complete(before);
+  const int error = dup(STDERR_FILENO);
+  tool.Complete(before);  // which closes standard error
+  dup2(error, STDERR_FILENO);
+  close(error);
   Words words;
   for (std::string line; std::getline(printed.text, line);)
     words.push_back(line.substr(0, line.find('\t')));
