@@ -117,6 +117,22 @@ abandon() {
   [[ $(sed -n '/^renameat2/,$s/(.*//p' trace | tr '\n' ' ') == "renameat2 fsync sendmsg "* ]]
 }
 
+@test "TwoChanges_AtTheSameTime_OneIsRefused" {
+  start_simulator
+  local round one two
+  for round in {1..25}; do
+    begin_anew
+    one=0 two=0
+    tool hostname set one --confirm-within 60 >one 2>&1 &
+    tool hostname set two --confirm-within 60 >two 2>&1 || two=$?
+    wait "$!" || one=$?
+    [ "$((one + two))" -eq 1 ] || { cat one two; return 1; }
+    [ "$(tool hostname)" = "$([ "$one" -eq 0 ] && echo one || echo two)" ]
+    tool rollback
+    [ "$(tool hostname)" = before ]
+  done
+}
+
 @test "Rollback_EachCallFailsOrKills_IsDoneOrCanBeRepeated" {
   start_simulator
   before() { abandon; }
