@@ -55,6 +55,8 @@ implies() { [ "$1" -ne 0 ] || "${@:2}"; } # STATUS COMMAND...
 begin_file() { rm -f folder/.networkgrpc.* && echo old >folder/state.json; }
 is_new() { cmp -s folder/state.json new; }
 is_old_or_new() { is_new || [ "$(cat folder/state.json)" = old ]; }
+# What is not on the disk is not saved.
+is_reported() { [ "$1" -ne 0 ] || ! grep -qE '^(write|fsync|rename).*INJECTED' trace; }
 # What it was writing is removed, unless that cannot be.
 is_alone() { grep -q 'unlink.*INJECTED' trace || [ "$(ls -A folder)" = state.json ]; }
 
@@ -63,7 +65,7 @@ is_alone() { grep -q 'unlink.*INJECTED' trace || [ "$(ls -A folder)" = state.jso
   mkdir folder
   tool export >new
   before() { begin_file; }
-  check() { has_said_why "$1" && implies "$1" is_new && is_old_or_new && { [ "$1" -eq 137 ] || is_alone; }; }
+  check() { has_said_why "$1" && is_reported "$1" && implies "$1" is_new && is_old_or_new && { [ "$1" -eq 137 ] || is_alone; }; }
   for_each_call "$PWD/folder" "$TOOL" export --output "$PWD/folder/state.json"
 }
 
@@ -71,7 +73,7 @@ is_alone() { grep -q 'unlink.*INJECTED' trace || [ "$(ls -A folder)" = state.jso
   mkdir folder
   "$SIMULATOR" run --save new -- true
   before() { begin_file; }
-  check() { has_said_why "$1" && implies "$1" is_new && is_old_or_new && { [ "$1" -eq 137 ] || is_alone; }; }
+  check() { has_said_why "$1" && is_reported "$1" && implies "$1" is_new && is_old_or_new && { [ "$1" -eq 137 ] || is_alone; }; }
   for_each_call "$PWD/folder" "$SIMULATOR" run --save "$PWD/folder/state.json" -- true
 }
 
