@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/byte_buffer.h"
 #include "simulator/connections.h"
 #include "simulator/method_table.h"
+#include "wire_schema/byte_buffer.h"
 
 namespace simulator {
 namespace {
@@ -56,7 +56,7 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
 
   void OnReadDone(bool ok) override {
     if (!ok) return Finish({grpc::StatusCode::INTERNAL, "no request"});
-    query.request = ToString(request);
+    query.request = wire_schema::ToString(request);
     const auto& hold = dispatcher.device.hooks.hold;
     if (!hold) return Resume(true);
     if (!held->Take(this)) return Finish(grpc::Status::CANCELLED);
@@ -197,7 +197,7 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
       backend->Ended(query, FaultText(), outcome);
     if (outcome.is_dropped) DropConnectionOf(peer);
     if (!outcome.status.ok()) return Finish(outcome.status);
-    reply = ToByteBuffer(outcome.reply);
+    reply = wire_schema::ToByteBuffer(outcome.reply);
     StartWriteAndFinish(&reply, {}, grpc::Status::OK);
   }
 

@@ -11,7 +11,7 @@
 #include "simulator/fault.h"
 #include "simulator/json.h"
 #include "simulator/shared_device.h"
-#include "simulator/wire_schema.h"
+#include "wire_schema/wire_schema.h"
 
 namespace simulator {
 
@@ -26,8 +26,8 @@ struct Method {
   /// As JSON; null if it cannot be parsed.
   std::function<Json(const std::string& request)> show;
   std::function<Json(const std::string& reply)> show_reply;
-  const WireMessage* request = nullptr;
-  const WireMessage* reply = nullptr;
+  const wire_schema::WireMessage* request = nullptr;
+  const wire_schema::WireMessage* reply = nullptr;
 };
 
 /// The service with its package, "ostrevan.grpcdapi.DAPI".

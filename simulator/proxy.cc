@@ -5,7 +5,7 @@
 #include <grpcpp/security/credentials.h>
 #include <grpcpp/support/channel_arguments.h>
 
-#include "simulator/byte_buffer.h"
+#include "wire_schema/byte_buffer.h"
 
 namespace simulator {
 namespace {
@@ -39,14 +39,15 @@ Proxy::Proxy(const std::string& network_manager_url, const std::string& dapi_url
 void Proxy::Answer(const Query& query, const Done& done) {
   const auto passed = std::make_shared<Passed>();
   passed->context.set_deadline(query.deadline);
-  passed->request = ToByteBuffer(query.request);
+  passed->request = wire_schema::ToByteBuffer(query.request);
   query.cancellation->Set([passed] { passed->context.TryCancel(); });
   grpc::GenericStub& stub = query.daemon == Daemon::kDapi ? dapi : network_manager;
-  stub.UnaryCall(&passed->context, query.path, {}, &passed->request, &passed->reply,
-                 [passed, done](grpc::Status status) {
-                   const bool is_ok = status.ok();
-                   done({std::move(status), is_ok ? ToString(passed->reply) : "", false});
-                 });
+  stub.UnaryCall(
+      &passed->context, query.path, {}, &passed->request, &passed->reply,
+      [passed, done](grpc::Status status) {
+        const bool is_ok = status.ok();
+        done({std::move(status), is_ok ? wire_schema::ToString(passed->reply) : "", false});
+      });
 }
 
 }  // namespace simulator

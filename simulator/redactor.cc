@@ -68,13 +68,13 @@ std::string Redactor::Reply(const Method* method, const std::string& bytes) {
   return Rewritten(method, method != nullptr ? method->reply : nullptr, bytes);
 }
 
-std::string Redactor::Rewritten(const Method* method, const WireMessage* type,
+std::string Redactor::Rewritten(const Method* method, const wire_schema::WireMessage* type,
                                 const std::string& bytes) {
   if (type == nullptr) return bytes.empty() ? "" : kUnreadable;
-  return Rewrite(*type, bytes,
-                 [&](const std::string& field, const std::string& value) {
-                   return Field(method->name, field, value);
-                 })
+  return wire_schema::Rewrite(*type, bytes,
+                              [&](const std::string& field, const std::string& value) {
+                                return Field(method->name, field, value);
+                              })
       .value_or(kUnreadable);
 }
 

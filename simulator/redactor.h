@@ -25,7 +25,8 @@ class Redactor {
   std::string Message(const std::string& message) { return Replaced("message-", message); }
 
  private:
-  std::string Rewritten(const Method* method, const WireMessage* type, const std::string& bytes);
+  std::string Rewritten(const Method* method, const wire_schema::WireMessage* type,
+                        const std::string& bytes);
   std::string Field(const std::string& method, const std::string& field, const std::string& value);
   std::string Replaced(const std::string& kind, const std::string& value);
 

@@ -22,7 +22,7 @@ template <class Message>
 Json ToJson(const std::string& bytes) {
   Message message;
   if (!message.ParseFromString(bytes)) return nullptr;
-  return Decode(*FindMessage(message.GetTypeName()), bytes);
+  return wire_schema::Decode(*wire_schema::FindMessage(message.GetTypeName()), bytes);
 }
 
 template <class Request, class Reply, class Answer>
@@ -41,8 +41,8 @@ Method MakeMethod(std::string name, bool replies_success, Answer answer) {
           },
           ToJson<Request>,
           ToJson<Reply>,
-          FindMessage(Request().GetTypeName()),
-          FindMessage(Reply().GetTypeName())};
+          wire_schema::FindMessage(Request().GetTypeName()),
+          wire_schema::FindMessage(Reply().GetTypeName())};
 }
 
 template <class Reply>

@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "simulator/byte_buffer.h"
+#include "wire_schema/byte_buffer.h"
 #include "support/hex.h"
 
 namespace support {
@@ -55,11 +55,11 @@ class ScriptedDaemon::Call : public grpc::ServerGenericBidiReactor {
 
   void OnReadDone(bool ok) override {
     if (!ok) return Finish({grpc::StatusCode::INTERNAL, "no request"});
-    received.bytes = simulator::ToString(request);
+    received.bytes = wire_schema::ToString(request);
     const Answer answer = daemon.Receive(std::move(received));
     if (answer.hangs) return;
     if (!answer.status.ok() && answer.bytes.empty()) return Finish(answer.status);
-    reply = simulator::ToByteBuffer(answer.bytes);
+    reply = wire_schema::ToByteBuffer(answer.bytes);
     StartWriteAndFinish(&reply, {}, answer.status);
   }
 

@@ -6,7 +6,7 @@
 
 #include <future>
 
-#include "simulator/byte_buffer.h"
+#include "wire_schema/byte_buffer.h"
 #include "tests/simulator/simulated_device.h"
 
 namespace {
@@ -23,7 +23,7 @@ class CallLog : public support::SimulatedDevice {
   }
   StatusCode CallPath(const std::string& path, const std::string& bytes) {
     grpc::GenericStub stub(support::ChannelTo(device.DapiUrl()));
-    const grpc::ByteBuffer request = simulator::ToByteBuffer(bytes);
+    const grpc::ByteBuffer request = wire_schema::ToByteBuffer(bytes);
     grpc::ByteBuffer reply;
     grpc::ClientContext context;
     context.set_deadline(support::In20Seconds());

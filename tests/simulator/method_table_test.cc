@@ -49,9 +49,34 @@ INSTANTIATE_TEST_SUITE_P(All, EveryRpc,
                          testing::Values(std::pair(Daemon::kNetworkManager, "networkmanager.proto"),
                                          std::pair(Daemon::kDapi, "grpcdapi.proto")));
 
+// Encoded again, the JSON is the same bytes.
 template <class Message>
 simulator::Json ToJson(const Message& message) {
-  return simulator::ToJson<Message>(message.SerializeAsString());
+  const std::string bytes = message.SerializeAsString();
+  simulator::Json json = simulator::ToJson<Message>(bytes);
+  EXPECT_EQ(wire_schema::Encode(*wire_schema::FindMessage(message.GetTypeName()), json), bytes);
+  return json;
+}
+
+TEST(RequestJson, ThatIsNoSuchMessage_IsNamed) {
+  const auto fault_of = [](const char* message, const char* json) {
+    try {
+      wire_schema::Encode(*wire_schema::FindMessage(message), simulator::Json::parse(json));
+    } catch (const std::invalid_argument& error) {
+      return std::string(error.what());
+    }
+    return std::string();
+  };
+  constexpr const char* kIds = "ostrevan.networkmanager.Ids";
+  EXPECT_EQ(fault_of(kIds, "[1]"), "Ids must be an object");
+  EXPECT_EQ(fault_of(kIds, R"({"id":1})"), "Ids has no field 'id'");
+  EXPECT_EQ(fault_of(kIds, R"({"ids":1})"), "field 'ids' must be a list");
+  EXPECT_EQ(fault_of(kIds, R"({"ids":[2147483648]})"), "field 'ids' must be of type int32");
+  EXPECT_EQ(fault_of("ostrevan.grpcdapi.Name", R"({"name":1})"), "field 'name' must be a string");
+  EXPECT_EQ(fault_of("ostrevan.grpcdapi.Status", R"({"status":1})"),
+            "field 'status' must be of type bool");
+  EXPECT_EQ(fault_of("ostrevan.grpcdapi.Latency", R"({"latency":-1})"),
+            "field 'latency' must be of type uint32");
 }
 
 template <class Request, class Edit>

@@ -12,7 +12,7 @@
 #include <iterator>
 
 #include "simulator/base64.h"
-#include "simulator/byte_buffer.h"
+#include "wire_schema/byte_buffer.h"
 #include "simulator/method_table.h"
 #include "simulator/proxy.h"
 #include "simulator/replay.h"
@@ -54,7 +54,7 @@ class Client {
               std::chrono::milliseconds limit = std::chrono::seconds(20)) {
     grpc::ClientContext context;
     context.set_deadline(std::chrono::system_clock::now() + limit);
-    const grpc::ByteBuffer sent = simulator::ToByteBuffer(request);
+    const grpc::ByteBuffer sent = wire_schema::ToByteBuffer(request);
     grpc::ByteBuffer reply;
     std::promise<grpc::Status> promise;
     (daemon == Daemon::kDapi ? dante : network)
@@ -62,7 +62,7 @@ class Client {
                    [&](grpc::Status status) { promise.set_value(std::move(status)); });
     const grpc::Status status = promise.get_future().get();
     return {status.error_code(), status.error_message(),
-            status.ok() ? simulator::ToString(reply) : ""};
+            status.ok() ? wire_schema::ToString(reply) : ""};
   }
 
   Answer Dapi(const std::string& method, const std::string& request = "") {

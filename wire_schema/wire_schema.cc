@@ -1,15 +1,19 @@
-#include "simulator/wire_schema.h"
+#include "wire_schema/wire_schema.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <stdexcept>
 
-#include "simulator/schemas.h"
+#include "wire_schema/schemas.h"
 
-namespace simulator {
+namespace wire_schema {
 namespace {
 
-using Schema = std::map<std::string, WireMessage>;
+struct Schema {
+  std::map<std::string, WireMessage> messages;
+  std::vector<WireMethod> methods;
+};
 
 // --- The schemas ---------------------------------------------------------------
 
@@ -40,7 +44,9 @@ class SchemaReader {
         package = Next() + '.';
       } else if (word == "message") {
         ReadMessage();
-      } else if (word == "enum" || word == "service") {
+      } else if (word == "service") {
+        ReadService();
+      } else if (word == "enum") {
         SkipBlock();
       }
     }
@@ -55,6 +61,28 @@ class SchemaReader {
     for (int depth = 1; depth > 0;) {
       const std::string word = Next();
       depth += word == "{" ? 1 : word == "}" ? -1 : 0;
+    }
+  }
+
+  // A type of the same file has no package.
+  std::string FullName(const std::string& type) const {
+    return type.find('.') == std::string::npos ? package + type : type;
+  }
+
+  void ReadService() {
+    const std::string service = package + Next();
+    Next();                              // {
+    while (Next() == "rpc") {            // else }
+      const std::string call = Next();   // GetName(ostrevan.common.Empty)
+      Next();                            // returns
+      const std::string reply = Next();  // (Name)
+      Next();                            // ;
+      const std::size_t bracket = call.find('(');
+      const auto message = [this](const std::string& type) {
+        return &schema.messages.at(FullName(type.substr(1, type.size() - 2)));
+      };
+      schema.methods.push_back(
+          {service, call.substr(0, bracket), message(call.substr(bracket)), message(reply)});
     }
   }
 
@@ -73,7 +101,7 @@ class SchemaReader {
         message.fields.push_back(ReadField(word, is_in_oneof));
       }
     }
-    schema[package + message.name] = message;
+    schema.messages[package + message.name] = message;
   }
 
   WireField ReadField(std::string word, bool is_in_oneof) {
@@ -81,9 +109,8 @@ class SchemaReader {
     field.is_optional = is_in_oneof;
     field.is_repeated = word == "repeated";
     if (field.is_repeated) word = Next();
-    // A type of the same file has no package.
     const bool is_own = word[0] >= 'A' && word[0] <= 'Z';
-    field.type = is_own || word == "rawLinkInfo" ? package + word : word;
+    field.type = is_own || word == "rawLinkInfo" ? FullName(word) : word;
     field.name = Next();
     Next();  // =
     field.number = std::stoi(Next());
@@ -97,14 +124,14 @@ class SchemaReader {
   std::string package;
 };
 
-const Schema& AllMessages() {
+const Schema& Schemas() {
   static const Schema schema = [] {
     Schema read;
     for (const char* const text : kSchemas) SchemaReader(text, read).Read();
     // What has a package and is no message is an enumeration.
-    for (auto& [name, message] : read)
+    for (auto& [name, message] : read.messages)
       for (WireField& field : message.fields)
-        if (field.type.find('.') != std::string::npos && read.count(field.type) == 0)
+        if (field.type.find('.') != std::string::npos && read.messages.count(field.type) == 0)
           field.type = "enum";
     return read;
   }();
@@ -181,6 +208,16 @@ void AppendVarint(std::uint64_t value, std::string& bytes) {
   bytes += static_cast<char>(value);
 }
 
+void AppendTag(int number, WireType type, std::string& bytes) {
+  AppendVarint(static_cast<std::uint64_t>(number) << 3U | type, bytes);
+}
+
+void AppendBytes(int number, const std::string& value, std::string& bytes) {
+  AppendTag(number, kBytes, bytes);
+  AppendVarint(value.size(), bytes);
+  bytes += value;
+}
+
 const WireField* FindField(const WireMessage& message, const Piece& piece) {
   const auto found =
       std::find_if(message.fields.begin(), message.fields.end(),
@@ -205,12 +242,52 @@ Json Default(const WireField& field) {
   return field.type == "string" ? Json("") : Number(field, 0);
 }
 
+// The number in a field, as the wire has it.
+std::uint64_t Varint(const WireField& field, const Json& value) {
+  if (field.type == "bool" && value.is_boolean()) return value.get<bool>() ? 1 : 0;
+  if (field.type != "bool" && value.is_number_integer()) {
+    const bool is_signed = field.type == "int32" || field.type == "enum";
+    const auto number = is_signed ? static_cast<std::uint64_t>(value.get<std::int64_t>())
+                                  : value.get<std::uint64_t>();
+    if (Number(field, number) == value) return number;
+  }
+  throw std::invalid_argument("field '" + field.name + "' must be of type " + field.type);
+}
+
+void EncodeValue(const WireField& field, const Json& value, std::string& bytes) {
+  if (const WireMessage* const inner = FindMessage(field.type)) {
+    AppendBytes(field.number, Encode(*inner, value), bytes);
+  } else if (field.type != "string") {
+    const std::uint64_t number = Varint(field, value);
+    if (number == 0 && !field.is_optional && !field.is_repeated) return;
+    AppendTag(field.number, kVarint, bytes);
+    AppendVarint(number, bytes);
+  } else if (!value.is_string()) {
+    throw std::invalid_argument("field '" + field.name + "' must be a string");
+  } else if (!value.get_ref<const std::string&>().empty() || field.is_repeated) {
+    AppendBytes(field.number, value, bytes);
+  }
+}
+
+void EncodeList(const WireField& field, const Json& list, std::string& bytes) {
+  if (!list.is_array()) throw std::invalid_argument("field '" + field.name + "' must be a list");
+  if (field.type == "string" || FindMessage(field.type) != nullptr) {
+    for (const Json& entry : list) EncodeValue(field, entry, bytes);
+    return;
+  }
+  std::string packed;
+  for (const Json& entry : list) AppendVarint(Varint(field, entry), packed);
+  if (!packed.empty()) AppendBytes(field.number, packed, bytes);
+}
+
 }  // namespace
 
 const WireMessage* FindMessage(const std::string& full_name) {
-  const auto found = AllMessages().find(full_name);
-  return found != AllMessages().end() ? &found->second : nullptr;
+  const auto found = Schemas().messages.find(full_name);
+  return found != Schemas().messages.end() ? &found->second : nullptr;
 }
+
+const std::vector<WireMethod>& AllMethods() { return Schemas().methods; }
 
 Json Decode(const WireMessage& message, const std::string& bytes) {
   Json json = Json::object();
@@ -246,6 +323,21 @@ Json Decode(const WireMessage& message, const std::string& bytes) {
   return json;
 }
 
+std::string Encode(const WireMessage& message, const Json& json) {
+  if (!json.is_object()) throw std::invalid_argument(message.name + " must be an object");
+  for (const auto& [name, value] : json.items())
+    if (std::none_of(message.fields.begin(), message.fields.end(),
+                     [&name = name](const WireField& field) { return field.name == name; }))
+      throw std::invalid_argument(message.name + " has no field '" + name + "'");
+  std::string bytes;
+  for (const WireField& field : message.fields) {
+    const auto found = json.find(field.name);
+    if (found == json.end() || found->is_null()) continue;
+    field.is_repeated ? EncodeList(field, *found, bytes) : EncodeValue(field, *found, bytes);
+  }
+  return bytes;
+}
+
 std::optional<std::string> Rewrite(const WireMessage& message, const std::string& bytes,
                                    const Replace& replace) {
   std::string written;
@@ -262,12 +354,10 @@ std::optional<std::string> Rewrite(const WireMessage& message, const std::string
     if (value == piece->bytes) {
       written += piece->all;
     } else {
-      AppendVarint(static_cast<std::uint64_t>(piece->number) << 3U | kBytes, written);
-      AppendVarint(value->size(), written);
-      written += *value;
+      AppendBytes(piece->number, *value, written);
     }
   }
   return written;
 }
 
-}  // namespace simulator
+}  // namespace wire_schema

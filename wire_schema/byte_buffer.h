@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace simulator {
+namespace wire_schema {
 
 inline std::string ToString(const grpc::ByteBuffer& buffer) {
   std::vector<grpc::Slice> slices;
@@ -22,4 +22,4 @@ inline grpc::ByteBuffer ToByteBuffer(const std::string& bytes) {
   return {&slice, 1};
 }
 
-}  // namespace simulator
+}  // namespace wire_schema

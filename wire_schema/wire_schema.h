@@ -1,6 +1,8 @@
 // Messages of the schemas as JSON, and with strings replaced. protobuf's lite runtime
 // does not know the names of fields: they are read from the schemas in proto/, which are
 // part of the program.
+//
+// Internal: the installed simulator library contains it.
 #pragma once
 
 #include <functional>
@@ -8,9 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "simulator/json.h"
+#include "state_document/json.h"
 
-namespace simulator {
+namespace wire_schema {
+
+using state_document::Json;
 
 struct WireField {
   int number = 0;
@@ -25,6 +29,16 @@ struct WireMessage {
   std::vector<WireField> fields;
 };
 
+struct WireMethod {
+  std::string service;  // "ostrevan.grpcdapi.DAPI"
+  std::string name;     // "GetName"
+  const WireMessage* request = nullptr;
+  const WireMessage* reply = nullptr;
+};
+
+/// The methods of both services, as the schemas list them.
+const std::vector<WireMethod>& AllMethods();
+
 /// The message of this full name, "ostrevan.grpcdapi.Name"; null if there is none.
 const WireMessage* FindMessage(const std::string& full_name);
 
@@ -32,6 +46,11 @@ const WireMessage* FindMessage(const std::string& full_name);
 /// absent messages and options as null, enumerations as numbers. Null if the bytes are no
 /// message. Unknown fields are left out.
 Json Decode(const WireMessage& message, const std::string& bytes);
+
+/// The other way. Fields that are absent or null are not sent. Throws
+/// std::invalid_argument, which names the field that the message does not have or whose
+/// value does not fit.
+std::string Encode(const WireMessage& message, const Json& json);
 
 /// Returns the new value of a string field, "Name.name".
 using Replace = std::function<std::string(const std::string& field, const std::string& value)>;
@@ -41,4 +60,4 @@ using Replace = std::function<std::string(const std::string& field, const std::s
 std::optional<std::string> Rewrite(const WireMessage& message, const std::string& bytes,
                                    const Replace& replace);
 
-}  // namespace simulator
+}  // namespace wire_schema
