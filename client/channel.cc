@@ -2,7 +2,6 @@
 
 #include <grpcpp/create_channel.h>
 #include <grpcpp/security/credentials.h>
-#include <grpcpp/support/channel_arguments.h>
 
 namespace client {
 namespace {
@@ -15,9 +14,9 @@ constexpr int kKeepalivePermitWithoutCalls = 1;
 
 }  // namespace
 
-std::shared_ptr<grpc::Channel> MakeChannel(const Setting& endpoint) {
+std::shared_ptr<grpc::Channel> MakeChannel(const Setting& endpoint,
+                                           grpc::ChannelArguments arguments) {
   const std::string target = endpoint.Value();
-  grpc::ChannelArguments arguments;
   arguments.SetInt(GRPC_ARG_KEEPALIVE_TIME_MS, kKeepaliveTimeMs);
   arguments.SetInt(GRPC_ARG_KEEPALIVE_TIMEOUT_MS, kKeepaliveTimeoutMs);
   arguments.SetInt(GRPC_ARG_KEEPALIVE_PERMIT_WITHOUT_CALLS, kKeepalivePermitWithoutCalls);

@@ -3,6 +3,7 @@
 
 #include <grpcpp/channel.h>
 #include <grpcpp/client_context.h>
+#include <grpcpp/support/channel_arguments.h>
 #include <grpcpp/support/status.h>
 
 #include <memory>
@@ -12,9 +13,10 @@
 
 namespace client {
 
-/// Creates a channel to `endpoint` without TLS, with the library's keepalive. It
-/// connects at the first call.
-std::shared_ptr<grpc::Channel> MakeChannel(const Setting& endpoint);
+/// Creates a channel to `endpoint` without TLS, with the library's keepalive and more
+/// arguments. It connects at the first call.
+std::shared_ptr<grpc::Channel> MakeChannel(const Setting& endpoint,
+                                           grpc::ChannelArguments arguments = {});
 
 /// Makes one blocking unary call with its own context: no deadline, no
 /// wait-for-ready, no metadata. Returns the status of gRPC unchanged.

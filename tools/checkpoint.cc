@@ -58,7 +58,11 @@ void Checkpoint::Announce() {
     std::cerr << terminal::Printable(line) + "\n";
 }
 
-void Checkpoint::Begin() {
+void Checkpoint::Begin() { Begin(0); }
+
+void Checkpoint::BeginForThisProcess() { Begin(getpid()); }
+
+void Checkpoint::Begin(pid_t process) {
   if (HasBegun()) return;
   Prepare();
   deadline = SecondsSinceBoot() + seconds;
@@ -68,6 +72,7 @@ void Checkpoint::Begin() {
                                   {"command", command},
                                   {"created", UtcTime(std::time(nullptr))},
                                   {"deadline", deadline},
+                                  {"process", process},
                                   {"snapshot", snapshot}});
   witness.emplace(file);
   try {

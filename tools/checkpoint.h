@@ -1,6 +1,8 @@
 // A change that is undone unless it is confirmed in time.
 #pragma once
 
+#include <sys/types.h>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +32,8 @@ class Checkpoint {
   void Announce();
   /// Starts the rescuer and the time, before the first change. Calls end at the deadline.
   void Begin();
+  /// The same; the rescuer restores as soon as this process has ended.
+  void BeginForThisProcess();
   bool HasBegun() const { return witness.has_value(); }
   double SecondsLeft() const;
 
@@ -42,6 +46,7 @@ class Checkpoint {
   void Restore();
 
  private:
+  void Begin(pid_t process);
   bool Waits();
   [[noreturn]] void RestoreAndThrow(const std::string& why);
 

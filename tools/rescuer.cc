@@ -2,6 +2,7 @@
 
 #include <poll.h>
 #include <sys/inotify.h>
+#include <sys/syscall.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -19,34 +20,46 @@ namespace {
 constexpr double kLongestPause = 60;  // seconds
 constexpr int kMostAnswers = 10;      // attempts that daemons answer and do not carry out
 
-// Wakes when the file at a path is renamed, removed or touched.
+// Wakes when the file at a path is renamed, removed or touched, and when a process ends.
 class Watch {
  public:
-  explicit Watch(const std::string& file) : inotify(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
+  explicit Watch(const std::string& file, pid_t watched = 0)
+      : inotify(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)),
+        process(watched != 0 ? static_cast<int>(syscall(SYS_pidfd_open, watched, 0)) : -1) {
     inotify_add_watch(inotify, file.c_str(), IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF);
   }
-  ~Watch() { close(inotify); }
+  ~Watch() {
+    close(inotify);
+    if (process >= 0) close(process);
+  }
 
   Watch(const Watch&) = delete;
   Watch& operator=(const Watch&) = delete;
 
   void Wait(double seconds) const {
-    pollfd input{inotify, POLLIN, 0};
-    poll(&input, 1, static_cast<int>(seconds * 1000) + 1);
+    std::array<pollfd, 2> inputs{{{inotify, POLLIN, 0}, {process, POLLIN, 0}}};
+    poll(inputs.data(), inputs.size(), static_cast<int>(seconds * 1000) + 1);
     std::array<char, 4096> events{};
     while (read(inotify, events.data(), events.size()) > 0) {
     }
   }
 
+  bool HasEnded() const {
+    pollfd input{process, POLLIN, 0};
+    return process >= 0 && poll(&input, 1, 0) > 0;
+  }
+
  private:
   const int inotify;
+  const int process;  // -1: none
 };
 
-// Returns at the deadline, and as soon as the file is no longer open.
-void WaitForDeadline(const CheckpointFile& file, double deadline) {
+// Returns at the deadline, as soon as the file is no longer open, and at the end of the
+// process, if that is not 0.
+void WaitForDeadline(const CheckpointFile& file, double deadline, pid_t process) {
   constexpr double kLongest = 5;  // poll does not count the time in which the machine sleeps
-  const Watch watch(file.Stem() + ".open");
-  while (file.IsOpen() && SecondsSinceBoot() < deadline)
+  const Watch watch(file.Stem() + ".open", process);
+  while (file.IsOpen() && SecondsSinceBoot() < deadline && !watch.HasEnded())
     watch.Wait(std::min(deadline - SecondsSinceBoot(), kLongest));
 }
 
@@ -96,7 +109,7 @@ int RunRescuer(const std::string& stem) {
   try {
     const Json content = file.Read();
     const std::string of = "the checkpoint of '" + content["command"].get<std::string>() + "'";
-    WaitForDeadline(file, content["deadline"]);
+    WaitForDeadline(file, content["deadline"], content.value("process", 0));
     file.BeginRestoring();  // unless another has begun it, or confirmed
     if (!file.IsRestoring()) return 0;
     const bool is_restored =

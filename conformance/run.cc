@@ -1,0 +1,179 @@
+#include "conformance/run.h"
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+
+#include "tools/checkpoint.h"
+#include "tools/failure.h"
+#include "tools/snapshot.h"
+
+namespace conformance {
+namespace {
+
+using tool::Daemon;
+using tool::Failure;
+
+// What the daemons had before the first change. Another process restores it if this one
+// ends early.
+class Before {
+ public:
+  explicit Before(std::vector<Daemon> of) : daemons(std::move(of)) {}
+
+  /// Why settings of this daemon cannot be changed; "" if they can.
+  std::string Obstacle(Daemon daemon) {
+    if (!has_begun) Begin();
+    return obstacle[daemon];
+  }
+
+  /// After each check that may have changed something.
+  void Restore() {
+    try {
+      tool::Restore(snapshot, must_reload, [] {});
+    } catch (const Failure& failure) {
+      for (const Daemon daemon : daemons)
+        obstacle[daemon] = "what was before could not be restored: " + failure.message;
+    }
+  }
+
+  /// Why not everything is restored in the end; "" if it is.
+  std::string Finish() {
+    if (!checkpoint.has_value()) return "";
+    try {
+      checkpoint->Restore();
+      return "";
+    } catch (const Failure& failure) {
+      return failure.message;
+    }
+  }
+
+ private:
+  void Begin() {
+    has_begun = true;
+    std::vector<Daemon> readable;
+    for (const Daemon daemon : daemons) {
+      try {
+        tool::TakeSnapshot(daemon);
+        readable.push_back(daemon);
+      } catch (const Failure& failure) {
+        obstacle[daemon] = "no checkpoint: " + failure.message;
+      }
+    }
+    if (readable.empty()) return;
+    const Daemon of = readable.size() > 1 ? Daemon::kNone : readable.front();
+    try {
+      snapshot = tool::TakeSnapshot(of);
+      checkpoint.emplace(of, "networkgrpc-conformance", kLongest);
+      checkpoint->BeginForThisProcess();
+    } catch (const Failure& failure) {
+      checkpoint.reset();
+      for (const Daemon daemon : readable) obstacle[daemon] = "no checkpoint: " + failure.message;
+    }
+  }
+
+  static constexpr double kLongest = 24.0 * 60 * 60;  // seconds
+
+  const std::vector<Daemon> daemons;
+  std::map<Daemon, std::string> obstacle;
+  bool has_begun = false;
+  bool must_reload = false;
+  Json snapshot;
+  std::optional<tool::Checkpoint> checkpoint;
+};
+
+// Why the check is not made, whatever the daemon does; "" if it is.
+std::string Forbidden(const Check& check, const Session& session, const Permissions& permissions) {
+  switch (check.effect) {
+    case Effect::kReads:
+      return "";
+    case Effect::kRestarts:
+      return session.limits.restart.empty() ? "needs --restart" : "";
+    case Effect::kFactoryReset:
+      if (!permissions.read_only && !permissions.factory_reset) return "needs --factory-reset";
+      [[fallthrough]];
+    case Effect::kChanges:
+      return permissions.read_only ? "--read-only" : "";
+  }
+  return "";
+}
+
+void Make(const Check& check, Session& session, Result& result) {
+  const auto end_with = [&](Outcome outcome, const std::string& why) {
+    result.outcome = outcome;
+    result.why = why;
+  };
+  try {
+    check.run(session);
+  } catch (const Failed& failed) {
+    end_with(Outcome::kFailed, failed.problem);
+  } catch (const Skipped& skipped) {
+    end_with(Outcome::kSkipped, skipped.reason);
+  } catch (const Failure& failure) {
+    end_with(Outcome::kFailed, failure.message);
+  } catch (const Json::exception& error) {
+    end_with(Outcome::kFailed, std::string("unexpected reply: ") + error.what());
+  }
+}
+
+}  // namespace
+
+Checks OfBoth(const Checks& checks) {
+  Checks both;
+  for (const Check& check : checks)
+    for (const Daemon daemon : {Daemon::kNetworkManager, Daemon::kDante}) {
+      Check& added = both.emplace_back(check);
+      added.name += daemon == Daemon::kDante ? ".Dante" : ".NetworkManager";
+      added.daemon = daemon;
+    }
+  return both;
+}
+
+Checks AllChecks() {
+  Checks all;
+  for (const Checks& some : {Answers(), Lists(), Wire(), Settings(), Reload(), Connections()})
+    all.insert(all.end(), some.begin(), some.end());
+  return all;
+}
+
+std::size_t Run::Count(Outcome outcome) const {
+  return static_cast<std::size_t>(
+      std::count_if(results.begin(), results.end(),
+                    [&](const Result& result) { return result.outcome == outcome; }));
+}
+
+Run RunChecks(const Checks& checks, Session& session, const Permissions& permissions,
+              const std::function<void()>& step) {
+  using Clock = std::chrono::steady_clock;
+  Run run;
+  Before before(session.daemons);
+  try {
+    for (const Check& check : checks) {
+      step();
+      Result result;
+      result.check = &check;
+      result.why = Forbidden(check, session, permissions);
+      const bool changes =
+          check.effect == Effect::kChanges || check.effect == Effect::kFactoryReset;
+      if (result.why.empty() && changes) result.why = before.Obstacle(check.daemon);
+      if (!result.why.empty()) {
+        result.outcome = Outcome::kSkipped;
+      } else {
+        session.daemon = check.daemon;
+        session.exchanges.clear();
+        const auto start = Clock::now();
+        Make(check, session, result);
+        result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        result.exchanges = session.exchanges;
+        if (result.outcome == Outcome::kFailed) session.failed.insert(check.name);
+        if (changes) before.Restore();
+      }
+      run.results.push_back(std::move(result));
+    }
+  } catch (const Interrupted&) {
+    run.is_interrupted = true;
+  }
+  run.not_restored = before.Finish();
+  return run;
+}
+
+}  // namespace conformance
