@@ -22,6 +22,15 @@ constexpr const char* kMalformed =
     "\x0a\x7f"
     "ab";
 
+// The message with some of its fields replaced.
+std::string Edited(const wire_schema::WireMessage& message, const std::string& bytes,
+                   const std::string& fields) {
+  Json json = wire_schema::Decode(message, bytes);
+  if (json.is_null()) json = Json::object();
+  json.update(Json::parse(fields));
+  return wire_schema::Encode(message, json);
+}
+
 // The method that a path such as "/ostrevan.grpcdapi.DAPI/GetName" names; null for
 // that of another service and for any other spelling.
 const Method* FindMethodAt(const std::string& path, Daemon daemon) {
@@ -47,7 +56,8 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
               std::chrono::system_clock::now(),
               context.deadline(),
               std::make_shared<Cancellation>()} {
-    if (method == nullptr && dispatcher.device.backend == nullptr) {
+    if (method == nullptr && dispatcher.device.backend == nullptr &&
+        !dispatcher.device.faults.Has(query.path)) {
       Finish({grpc::StatusCode::UNIMPLEMENTED, "no such method"});
     } else {
       StartRead(&request);
@@ -66,13 +76,20 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
     if (!hold(query.name, resume)) resume(true);
   }
 
-  /// Answers as usual.
+  /// Answers as usual, but for the edits of the fault.
   void Answer() {
+    if (!fault.request.empty())
+      query.request = Edited(*method->request, query.request, fault.request);
     if (Backend* const backend = dispatcher.device.backend.get()) {
       backend->Answer(query, [this](const Outcome& outcome) { End(outcome); });
+    } else if (method == nullptr) {
+      Finish({grpc::StatusCode::UNIMPLEMENTED, "no such method"});
     } else {
       Outcome outcome;
       outcome.status = method->answer(dispatcher.device, query.request, outcome.reply);
+      std::string ignored;
+      if (!fault.then.empty())
+        FindWithoutParameters(fault.then)->answer(dispatcher.device, "", ignored);
       End(outcome);
     }
   }
@@ -126,8 +143,8 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
 
   void Resume(bool is_answered) {
     if (!is_answered) return Drop();
-    TakeFault(query.name);
     const Json shown = method != nullptr ? method->show(query.request) : Json(nullptr);
+    TakeFault(shown);
     dispatcher.device.calls.Record({0, query.name, shown.dump(), FaultText()});
     if (dispatcher.device.hooks.recorded) dispatcher.device.hooks.recorded();
     if (fault.delay_ms == 0) return Act();
@@ -136,9 +153,9 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
 
   // In one step with the entry in `frozen`, so that a thaw finds every call whose
   // fault was taken before the fault was removed.
-  void TakeFault(const std::string& name) {
+  void TakeFault(const Json& shown) {
     const std::lock_guard<std::mutex> lock(dispatcher.mutex);
-    fault = dispatcher.device.faults.Take(name).value_or(Fault{});
+    fault = dispatcher.device.faults.Take(query.name, shown).value_or(Fault{});
     if (fault.kind == FaultKind::kFreeze && !is_cancelled) dispatcher.frozen.insert(this);
   }
 
@@ -146,12 +163,17 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
     switch (fault.kind) {
       case FaultKind::kNone:
       case FaultKind::kStop:
+      case FaultKind::kGoaway:
         return Answer();
       case FaultKind::kStatus:
         return End({{static_cast<grpc::StatusCode>(fault.status), fault.message}, "", false});
       case FaultKind::kReject:
         // An absent field `success` is false.
         return method != nullptr && method->replies_success ? Reply("") : Answer();
+      case FaultKind::kIgnore:
+        return method != nullptr && method->replies_success
+                   ? Reply(wire_schema::Encode(*method->reply, {{"success", true}}))
+                   : Answer();
       case FaultKind::kEmpty:
         return Reply("");
       case FaultKind::kMalformed:
@@ -192,7 +214,11 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
 
   void Drop() { End({grpc::Status::CANCELLED, "", true}); }
 
-  void End(const Outcome& outcome) {
+  void End(Outcome outcome) {
+    if (!fault.answer.empty() && !outcome.is_dropped) {
+      outcome.reply = Edited(*method->reply, outcome.reply, fault.answer);
+      outcome.status = grpc::Status::OK;
+    }
     if (Backend* const backend = dispatcher.device.backend.get())
       backend->Ended(query, FaultText(), outcome);
     if (outcome.is_dropped) DropConnectionOf(peer);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <vector>
 
+#include "simulator/json.h"
 #include "simulator/method_table.h"
 #include "state_document/names.h"
 
@@ -23,6 +24,46 @@ std::int32_t NumberOf(const state_document::Names& names, const std::string& nam
 }
 
 const char* Name(FaultKind kind) { return state_document::kFaults[static_cast<std::size_t>(kind)]; }
+
+// The end of the JSON object that begins at `start`; the end of the text if it has none.
+std::size_t EndOfObject(const std::string& text, std::size_t start) {
+  int depth = 0;
+  bool is_in_string = false;
+  for (std::size_t i = start; i < text.size(); ++i) {
+    if (is_in_string && text[i] == '\\') {
+      ++i;
+    } else if (text[i] == '"') {
+      is_in_string = !is_in_string;
+    } else if (!is_in_string && (text[i] == '{' || text[i] == '}')) {
+      depth += text[i] == '{' ? 1 : -1;
+      if (depth == 0) return i + 1;
+    }
+  }
+  return text.size();
+}
+
+std::string* FindObject(Fault& fault, const std::string& key) {
+  return key == "when"      ? &fault.when
+         : key == "request" ? &fault.request
+         : key == "answer"  ? &fault.answer
+                            : nullptr;
+}
+
+// Throws unless `json` is empty or, for each method, the JSON of its message.
+void CheckObject(const std::vector<const Method*>& methods, const char* key,
+                 const std::string& json) {
+  if (json.empty()) return;
+  try {
+    const Json object = Json::parse(json);
+    for (const Method* method : methods)
+      wire_schema::Encode(key == std::string("answer") ? *method->reply : *method->request, object);
+    if (methods.empty()) throw std::invalid_argument("the schemas lack the method");
+  } catch (const Json::exception&) {
+    throw BadFault(key + ('=' + json) + " must be a JSON object");
+  } catch (const std::invalid_argument& error) {
+    throw BadFault(key + ('=' + json) + ": " + error.what());
+  }
+}
 
 std::uint32_t ParseNumber(const std::string& key, const std::string& text) {
   std::uint32_t number = 0;
@@ -47,15 +88,24 @@ void ParseWord(const std::string& word, Fault& fault) {
     fault.delay_ms = ParseNumber(key, value);
   } else if (key == "times") {
     fault.times = ParseNumber(key, value);
+  } else if (key == "after") {
+    fault.after = ParseNumber(key, value);
+  } else if (key == "then") {
+    fault.then = value;
+  } else if (std::string* const object = FindObject(fault, key)) {
+    *object = value;
   } else {
-    throw BadFault("unknown '" + word +
-                   "'; use status=CODE, delay=MILLISECONDS, times=N or message=TEXT");
+    throw BadFault(
+        "unknown '" + word +
+        "'; use status=CODE, delay=MILLISECONDS, times=N, after=N, when=JSON, request=JSON, "
+        "answer=JSON, then=METHOD or message=TEXT");
   }
 }
 
-// The methods that the pattern matches; at least one.
+// The methods that the pattern matches; at least one, but none for a path.
 std::vector<const Method*> Matching(const std::string& pattern) {
   std::vector<const Method*> matching;
+  if (pattern.compare(0, 1, "/") == 0) return matching;
   for (const Daemon daemon : {Daemon::kNetworkManager, Daemon::kDapi})
     for (const Method& method : MethodsOf(daemon))
       if (Matches(pattern, FullName(daemon, method.name))) matching.push_back(&method);
@@ -88,7 +138,9 @@ Fault ParseFault(const std::string& string) {
       fault.message = string.substr(start + std::strlen(kMessage));
       break;
     }
-    const std::size_t end = std::min(string.find(',', start), string.size());
+    const std::size_t brace = string.find('{', start);
+    std::size_t end = std::min(string.find(',', start), string.size());
+    if (brace < end) end = std::min(string.find(',', EndOfObject(string, brace)), string.size());
     ParseWord(string.substr(start, end - start), fault);
     start = end + 1;
   }
@@ -105,15 +157,29 @@ std::string ToString(const Fault& fault) {
     add(Name(fault.kind));
   }
   if (fault.delay_ms != 0) add("delay=" + std::to_string(fault.delay_ms));
+  if (fault.after != 0) add("after=" + std::to_string(fault.after));
   if (fault.times != 0) add("times=" + std::to_string(fault.times));
+  if (!fault.when.empty()) add("when=" + fault.when);
+  if (!fault.request.empty()) add("request=" + fault.request);
+  if (!fault.answer.empty()) add("answer=" + fault.answer);
+  if (!fault.then.empty()) add("then=" + fault.then);
   if (!fault.message.empty()) add(kMessage + fault.message);
   return fault.method + ':' + words;
 }
 
 void Check(const Fault& fault) {
   const std::vector<const Method*> matching = Matching(fault.method);
-  if (fault.kind == FaultKind::kNone && fault.delay_ms == 0)
+  const bool is_edited = !fault.request.empty() || !fault.answer.empty() || !fault.then.empty();
+  if (fault.kind == FaultKind::kNone && fault.delay_ms == 0 && !is_edited)
     throw BadFault("no fault given for " + fault.method);
+  if (fault.kind != FaultKind::kNone && is_edited)
+    throw BadFault(std::string("request, answer and then cannot be combined with ") +
+                   Name(fault.kind));
+  CheckObject(matching, "when", fault.when);
+  CheckObject(matching, "request", fault.request);
+  CheckObject(matching, "answer", fault.answer);
+  if (!fault.then.empty() && FindWithoutParameters(fault.then) == nullptr)
+    throw BadFault("then=" + fault.then + " must be a method without parameters");
   if (static_cast<std::size_t>(fault.status) >=
       state_document::kStatuses.size())  // negative ones, too
     throw BadFault(std::to_string(fault.status) + " is not a gRPC status code");
@@ -122,14 +188,20 @@ void Check(const Fault& fault) {
   if (fault.kind != FaultKind::kStatus && (fault.status != 0 || !fault.message.empty()))
     throw BadFault(std::string("a status code or message is for the fault status, not for ") +
                    Name(fault.kind));
-  if (fault.kind == FaultKind::kReject &&
+  if ((fault.kind == FaultKind::kReject || fault.kind == FaultKind::kIgnore) &&
       std::none_of(matching.begin(), matching.end(),
                    [](const Method* method) { return method->replies_success; }))
-    throw BadFault(fault.method + " cannot reject: its reply has no field success");
+    throw BadFault(fault.method + " cannot " + Name(fault.kind) +
+                   ": its reply has no field success");
   if (fault.kind == FaultKind::kStop &&
       ((!Stops(fault, Daemon::kDapi) && !Stops(fault, Daemon::kNetworkManager)) ||
        fault.delay_ms != 0 || fault.times != 0))
     throw BadFault("stop requires DAPI.* or NetworkManager.*, without delay and times");
+  if (fault.kind == FaultKind::kGoaway &&
+      ((!IsOfDaemon(fault, fault.kind, Daemon::kDapi) &&
+        !IsOfDaemon(fault, fault.kind, Daemon::kNetworkManager)) ||
+       fault.delay_ms == 0 || fault.times != 0))
+    throw BadFault("goaway requires DAPI.* or NetworkManager.*, and delay, without times");
 }
 
 void CheckPattern(const std::string& pattern) { Matching(pattern); }
@@ -140,8 +212,12 @@ bool Matches(const std::string& pattern, const std::string& method) {
          pattern == method.substr(dot + 1);
 }
 
+bool IsOfDaemon(const Fault& fault, FaultKind kind, Daemon daemon) {
+  return fault.kind == kind && fault.method == FullName(daemon, "*");
+}
+
 bool Stops(const Fault& fault, Daemon daemon) {
-  return fault.kind == FaultKind::kStop && fault.method == FullName(daemon, "*");
+  return IsOfDaemon(fault, FaultKind::kStop, daemon);
 }
 
 }  // namespace simulator

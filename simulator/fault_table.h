@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "simulator/fault.h"
+#include "simulator/json.h"
 
 namespace simulator {
 
@@ -25,8 +26,13 @@ class FaultTable {
   bool HasStop(Daemon daemon) const;
   void ClearStop(Daemon daemon);
 
+  /// Milliseconds without a call after which this daemon closes a connection; 0: never.
+  std::uint32_t IdleLimit(Daemon daemon) const;
+  /// True if a fault is given for exactly this method or pattern.
+  bool Has(const std::string& method) const;
+
   /// The fault of this call, whose method is given by its full name. Counts it.
-  std::optional<Fault> Take(const std::string& method);
+  std::optional<Fault> Take(const std::string& method, const Json& request);
 
  private:
   template <class Condition>

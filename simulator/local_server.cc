@@ -14,14 +14,17 @@
 namespace simulator {
 
 LocalServer::LocalServer(grpc::CallbackGenericService& service, const Endpoint& wanted,
-                         bool accepts_any_length)
+                         const Options& options)
     : sockets(std::in_place, wanted) {
   using Builder = grpc::ServerBuilder;
   Builder builder;
   connections = builder.experimental().AddExternalConnectionAcceptor(
       Builder::experimental_type::ExternalConnectionType::FROM_FD,
       grpc::InsecureServerCredentials());
-  if (accepts_any_length) builder.SetMaxReceiveMessageSize(-1);
+  if (options.accepts_any_length) builder.SetMaxReceiveMessageSize(-1);
+  if (options.idle_limit_ms != 0)
+    builder.AddChannelArgument(GRPC_ARG_MAX_CONNECTION_IDLE_MS,
+                               static_cast<int>(options.idle_limit_ms));
   builder.RegisterCallbackGenericService(&service);
   server = builder.BuildAndStart();
   if (server == nullptr) throw std::runtime_error("cannot start a gRPC server");

@@ -8,6 +8,7 @@
 #include <grpcpp/server.h>
 #include <grpcpp/server_builder.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 
@@ -19,11 +20,15 @@ namespace simulator {
 
 class LocalServer {
  public:
-  /// Serves `service`, which must outlive this object; requests longer than
-  /// gRPC's default only if that is asked for. Throws std::runtime_error,
+  struct Options {
+    bool accepts_any_length = false;  // of requests; otherwise gRPC's default
+    std::uint32_t idle_limit_ms = 0;  // closes connections without a call after this; 0: never
+  };
+
+  /// Serves `service`, which must outlive this object. Throws std::runtime_error,
   /// which names address and reason, if it cannot listen there.
   LocalServer(grpc::CallbackGenericService& service, const Endpoint& wanted,
-              bool accepts_any_length = false);
+              const Options& options);
 
   /// Ends the open calls.
   ~LocalServer();

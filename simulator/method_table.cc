@@ -27,4 +27,11 @@ const Method* FindMethod(Daemon daemon, const std::string& name) {
   return found != methods.end() ? &*found : nullptr;
 }
 
+const Method* FindWithoutParameters(const std::string& name) {
+  for (const Daemon daemon : {Daemon::kNetworkManager, Daemon::kDapi})
+    if (const Method* const method = FindMethod(daemon, name))
+      if (method->request->fields.empty()) return method;
+  return nullptr;
+}
+
 }  // namespace simulator

@@ -38,4 +38,7 @@ const std::vector<Method>& MethodsOf(Daemon daemon);
 /// Null if the daemon has no such method.
 const Method* FindMethod(Daemon daemon, const std::string& name);
 
+/// A method of either daemon whose request has no fields; null if there is none.
+const Method* FindWithoutParameters(const std::string& name);
+
 }  // namespace simulator

@@ -34,6 +34,15 @@ class SimulatedDaemon {
     const std::lock_guard<std::mutex> lock(mutex);
     running.reset();
   }
+  // Restarts it if faults have changed what it does as a whole.
+  void Update() {
+    {
+      const std::lock_guard<std::mutex> lock(mutex);
+      if (running == nullptr || running->idle_limit_ms == device.faults.IdleLimit(daemon)) return;
+      running.reset();
+    }
+    Start();
+  }
   // Stops it for good.
   void End() {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -49,8 +58,11 @@ class SimulatedDaemon {
   // A generic service can be registered with one server only.
   struct Running {
     Running(Daemon which, SharedDevice& shared, const Endpoint& wanted)
-        : dispatcher(which, shared), server(dispatcher, wanted, shared.backend != nullptr) {}
+        : idle_limit_ms(shared.faults.IdleLimit(which)),
+          dispatcher(which, shared),
+          server(dispatcher, wanted, {shared.backend != nullptr, idle_limit_ms}) {}
 
+    const std::uint32_t idle_limit_ms;
     Dispatcher dispatcher;
     LocalServer server;
   };
@@ -154,7 +166,10 @@ void Simulator::Inject(const Fault& fault) {
   Check(fault);
   implementation->device.faults.Add(fault);
   for (SimulatedDaemon* daemon : implementation->Daemons())
-    if (Stops(fault, daemon->Which())) daemon->Stop();
+    if (Stops(fault, daemon->Which()))
+      daemon->Stop();
+    else
+      daemon->Update();
 }
 
 void Simulator::ClearFaults(const std::string& method) {
@@ -163,6 +178,7 @@ void Simulator::ClearFaults(const std::string& method) {
   for (SimulatedDaemon* daemon : implementation->Daemons()) {
     daemon->Thaw(method);
     if (!implementation->device.faults.HasStop(daemon->Which())) daemon->Start();
+    daemon->Update();
   }
 }
 

@@ -160,6 +160,11 @@ void Members(Archive& it, Fault& fault) {
   it("message", fault.message);
   it("delay_ms", fault.delay_ms);
   it("times", fault.times);
+  it("after", fault.after);
+  it("when", fault.when);
+  it("request", fault.request);
+  it("answer", fault.answer);
+  it("then", fault.then);
 }
 
 // --- The document --------------------------------------------------------------

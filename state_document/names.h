@@ -30,7 +30,7 @@ inline constexpr Names kLinkSpeeds("none", "10", "100", "1000");  // Mbit/s
 inline constexpr Names kClocks("none", "passive", "undisciplined", "disciplined");
 inline constexpr Names kEncodings("L24", "L16");
 inline constexpr Names kFaults("none", "status", "reject", "empty", "malformed", "oversize",
-                               "freeze", "drop", "stop");
+                               "freeze", "drop", "stop", "ignore", "goaway");
 /// By gRPC's status codes.
 inline constexpr Names kStatuses("OK", "CANCELLED", "UNKNOWN", "INVALID_ARGUMENT",
                                  "DEADLINE_EXCEEDED", "NOT_FOUND", "ALREADY_EXISTS",

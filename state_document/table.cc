@@ -157,6 +157,11 @@ const std::vector<Member>& Table() {
       {"faults[].message", kString},
       {"faults[].delay_ms", kUint32},
       {"faults[].times", kUint32, kSimulated, "0 for every call"},
+      {"faults[].after", kUint32},
+      {"faults[].when", kString, kSimulated, "A JSON object"},
+      {"faults[].request", kString, kSimulated, "A JSON object"},
+      {"faults[].answer", kString, kSimulated, "A JSON object"},
+      {"faults[].then", kString},
   };
   return table;
 }

@@ -11,20 +11,33 @@ std::string FaultsSection() {
       "Faults",
       terminal::Wrapped(
           "METHOD is a method, such as GetName or DAPI.GetName; DAPI.* and NetworkManager.* stand "
-          "for all methods of a daemon, * for all of both. FAULT is one of the words below, or "
-          "several separated by commas: one for what the call meets, and any of the last three. "
-          "If several faults match a method, the first one given applies.",
+          "for all methods of a daemon, * for all of both; a path such as /package.Service/Name "
+          "for "
+          "a method that the schemas lack. FAULT is one of the words below, or several separated "
+          "by "
+          "commas: one for what the call meets, and any of those with a value. If several faults "
+          "match a call, the first one given applies. JSON is an object with some of the fields of "
+          "the message.",
           2) +
           "\n" + Entry("status=CODE", "the call fails with this gRPC status") +
           Entry("reject", "the reply reports that the request was rejected") +
+          Entry("ignore", "the reply reports success, but nothing changes") +
           Entry("empty", "the reply has no bytes") +
           Entry("malformed", "the reply cannot be parsed") +
           Entry("oversize", "the reply exceeds the client's limit of 4 MiB") +
           Entry("freeze", "no reply, until the fault is cleared") +
           Entry("drop", "the connection is closed") +
           Entry("stop", "the daemon is stopped; for DAPI.* and NetworkManager.*") +
-          Entry("none", "the call is answered as usual; for a delay") +
+          Entry("goaway",
+                "connections without a call for the time of delay are closed with GOAWAY; for "
+                "DAPI.* and NetworkManager.*") +
+          Entry("none", "the call is answered as usual; can be left out before the words below") +
+          Entry("request=JSON", "the device receives these values instead of those sent") +
+          Entry("answer=JSON", "the reply has these values, and status OK") +
+          Entry("then=METHOD", "after the call, the device receives this one, without parameters") +
+          Entry("when=JSON", "the fault applies to calls whose request has these values") +
           Entry("delay=MS", "all of this happens MS milliseconds later") +
+          Entry("after=N", "the fault does not apply to the first N calls") +
           Entry("times=N", "the fault applies to N calls; default: to all") +
           Entry("message=TEXT", "message of a status; last, because it may contain commas"));
 }

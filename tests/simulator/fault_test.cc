@@ -3,6 +3,10 @@
 
 #include <unistd.h>
 
+#include <grpcpp/create_channel.h>
+#include <grpcpp/impl/codegen/client_unary_call.h>
+#include <grpcpp/security/credentials.h>
+
 #include <cstdlib>
 #include <future>
 
@@ -133,6 +137,93 @@ TEST_F(FaultsOfDevice, Reject_RepliesFalseAndChangesNothing) {
   EXPECT_FALSE(SetName("rejected"));
 
   EXPECT_EQ(NameOfModel(), kDefaultName);
+}
+
+TEST_F(FaultsOfDevice, Ignore_RepliesTrueAndChangesNothing) {
+  device.Inject("DAPI.*:ignore");
+
+  EXPECT_TRUE(SetName("ignored"));
+
+  EXPECT_EQ(NameOfModel(), kDefaultName);
+  EXPECT_EQ(GetName(), StatusCode::OK);
+  EXPECT_EQ(name.name(), kDefaultName);
+}
+
+TEST_F(FaultsOfDevice, Answer_ReplacesFieldsAndStatusOfTheReply) {
+  device.Inject(R"(GetName:answer={"name":"a, \"}"},times=1)");
+  device.Inject(R"(SetName:answer={"success":false})");
+  device.Inject(R"(GetRxChannelLink:answer={"deviceName":"x"})");
+
+  EXPECT_EQ(GetName(), StatusCode::OK);
+  EXPECT_EQ(name.name(), "a, \"}");
+  EXPECT_FALSE(SetName("changed"));
+  EXPECT_EQ(NameOfModel(), "changed");
+  ostrevan::grpcdapi::Channel unknown;
+  unknown.set_id(99);
+  EXPECT_EQ(Ask(&DanteStub::GetRxChannelLink, unknown).devicename(), "x");
+}
+
+TEST_F(FaultsOfDevice, Request_ReplacesFieldsThatTheDeviceReceives) {
+  device.Inject(R"(SetName:request={"name":"x"},when={"name":"this"})");
+
+  EXPECT_TRUE(SetName("this"));
+  EXPECT_EQ(NameOfModel(), "x");
+  EXPECT_TRUE(SetName("that"));
+  EXPECT_EQ(NameOfModel(), "that");
+}
+
+TEST_F(FaultsOfDevice, After_FirstCallsAreAnsweredAsUsual) {
+  device.Inject("GetName:status=ABORTED,after=2,times=1");
+
+  for (const StatusCode expected :
+       {StatusCode::OK, StatusCode::OK, StatusCode::ABORTED, StatusCode::OK})
+    EXPECT_EQ(GetName(), expected);
+}
+
+TEST_F(FaultsOfDevice, Then_DeviceReceivesThatCallNext) {
+  device.Inject("SetName:then=FactoryReset");
+  device.WithDevice([](simulator::Device& it) { it.network.hostname = "before"; });
+
+  EXPECT_TRUE(SetName("changed"));
+
+  EXPECT_EQ(NameOfModel(), "changed");
+  EXPECT_EQ(device.WithDevice([](simulator::Device& it) { return it.network.hostname; }),
+            "amplifier");
+}
+
+TEST_F(FaultsOfDevice, PathThatTheSchemasLack_FaultApplies) {
+  const auto call = [&](const std::string& path) {
+    const auto channel = support::ChannelTo(device.DapiUrl());
+    grpc::ClientContext patient;
+    ostrevan::common::Empty reply;
+    const grpc::internal::RpcMethod method(path.c_str(), grpc::internal::RpcMethod::NORMAL_RPC);
+    return grpc::internal::BlockingUnaryCall(channel.get(), method, &patient,
+                                             ostrevan::common::Empty(), &reply)
+        .error_code();
+  };
+  device.Inject("/a.B/C:empty,times=1");
+
+  EXPECT_EQ(call("/a.B/D"), StatusCode::UNIMPLEMENTED);
+  EXPECT_EQ(call("/a.B/C"), StatusCode::OK);
+  EXPECT_EQ(call("/a.B/C"), StatusCode::UNIMPLEMENTED);
+}
+
+TEST_F(FaultsOfDevice, Goaway_IdleConnectionIsClosedUntilCleared) {
+  const auto closes = [&](std::chrono::milliseconds limit) {
+    grpc::ChannelArguments own;
+    own.SetInt(GRPC_ARG_USE_LOCAL_SUBCHANNEL_POOL, 1);
+    const auto channel =
+        grpc::CreateCustomChannel(device.DapiUrl(), grpc::InsecureChannelCredentials(), own);
+    EXPECT_TRUE(channel->WaitForConnected(support::In20Seconds()));
+    return channel->WaitForStateChange(GRPC_CHANNEL_READY,
+                                       std::chrono::system_clock::now() + limit);
+  };
+  device.Inject("DAPI.*:goaway,delay=50");
+  EXPECT_TRUE(closes(std::chrono::seconds(20)));
+
+  device.ClearFaults();
+
+  EXPECT_FALSE(closes(std::chrono::milliseconds(300)));
 }
 
 TEST_F(FaultsOfDevice, EmptyReply_HasZeroValues) {
@@ -339,7 +430,10 @@ INSTANTIATE_TEST_SUITE_P(All, FaultStrings,
                                          "SetHostname:reject", "DAPI.*:reject", "*:empty",
                                          "GetName:malformed", "GetName:oversize,times=1",
                                          "NetworkManager.*:freeze", "GetName:drop", "DAPI.*:stop",
-                                         "*:delay=250"));
+                                         "*:delay=250", "SetName:ignore", "DAPI.*:goaway,delay=1",
+                                         "/a.B/C:empty", "SetName:then=ReloadNTPConfig",
+                                         R"(GetName:after=1,times=1,answer={"name":"{,\"\\"})",
+                                         R"(SetName:when={"name":"a"},request={"name":"b"})"));
 
 class BadFaultStrings : public testing::TestWithParam<const char*> {};
 
@@ -354,7 +448,13 @@ INSTANTIATE_TEST_SUITE_P(
                     "GetName:status", "GetName:none", "GetName:stop", "*:stop",
                     "DAPI.*:stop,times=1", "DAPI.*:stop,delay=1", "NetworkManager.GetName:drop",
                     "getname:drop", "GetName:drop,message=x", "GetName:message=x",
-                    "GetName:drop,status=ABORTED"));
+                    "GetName:drop,status=ABORTED", "GetName:ignore", "GetName:goaway,delay=1",
+                    "DAPI.*:goaway", "DAPI.*:goaway,delay=1,times=1", "GetName:answer=x",
+                    "GetName:answer={", "GetName:answer={\"nam\":\"\"}",
+                    "GetName:answer={\"name\":1}", "DAPI.*:answer={\"name\":\"\"}",
+                    "SetName:request={\"id\":1}", "SetName:drop,when={\"id\":1}",
+                    "SetName:reject,answer={}", "/a.B/C:answer={}", "/a.B/C:reject",
+                    "SetName:then=SetName", "SetName:then=", "SetName:when={}"));
 
 TEST(Faults, StatusCodeThatGrpcLacks_IsRejected) {
   for (const int code : {-1, 17}) {
