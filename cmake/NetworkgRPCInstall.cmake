@@ -36,7 +36,7 @@ install(TARGETS NetworkgRPC_Client EXPORT NetworkgRPCClientTargets
 file(RELATIVE_PATH bindir_to_libdir "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
 set(loader_directories
   ${CMAKE_C_IMPLICIT_LINK_DIRECTORIES} ${CMAKE_PLATFORM_IMPLICIT_LINK_DIRECTORIES})
-foreach(program IN ITEMS networkgrpc networkgrpc-simulator)
+foreach(program IN ITEMS networkgrpc networkgrpc-conformance networkgrpc-simulator)
   if(NOT TARGET ${program})
     continue()
   endif()

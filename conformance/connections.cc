@@ -127,21 +127,23 @@ void Keepalive(Session& it) {
   if (it.limits.keepalive == 0) throw Skipped{"--keepalive-seconds is 0"};
   if (it.idle.empty()) {
     it.idle_since = Clock::now();
-    for (const Daemon daemon : {Daemon::kNetworkManager, Daemon::kDante}) {
+    for (const Daemon daemon : it.daemons) {
       it.idle[daemon] = it.Connect(daemon);
-      it.idle[daemon]->GetState(true);
+      it.idle[daemon]->WaitForConnected(std::chrono::system_clock::now() +
+                                        ToDuration(it.limits.timeout));
     }
   }
   grpc::Channel& channel = *it.idle[it.daemon];
-  Expect(it.SendBytes(it.AnyRead(), "", it.idle[it.daemon]).IsOk(), "the first call failed");
   const auto end = it.idle_since + ToDuration(it.limits.keepalive);
-  for (auto now = Clock::now(); now < end; now = Clock::now()) {
+  while (true) {
     if (tool::interrupt::Signal() != 0) throw Interrupted{};
+    const auto now = Clock::now();
     Expect(channel.GetState(false) == GRPC_CHANNEL_READY,
-           "the daemon closed the connection after " + Seconds(now - it.idle_since));
+           "the connection was closed within " + Seconds(now - it.idle_since));
+    if (now >= end) break;
     std::this_thread::sleep_for(kPause);
   }
-  Expect(it.SendBytes(it.AnyRead(), "", it.idle[it.daemon]).IsOk(), "the last call failed");
+  Expect(it.SendBytes(it.AnyRead(), "", it.idle[it.daemon]).IsOk(), "the call after it failed");
 }
 
 // --- Another -------------------------------------------------------------------

@@ -80,6 +80,7 @@ void AddressesInEffect(Session& it) {
 
 void SwitchModes(Session& it) {
   const Json modes = it.Member("GetAvailableSwitchModes", "modes");
+  if (modes.empty()) throw Skipped{"the device has no switch modes"};
   ExpectUnique(modes, "id");
   for (const char* method : {"GetSwitchMode", "GetSwitchModeStatus"}) {
     const Json mode = it.Read(method);

@@ -91,6 +91,9 @@ void KeepsStored(Session& it, const char* reload) {
       all.push_back(FindSetting(method)->read(it, nullptr));
     return all;
   };
+  const Setting& ntp = *FindSetting("SetNTPServer");
+  it.Need("settings.NTPServer");
+  it.Change(ntp.method, ntp.other(it, ntp.read(it, nullptr)));
   const Json before = stored();
   Expect(it.Change(reload), std::string(reload) + " was rejected");
   Expect(stored() == before, "a stored setting has changed");

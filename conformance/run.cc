@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <optional>
+#include <thread>
 
 #include "tools/checkpoint.h"
 #include "tools/failure.h"
@@ -11,6 +12,7 @@
 namespace conformance {
 namespace {
 
+using Clock = std::chrono::steady_clock;
 using tool::Daemon;
 using tool::Failure;
 
@@ -18,36 +20,59 @@ using tool::Failure;
 // ends early.
 class Before {
  public:
-  explicit Before(std::vector<Daemon> of) : daemons(std::move(of)) {}
+  /// Each restoration may take so many seconds.
+  Before(std::vector<Daemon> of, double seconds) : daemons(std::move(of)), limit(seconds) {}
 
   /// Why settings of this daemon cannot be changed; "" if they can.
-  std::string Obstacle(Daemon daemon) {
+  std::string Obstacle(const Session& session, Daemon daemon) {
+    // What cannot be told apart cannot be restored.
+    const std::vector<std::string> needed =
+        daemon == Daemon::kDante
+            ? std::vector<std::string>{"lists.TxChannels", "lists.RxChannels",
+                                       "lists.Subscriptions"}
+            : std::vector<std::string>{"lists.Interfaces", "lists.NetworkConfig",
+                                       "lists.NetworkStatus"};
+    for (const std::string& check : needed)
+      if (session.failed.count(check) != 0) return "see " + check;
     if (!has_begun) Begin();
     return obstacle[daemon];
   }
 
   /// After each check that may have changed something.
   void Restore() {
-    try {
-      tool::Restore(snapshot, must_reload, [] {});
-    } catch (const Failure& failure) {
-      for (const Daemon daemon : daemons)
-        obstacle[daemon] = "what was before could not be restored: " + failure.message;
-    }
+    const std::string why = TryToRestore();
+    if (why.empty()) return;
+    problem = "what was before could not be restored in time: " + why;
+    for (const Daemon daemon : daemons) obstacle[daemon] = problem;
   }
 
-  /// Why not everything is restored in the end; "" if it is.
+  /// What went wrong with it; "" if nothing did. The other process continues if it has to.
   std::string Finish() {
     if (!checkpoint.has_value()) return "";
-    try {
-      checkpoint->Restore();
-      return "";
-    } catch (const Failure& failure) {
-      return failure.message;
-    }
+    const std::string why = TryToRestore();
+    if (!why.empty())
+      return "not everything is restored yet: " + why +
+             "; another process tries again: see 'networkgrpc checkpoint'";
+    checkpoint->Discard();
+    return problem;
   }
 
  private:
+  // A daemon that has just applied something may need time. Why it failed; "" if it did not.
+  std::string TryToRestore() {
+    constexpr std::chrono::milliseconds kPause(100);
+    const auto end = Clock::now() + std::chrono::duration<double>(limit);
+    while (true) {
+      try {
+        tool::Restore(snapshot, must_reload, [] {});
+        return "";
+      } catch (const Failure& failure) {
+        if (Clock::now() > end) return failure.message;
+      }
+      std::this_thread::sleep_for(kPause);
+    }
+  }
+
   void Begin() {
     has_begun = true;
     std::vector<Daemon> readable;
@@ -74,7 +99,9 @@ class Before {
   static constexpr double kLongest = 24.0 * 60 * 60;  // seconds
 
   const std::vector<Daemon> daemons;
+  const double limit;
   std::map<Daemon, std::string> obstacle;
+  std::string problem;
   bool has_begun = false;
   bool must_reload = false;
   Json snapshot;
@@ -132,6 +159,14 @@ Checks AllChecks() {
   Checks all;
   for (const Checks& some : {Answers(), Lists(), Wire(), Settings(), Reload(), Connections()})
     all.insert(all.end(), some.begin(), some.end());
+  // What is only read comes first, so that nothing is changed on a device that cannot be
+  // restored. What may interrupt the daemons comes last.
+  std::stable_partition(all.begin(), all.end(),
+                        [](const Check& it) { return it.effect == Effect::kReads; });
+  std::stable_partition(all.begin(), all.end(),
+                        [](const Check& it) { return it.name != "answers.Reconnect"; });
+  std::stable_partition(all.begin(), all.end(),
+                        [](const Check& it) { return it.effect != Effect::kRestarts; });
   return all;
 }
 
@@ -143,9 +178,8 @@ std::size_t Run::Count(Outcome outcome) const {
 
 Run RunChecks(const Checks& checks, Session& session, const Permissions& permissions,
               const std::function<void()>& step) {
-  using Clock = std::chrono::steady_clock;
   Run run;
-  Before before(session.daemons);
+  Before before(session.daemons, session.limits.timeout);
   try {
     for (const Check& check : checks) {
       step();
@@ -154,7 +188,7 @@ Run RunChecks(const Checks& checks, Session& session, const Permissions& permiss
       result.why = Forbidden(check, session, permissions);
       const bool changes =
           check.effect == Effect::kChanges || check.effect == Effect::kFactoryReset;
-      if (result.why.empty() && changes) result.why = before.Obstacle(check.daemon);
+      if (result.why.empty() && changes) result.why = before.Obstacle(session, check.daemon);
       if (!result.why.empty()) {
         result.outcome = Outcome::kSkipped;
       } else {

@@ -26,7 +26,7 @@ struct Permissions {
 
 struct Run {
   std::vector<Result> results;
-  std::string not_restored;  // why; "" if what was before is restored
+  std::string not_restored;  // why; "" if what was before was restored after each check
   bool is_interrupted = false;
 
   std::size_t Count(Outcome outcome) const;

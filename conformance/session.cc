@@ -177,9 +177,17 @@ Reply Session::Finish(const std::string& method, const std::string& sent, Reply 
   return reply;
 }
 
+const Channel& Session::Shared(tool::Daemon of) {
+  const Channel& channel = tool::ChannelTo(of);
+  const auto end = std::chrono::system_clock::now() +
+                   std::chrono::milliseconds(static_cast<int>(limits.timeout * 1000));
+  if (absent.count(of) == 0 && !channel->WaitForConnected(end)) absent.insert(of);
+  return channel;
+}
+
 Reply Session::SendTo(const std::string& path, const std::string& request) {
   Batch batch;
-  batch.Start(tool::ChannelTo(daemon), path, request, limits.timeout);
+  batch.Start(Shared(daemon), path, request, limits.timeout);
   return Finish(path, Hex(request), batch.Wait().front());
 }
 
@@ -196,7 +204,7 @@ Reply Session::SendBytes(const std::string& method, const std::string& request,
 }
 
 Reply Session::SendBytes(const std::string& method, const std::string& request) {
-  return SendBytes(method, request, tool::ChannelTo(DaemonOf(method)));
+  return SendBytes(method, request, Shared(DaemonOf(method)));
 }
 
 Reply Session::Send(const std::string& method, const Json& request) {

@@ -113,7 +113,12 @@ class Session {
   Json interfaces = Json::array();  // before the restart
 
  private:
+  /// The connection that all checks share. A daemon that has ended it, or has restarted, is
+  /// given time.
+  const Channel& Shared(tool::Daemon of);
   Reply Finish(const std::string& method, const std::string& sent, Reply reply);
+
+  std::set<tool::Daemon> absent;  // did not come back within the time limit
 };
 
 /// "ostrevan.grpcdapi.DAPI"

@@ -18,9 +18,10 @@ struct Setting {
   ToRequest read;
   /// The request for another valid value than `from`. Throws Skipped if there is none.
   ToRequest other;
-  bool must_accept;  // that value: no state of the device forbids it
-  std::string text;  // its string, or its list of strings; "" if it has none
-  bool has_id;       // the object is one of several
+  bool must_accept;   // that value: no state of the device forbids it
+  std::string text;   // its string, or its list of strings; "" if it has none
+  bool has_id;        // the object is one of several
+  std::string needs;  // the check of lists from which `other` chooses
 };
 
 const std::vector<Setting>& AllSettings();
@@ -28,7 +29,7 @@ const std::vector<Setting>& AllSettings();
 /// Null if no method of this name sets anything.
 const Setting* FindSetting(const std::string& method);
 
-/// Whether all that was sent is there.
+/// Whether all that was sent is there. What only the daemon knows the meaning of is left out.
 bool Holds(const Json& there, const Json& sent);
 
 /// A wired interface, and not the one for control if possible; one with an address in

@@ -12,6 +12,8 @@ constexpr const char* kConfirm = "reply with success true only after the change 
 constexpr const char* kReject =
     "reply with success false, or with a status such as NOT_FOUND or INVALID_ARGUMENT";
 
+std::string ItselfOf(const Setting& setting) { return "settings." + setting.method.substr(3); }
+
 // True if the change is confirmed.
 bool SetAndReadBack(Session& it, const Setting& setting, const Json& sent) {
   const Json before = setting.read(it, sent);
@@ -39,7 +41,7 @@ void SetText(Session& it, const Setting& setting, const std::string& text) {
 }
 
 void SetAnyScript(Session& it, const Setting& setting) {
-  SetText(it, setting, "B\u00fchne \u03a9 \u821e\u53f0 \U0001f3a4");
+  SetText(it, setting, "B\u00fchne-\u03a9-\u821e\u53f0-\U0001f3a4");
 }
 
 void SetLong(Session& it, const Setting& setting) {
@@ -64,12 +66,13 @@ Check Changes(const std::string& name, Daemon daemon, const std::string& expecte
 }
 
 void AddFor(const Setting& setting, Checks& checks) {
-  const std::string itself = "settings." + setting.method.substr(3);
+  const std::string itself = ItselfOf(setting);
   const auto add = [&](const char* group, const char* expected, const std::string& advice,
                        void (*run)(Session&, const Setting&)) {
     checks.push_back(Changes(group + setting.method.substr(3), DaemonOf(setting.method), expected,
                              advice, [&setting, run, itself](Session& it) {
                                it.Need(itself);
+                               it.Need(setting.needs);
                                run(it, setting);
                              }));
   };
@@ -127,6 +130,7 @@ void Stream(Session& it) {
 
 // A value that no daemon can apply.
 void ExpectRejected(Session& it, const Setting& setting, const Json& sent) {
+  it.Need(ItselfOf(setting));
   const Json before = setting.read(it, sent);
   Expect(!it.Change(setting.method, sent), "the daemon confirmed it");
   Expect(setting.read(it, sent) == before, "rejected, but the setting has changed");
@@ -150,6 +154,7 @@ void UnknownRate(Session& it) {
 }
 
 void UnavailableAes67(Session& it) {
+  it.Need("lists.Aes67");
   if (it.Member("GetIsAES67Available", "status") == true) throw Skipped{"AES67 is available"};
   ExpectRejected(it, *FindSetting("SetAES67Status"), {{"status", true}});
 }

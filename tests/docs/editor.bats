@@ -8,7 +8,7 @@
   grep -qx '  CompilationDatabase: build/editor' .clangd
   "$CMAKE" --preset editor -B "$BATS_TEST_TMPDIR" >/dev/null
   jq -r '.[].file' "$BATS_TEST_TMPDIR/compile_commands.json" | sort -u >"$BATS_TEST_TMPDIR/compiled"
-  find "$PWD"/{call_frame,client,dante,examples,network,python,simulator,state_document,support,terminal,tools} \
+  find "$PWD"/{call_frame,client,conformance,dante,examples,network,python,simulator,state_document,support,terminal,tools,wire_schema} \
     -name '*.cc' ! -name simulated_device.cc | sort >"$BATS_TEST_TMPDIR/sources"
   [ "$(wc -l <"$BATS_TEST_TMPDIR/sources")" -gt 50 ]
   run comm -13 "$BATS_TEST_TMPDIR/compiled" "$BATS_TEST_TMPDIR/sources"

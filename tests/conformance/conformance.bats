@@ -1,0 +1,155 @@
+#!/usr/bin/env bats
+# networkgrpc-conformance on daemons that are right, and what it prints.
+
+load ../tools/device
+
+setup() {
+  open_device_input
+  control=$BATS_TEST_TMPDIR/private/control
+}
+
+# Each is a command that prints the endpoints of its daemons, as the simulator does.
+daemons=(
+  "$SIMULATOR"
+)
+
+keepalive=0
+conformance() { timeout 60 "$CONFORMANCE" --keepalive-seconds "$keepalive" "$@" </dev/null; }
+state() { control state | jq -S .; }
+names() { jq -r ".checks[] | select(.outcome == \"$1\").name"; }
+
+@test "daemons that are right pass every check" {
+  keepalive=1
+  for daemon in "${daemons[@]}"; do
+    start_device $daemon
+    conformance --factory-reset --restart true --json >"$BATS_TEST_TMPDIR/report"
+    [ "$(names failed <"$BATS_TEST_TMPDIR/report")" = "" ]
+    [ "$(jq .passed "$BATS_TEST_TMPDIR/report")" -ge 120 ]
+  done
+}
+
+@test "a device with other settings has them again afterwards" {
+  start_controlled_simulator --state "$SOURCE_TREE/simulator/examples/state.json"
+  control set network.hostname hall network.ntp '["a.example"]' 'network.interfaces[lan3].mode' static \
+    'network.interfaces[lan3].ip' 10.1.2.3 'network.interfaces[lan3].netmask' 255.0.0.0 \
+    network.switch_mode 2 'dante.tx_channels[1].name' 'Main left' 'dante.routing[2].device' Desk \
+    'dante.routing[2].channel' 01 dante.transmit_disabled true
+  state >"$BATS_TEST_TMPDIR/before"
+  conformance --json | jq -e '.failed == 0 and .restored'
+  diff "$BATS_TEST_TMPDIR/before" <(state)
+}
+
+@test "with --read-only, no call that changes something is made" {
+  start_controlled_simulator
+  conformance --read-only --json >"$BATS_TEST_TMPDIR/report"
+  [ "$(jq .failed "$BATS_TEST_TMPDIR/report")" = 0 ]
+  [ "$(names passed <"$BATS_TEST_TMPDIR/report" | grep -c '^answers.Get')" = 30 ]
+  [ "$(control calls | grep -c '"method":"[A-Za-z]*\.\(Set\|Reload\|Factory\|Reconnect\)')" = 0 ]
+}
+
+@test "killed in the middle of a change, the device gets its settings back" {
+  echo '{"steps": [{"call": "SetName", "count": 2, "fault": "GetName:freeze"}]}' \
+    >"$BATS_TEST_TMPDIR/scenario"
+  start_controlled_simulator --scenario "$BATS_TEST_TMPDIR/scenario"
+  state | jq .dante.name >"$BATS_TEST_TMPDIR/before"
+  conformance --timeout 60 & process=$!
+  control wait SetName --count 2
+  wait_until sh -c "\"$SIMULATOR\" ctl --control \"$control\" state | grep -q '\"name\": \"conformance-1\"'"
+  kill -KILL "$(pgrep -P "$process")"
+  control clear all
+  wait_until same_name
+}
+same_name() { state | jq .dante.name | cmp -s - "$BATS_TEST_TMPDIR/before"; }
+
+@test "after a signal, the device has its settings and the exit status is 1" {
+  start_controlled_simulator --fault 'SetName:delay=60000,after=1'
+  state | jq .network >"$BATS_TEST_TMPDIR/before"
+  "$CONFORMANCE" --timeout 60 >"$BATS_TEST_TMPDIR/report" & process=$!
+  control wait SetName --count 2
+  kill -TERM "$process"
+  status=0
+  wait "$process" || status=$?
+  [ "$status" = 1 ]
+  grep 'interrupted' "$BATS_TEST_TMPDIR/report"
+  state | jq .network | diff "$BATS_TEST_TMPDIR/before" -
+}
+
+@test "after --restart, the daemons are expected back with the same interface ids" {
+  start_controlled_simulator
+  ctl="\"$SIMULATOR\" ctl --control \"$control\""
+  conformance --only restart --restart "$ctl stop DAPI; $ctl start DAPI"
+  run -1 conformance --only restart --restart "$ctl set 'network.interfaces[lan0].id' 9" --json
+  [ "$(names failed <<<"$output")" = restart.InterfaceIds ]
+  run -1 conformance --only restart --restart false
+  [[ $output == *"problem   the command of --restart failed"* ]]
+}
+
+@test "a failed check reports what was sent, received and expected, and what to do" {
+  start_simulator --fault SetName:ignore
+  run -1 conformance
+  [[ $output == *"failed: settings.Name"* ]]
+  [[ $output == *"  problem   SetName was confirmed, but something else is there"* ]]
+  [[ $output == *"  expected  A confirmed change is read back; a rejected one changes nothing"* ]]
+  [[ $output == *'  sent      SetName {"name":"conformance-1"}'* ]]
+  [[ $output == *'  received  OK {"success":true} after '* ]]
+  [[ $output == *"  to do     reply with success true only after the change is stored"* ]]
+  [[ $output == *"utf8.Name "*"see settings.Name"* ]]
+  [[ ${lines[-1]} == *" passed, 1 failed, "*" skipped" ]]
+}
+
+@test "JUnit and JSON agree with the text" {
+  start_simulator --fault 'GetDNSList:answer={"dns":["<&\"\u0007"]}'
+  run -1 --separate-stderr conformance --json --junit "$BATS_TEST_TMPDIR/junit.xml"
+  python3 - "$BATS_TEST_TMPDIR/junit.xml" "$output" <<'PYTHON'
+import json, sys, xml.etree.ElementTree as xml
+suite = xml.parse(sys.argv[1]).getroot()
+report = json.loads(sys.argv[2])
+assert [int(suite.get(it)) for it in ("tests", "failures", "skipped")] == [
+    len(report["checks"]), report["failed"], report["skipped"]]
+assert report["failed"] == 1 and report["schema"] == 1 and report["restored"]
+for case, check in zip(suite, report["checks"], strict=True):
+    assert f'{case.get("classname")}.{case.get("name")}' == check["name"]
+    outcome = {"failure": "failed", "skipped": "skipped"}.get(case[0].tag) if len(case) else "passed"
+    assert outcome == check["outcome"], check
+failed = [check for check in report["checks"] if check["outcome"] == "failed"]
+assert failed[0]["name"] == "lists.Dns" and failed[0]["calls"][-1]["sent"] == "GetDNSList {}"
+PYTHON
+}
+
+@test "--profile and --only choose the checks" {
+  start_simulator --fault NetworkManager.*:stop
+  conformance --profile dante --json | jq -e 'all(.checks[]; .daemon == "dante-api")'
+  conformance --profile dante --only lists,answers.GetName --json | jq -e '.passed == 7'
+  run -1 conformance --profile dante --only rejected.Aes67
+  [[ $output == *"0 passed, 0 failed, 1 skipped" ]]
+}
+
+@test "exit status 8 without a daemon, 2 with a wrong command line" {
+  start_simulator --fault DAPI.*:stop
+  run -8 conformance
+  [[ $output == "networkgrpc-conformance: the dante-api daemon at $grpc_dapi_url cannot be reached" ]]
+  run -2 conformance --only settings.Nmae
+  [[ $output == *"unknown check 'settings.Nmae'; see --list"* ]]
+  run -2 conformance --profile both
+}
+
+@test "without a place for the checkpoint, nothing is changed" {
+  start_controlled_simulator
+  touch "$BATS_TEST_TMPDIR/file"
+  XDG_STATE_HOME=$BATS_TEST_TMPDIR/file conformance --json >"$BATS_TEST_TMPDIR/report"
+  [ "$(control calls | grep -c '"method":"[A-Za-z]*\.\(Set\|Reload\|Factory\|Reconnect\)')" = 0 ]
+  jq -e '.checks[] | select(.name == "settings.Name").reason | startswith("no checkpoint: ")' \
+    "$BATS_TEST_TMPDIR/report"
+}
+
+@test "docs/conformance.md explains every check, and no other" {
+  "$CONFORMANCE" --list | cut -d' ' -f1 >"$BATS_TEST_TMPDIR/names"
+  sed -n 's/^### //p' "$SOURCE_TREE/docs/conformance.md" >"$BATS_TEST_TMPDIR/headings"
+  # A heading is a name, or what several names begin with.
+  while read -r name; do
+    grep -qxF -e "$name" -e "${name%.*}" "$BATS_TEST_TMPDIR/headings" || { echo "$name"; false; }
+  done <"$BATS_TEST_TMPDIR/names"
+  while read -r heading; do
+    grep -qE "^$heading([.]|\$)" "$BATS_TEST_TMPDIR/names" || { echo "$heading"; false; }
+  done <"$BATS_TEST_TMPDIR/headings"
+}
