@@ -11,6 +11,8 @@ setup() {
 # Each is a command that prints the endpoints of its daemons, as the simulator does.
 daemons=(
   "$SIMULATOR"
+  "$SIMULATOR run -- $BUILD_TREE/tests/other_stacks/grpc_js_daemon"
+  "$SIMULATOR run -- $BUILD_TREE/tests/other_stacks/grpc_go_daemon"
 )
 
 keepalive=0
