@@ -36,16 +36,16 @@ void Reloads(Session& it) {
 
 // Stores another address. Returns what is sent.
 Json StoreAddress(Session& it, const Json& interface) {
-  it.Need("settings.NetworkConfig");
   const Setting& setting = *FindSetting("SetNetworkConfig");
+  NeedAll(it, setting);
   const Json other = setting.other(it, setting.read(it, interface));
   if (!it.Change(setting.method, other)) throw Failed{"SetNetworkConfig rejected a valid address"};
   return other;
 }
 
 void StoreMode(Session& it, Json& mode) {
-  it.Need("settings.SwitchMode");
   const Setting& setting = *FindSetting("SetSwitchMode");
+  NeedAll(it, setting);
   mode = setting.other(it, {{"id", ModeInEffect(it)}});
   if (!it.Change(setting.method, mode))
     throw Failed{"SetSwitchMode rejected a mode that is available"};
@@ -92,7 +92,7 @@ void KeepsStored(Session& it, const char* reload) {
     return all;
   };
   const Setting& ntp = *FindSetting("SetNTPServer");
-  it.Need("settings.NTPServer");
+  NeedAll(it, ntp);
   it.Change(ntp.method, ntp.other(it, ntp.read(it, nullptr)));
   const Json before = stored();
   Expect(it.Change(reload), std::string(reload) + " was rejected");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <optional>
 #include <thread>
 
@@ -25,7 +26,34 @@ class Before {
 
   /// Why settings of this daemon cannot be changed; "" if they can.
   std::string Obstacle(const Session& session, Daemon daemon) {
-    // What cannot be told apart cannot be restored.
+    if (!has_begun) Begin(session);
+    return obstacle[daemon];
+  }
+
+  /// After each check that may have changed something.
+  void Restore(Daemon daemon) {
+    const std::string why = TryToRestore(daemon);
+    if (why.empty()) return;
+    problem = "what was before could not be restored in time: " + why;
+    obstacle[daemon] = problem;
+  }
+
+  /// What went wrong with it; "" if nothing did. The other process continues if it has to.
+  std::string Finish() {
+    if (!checkpoint.has_value()) return "";
+    for (const auto& [daemon, snapshot] : snapshots) {
+      const std::string why = TryToRestore(daemon);
+      if (!why.empty())
+        return "not everything is restored yet: " + why +
+               "; another process tries again: see 'networkgrpc checkpoint'";
+    }
+    checkpoint->Discard();
+    return problem;
+  }
+
+ private:
+  // What cannot be told apart cannot be restored.
+  static std::string Ambiguity(const Session& session, Daemon daemon) {
     const std::vector<std::string> needed =
         daemon == Daemon::kDante
             ? std::vector<std::string>{"lists.TxChannels", "lists.RxChannels",
@@ -34,37 +62,16 @@ class Before {
                                        "lists.NetworkStatus"};
     for (const std::string& check : needed)
       if (session.failed.count(check) != 0) return "see " + check;
-    if (!has_begun) Begin();
-    return obstacle[daemon];
+    return "";
   }
 
-  /// After each check that may have changed something.
-  void Restore() {
-    const std::string why = TryToRestore();
-    if (why.empty()) return;
-    problem = "what was before could not be restored in time: " + why;
-    for (const Daemon daemon : daemons) obstacle[daemon] = problem;
-  }
-
-  /// What went wrong with it; "" if nothing did. The other process continues if it has to.
-  std::string Finish() {
-    if (!checkpoint.has_value()) return "";
-    const std::string why = TryToRestore();
-    if (!why.empty())
-      return "not everything is restored yet: " + why +
-             "; another process tries again: see 'networkgrpc checkpoint'";
-    checkpoint->Discard();
-    return problem;
-  }
-
- private:
   // A daemon that has just applied something may need time. Why it failed; "" if it did not.
-  std::string TryToRestore() {
+  std::string TryToRestore(Daemon daemon) {
     constexpr std::chrono::milliseconds kPause(100);
     const auto end = Clock::now() + std::chrono::duration<double>(limit);
     while (true) {
       try {
-        tool::Restore(snapshot, must_reload, [] {});
+        tool::Restore(snapshots[daemon], must_reload, [] {});
         return "";
       } catch (const Failure& failure) {
         if (Clock::now() > end) return failure.message;
@@ -73,26 +80,26 @@ class Before {
     }
   }
 
-  void Begin() {
+  void Begin(const Session& session) {
     has_begun = true;
-    std::vector<Daemon> readable;
     for (const Daemon daemon : daemons) {
+      obstacle[daemon] = Ambiguity(session, daemon);
+      if (!obstacle[daemon].empty()) continue;
       try {
-        tool::TakeSnapshot(daemon);
-        readable.push_back(daemon);
+        snapshots[daemon] = tool::TakeSnapshot(daemon);
       } catch (const Failure& failure) {
         obstacle[daemon] = "no checkpoint: " + failure.message;
       }
     }
-    if (readable.empty()) return;
-    const Daemon of = readable.size() > 1 ? Daemon::kNone : readable.front();
+    if (snapshots.empty()) return;
+    const Daemon of = snapshots.size() > 1 ? Daemon::kNone : snapshots.begin()->first;
     try {
-      snapshot = tool::TakeSnapshot(of);
       checkpoint.emplace(of, "networkgrpc-conformance", kLongest);
       checkpoint->BeginForThisProcess();
     } catch (const Failure& failure) {
       checkpoint.reset();
-      for (const Daemon daemon : readable) obstacle[daemon] = "no checkpoint: " + failure.message;
+      for (const auto& [daemon, snapshot] : snapshots)
+        obstacle[daemon] = "no checkpoint: " + failure.message;
     }
   }
 
@@ -104,7 +111,7 @@ class Before {
   std::string problem;
   bool has_begun = false;
   bool must_reload = false;
-  Json snapshot;
+  std::map<Daemon, Json> snapshots;
   std::optional<tool::Checkpoint> checkpoint;
 };
 
@@ -142,6 +149,15 @@ void Make(const Check& check, Session& session, Result& result) {
   }
 }
 
+// What is only read comes first, so that nothing is changed on a device that cannot be
+// restored. What takes long, or interrupts a daemon, comes last.
+int Turn(const Check& check) {
+  if (check.effect == Effect::kRestarts) return 4;
+  if (check.name == "answers.Reconnect") return 3;
+  if (check.name.compare(0, 10, "keepalive.") == 0) return 2;
+  return check.effect == Effect::kReads ? 0 : 1;
+}
+
 }  // namespace
 
 Checks OfBoth(const Checks& checks) {
@@ -159,14 +175,8 @@ Checks AllChecks() {
   Checks all;
   for (const Checks& some : {Answers(), Lists(), Wire(), Settings(), Reload(), Connections()})
     all.insert(all.end(), some.begin(), some.end());
-  // What is only read comes first, so that nothing is changed on a device that cannot be
-  // restored. What may interrupt the daemons comes last.
-  std::stable_partition(all.begin(), all.end(),
-                        [](const Check& it) { return it.effect == Effect::kReads; });
-  std::stable_partition(all.begin(), all.end(),
-                        [](const Check& it) { return it.name != "answers.Reconnect"; });
-  std::stable_partition(all.begin(), all.end(),
-                        [](const Check& it) { return it.effect != Effect::kRestarts; });
+  std::stable_sort(all.begin(), all.end(),
+                   [](const Check& one, const Check& other) { return Turn(one) < Turn(other); });
   return all;
 }
 
@@ -199,7 +209,7 @@ Run RunChecks(const Checks& checks, Session& session, const Permissions& permiss
         result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
         result.exchanges = session.exchanges;
         if (result.outcome == Outcome::kFailed) session.failed.insert(check.name);
-        if (changes) before.Restore();
+        if (changes) before.Restore(check.daemon);
       }
       run.results.push_back(std::move(result));
     }

@@ -88,24 +88,44 @@ Json OtherRate(Session& it, const Json& present) {
 }  // namespace
 
 const std::vector<Setting>& AllSettings() {
+  constexpr const char* kReload = "answers.ReloadNetworkConfig";  // to restore it
   static const std::vector<Json> servers{Json::array({"192.0.2.1", "ntp.example"}),
                                          Json::array({"192.0.2.2"})};
   static const std::vector<Setting> settings{
-      {"SetNetworkConfig", GetConfig, OtherAddress, true, "", true, ""},
-      {"SetSwitchMode", GetSwitchMode, OtherSwitchMode, true, "", true, "lists.SwitchModes"},
-      {"SetHostname", Get("GetHostname"), Name("hostname"), true, "hostname", false, ""},
-      {"SetNTPServer", Get("GetNTPServer"), Either("servers", servers), true, "servers", false, ""},
-      {"SetName", Get("GetName"), Name("name"), true, "name", false, ""},
-      {"SetTxChannelName", GetChannel("GetTxChannels"), Name("name"), true, "name", true, ""},
-      {"SetRxChannelName", GetChannel("GetRxChannels"), Name("name"), true, "name", true, ""},
-      {"SetRxChannelLink", GetLink, OtherLink, true, "", true, ""},
-      {"SetLatency", Get("GetLatency"), OtherLatency, false, "", false, "lists.Latencies"},
-      {"SetSampleRate", Get("GetSampleRate"), OtherRate, false, "", false, "lists.SampleRates"},
-      {"SetAES67Status", Get("GetAES67Status"), Toggle(), false, "", false, "lists.Aes67"},
-      {"SetDisableTxStatus", Get("GetDisableTxStatus"), Toggle(), true, "", false, ""},
-      {"SetPtpSlaveOnlyStatus", Get("GetPtpSlaveOnlyStatus"), Toggle(), false, "", false, ""},
+      {"SetNetworkConfig", GetConfig, OtherAddress, true, "", true, {kReload}},
+      {"SetSwitchMode",
+       GetSwitchMode,
+       OtherSwitchMode,
+       true,
+       "",
+       true,
+       {"lists.SwitchModes", kReload}},
+      {"SetHostname", Get("GetHostname"), Name("hostname"), true, "hostname", false, {}},
+      {"SetNTPServer",
+       Get("GetNTPServer"),
+       Either("servers", servers),
+       true,
+       "servers",
+       false,
+       {"answers.ReloadNTPConfig"}},
+      {"SetName", Get("GetName"), Name("name"), true, "name", false, {}},
+      {"SetTxChannelName", GetChannel("GetTxChannels"), Name("name"), true, "name", true, {}},
+      {"SetRxChannelName", GetChannel("GetRxChannels"), Name("name"), true, "name", true, {}},
+      {"SetRxChannelLink", GetLink, OtherLink, true, "", true, {}},
+      {"SetLatency", Get("GetLatency"), OtherLatency, false, "", false, {"lists.Latencies"}},
+      {"SetSampleRate", Get("GetSampleRate"), OtherRate, false, "", false, {"lists.SampleRates"}},
+      {"SetAES67Status", Get("GetAES67Status"), Toggle(), false, "", false, {"lists.Aes67"}},
+      {"SetDisableTxStatus", Get("GetDisableTxStatus"), Toggle(), true, "", false, {}},
+      {"SetPtpSlaveOnlyStatus", Get("GetPtpSlaveOnlyStatus"), Toggle(), false, "", false, {}},
   };
   return settings;
+}
+
+std::string CheckOf(const Setting& setting) { return "settings." + setting.method.substr(3); }
+
+void NeedAll(const Session& it, const Setting& setting) {
+  it.Need(CheckOf(setting));
+  for (const std::string& check : setting.needs) it.Need(check);
 }
 
 const Setting* FindSetting(const std::string& method) {

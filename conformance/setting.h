@@ -18,13 +18,19 @@ struct Setting {
   ToRequest read;
   /// The request for another valid value than `from`. Throws Skipped if there is none.
   ToRequest other;
-  bool must_accept;   // that value: no state of the device forbids it
-  std::string text;   // its string, or its list of strings; "" if it has none
-  bool has_id;        // the object is one of several
-  std::string needs;  // the check of lists from which `other` chooses
+  bool must_accept;                // that value: no state of the device forbids it
+  std::string text;                // its string, or its list of strings; "" if it has none
+  bool has_id;                     // the object is one of several
+  std::vector<std::string> needs;  // checks: of lists from which `other` chooses, of reloads
 };
 
 const std::vector<Setting>& AllSettings();
+
+/// The check of this setting alone: "settings.Name".
+std::string CheckOf(const Setting& setting);
+
+/// Throws Skipped if a check has failed that changes of this setting need, CheckOf included.
+void NeedAll(const Session& it, const Setting& setting);
 
 /// Null if no method of this name sets anything.
 const Setting* FindSetting(const std::string& method);

@@ -12,8 +12,6 @@ constexpr const char* kConfirm = "reply with success true only after the change 
 constexpr const char* kReject =
     "reply with success false, or with a status such as NOT_FOUND or INVALID_ARGUMENT";
 
-std::string ItselfOf(const Setting& setting) { return "settings." + setting.method.substr(3); }
-
 // True if the change is confirmed.
 bool SetAndReadBack(Session& it, const Setting& setting, const Json& sent) {
   const Json before = setting.read(it, sent);
@@ -66,13 +64,11 @@ Check Changes(const std::string& name, Daemon daemon, const std::string& expecte
 }
 
 void AddFor(const Setting& setting, Checks& checks) {
-  const std::string itself = ItselfOf(setting);
   const auto add = [&](const char* group, const char* expected, const std::string& advice,
                        void (*run)(Session&, const Setting&)) {
     checks.push_back(Changes(group + setting.method.substr(3), DaemonOf(setting.method), expected,
-                             advice, [&setting, run, itself](Session& it) {
-                               it.Need(itself);
-                               it.Need(setting.needs);
+                             advice, [&setting, run](Session& it) {
+                               NeedAll(it, setting);
                                run(it, setting);
                              }));
   };
@@ -94,7 +90,7 @@ void SetInvalidUtf8(Session& it, const char* method) {
 }
 
 void ManyServers(Session& it) {
-  it.Need("settings.NTPServer");
+  NeedAll(it, *FindSetting("SetNTPServer"));
   Json servers = Json::array();
   for (int i = 0; i < 300; ++i) servers.push_back("ntp" + std::to_string(i) + ".example");
   SetAndReadBack(it, *FindSetting("SetNTPServer"), {{"servers", servers}});
@@ -130,7 +126,7 @@ void Stream(Session& it) {
 
 // A value that no daemon can apply.
 void ExpectRejected(Session& it, const Setting& setting, const Json& sent) {
-  it.Need(ItselfOf(setting));
+  NeedAll(it, setting);
   const Json before = setting.read(it, sent);
   Expect(!it.Change(setting.method, sent), "the daemon confirmed it");
   Expect(setting.read(it, sent) == before, "rejected, but the setting has changed");

@@ -32,7 +32,7 @@ names() { jq -r ".checks[] | select(.outcome == \"$1\").name"; }
 
 @test "a device with other settings has them again afterwards" {
   start_controlled_simulator --state "$SOURCE_TREE/simulator/examples/state.json"
-  control set network.hostname hall network.ntp '["a.example"]' 'network.interfaces[lan3].mode' static \
+  control set network.hostname hall network.ntp '["a.example"]' network.ntp_in_effect '["a.example"]' 'network.interfaces[lan3].mode' static \
     'network.interfaces[lan3].ip' 10.1.2.3 'network.interfaces[lan3].netmask' 255.0.0.0 \
     network.switch_mode 2 'dante.tx_channels[1].name' 'Main left' 'dante.routing[2].device' Desk \
     'dante.routing[2].channel' 01 dante.transmit_disabled true
@@ -54,7 +54,7 @@ names() { jq -r ".checks[] | select(.outcome == \"$1\").name"; }
     >"$BATS_TEST_TMPDIR/scenario"
   start_controlled_simulator --scenario "$BATS_TEST_TMPDIR/scenario"
   state | jq .dante.name >"$BATS_TEST_TMPDIR/before"
-  conformance --timeout 60 & process=$!
+  conformance --timeout 60 >"$BATS_TEST_TMPDIR/report" 3>&- & process=$!
   control wait SetName --count 2
   wait_until sh -c "\"$SIMULATOR\" ctl --control \"$control\" state | grep -q '\"name\": \"conformance-1\"'"
   kill -KILL "$(pgrep -P "$process")"
@@ -66,7 +66,7 @@ same_name() { state | jq .dante.name | cmp -s - "$BATS_TEST_TMPDIR/before"; }
 @test "after a signal, the device has its settings and the exit status is 1" {
   start_controlled_simulator --fault 'SetName:delay=60000,after=1'
   state | jq .network >"$BATS_TEST_TMPDIR/before"
-  "$CONFORMANCE" --timeout 60 >"$BATS_TEST_TMPDIR/report" & process=$!
+  "$CONFORMANCE" --timeout 60 --keepalive-seconds 0 >"$BATS_TEST_TMPDIR/report" 3>&- & process=$!
   control wait SetName --count 2
   kill -TERM "$process"
   status=0
