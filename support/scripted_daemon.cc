@@ -11,8 +11,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "wire_schema/byte_buffer.h"
 #include "support/hex.h"
+#include "wire_schema/byte_buffer.h"
 
 namespace support {
 std::ostream& operator<<(std::ostream& out, const Request& request) {

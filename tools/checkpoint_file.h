@@ -5,8 +5,8 @@
 //   KEY.restoring  being restored, or to be; removed when that is done
 //   KEY.progress   how far that is
 //
-// Each begins with a checksum. The process that will restore it holds a lock on the file. Without a lock it is abandoned.
-// KEY stands for the endpoints of the device.
+// Each begins with a checksum. The process that will restore it holds a lock on the file. Without a
+// lock it is abandoned. KEY stands for the endpoints of the device.
 #pragma once
 
 #include <optional>

@@ -1,6 +1,8 @@
 #!/usr/bin/env bats
 # networkgrpc-conformance on daemons that are right, and what it prints.
 
+# shellcheck disable=SC2154 # set by device.bash and by run
+
 load ../tools/device
 
 setup() {
@@ -23,6 +25,7 @@ names() { jq -r ".checks[] | select(.outcome == \"$1\").name"; }
 @test "daemons that are right pass every check" {
   keepalive=1
   for daemon in "${daemons[@]}"; do
+    # shellcheck disable=SC2086 # a program with its arguments
     start_device $daemon
     conformance --factory-reset --restart true --json >"$BATS_TEST_TMPDIR/report"
     [ "$(names failed <"$BATS_TEST_TMPDIR/report")" = "" ]

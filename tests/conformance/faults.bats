@@ -2,6 +2,8 @@
 # networkgrpc-conformance on daemons with one fault each: exactly the checks that are meant
 # for it fail.
 
+# shellcheck disable=SC2154 # set by device.bash
+
 load ../tools/device
 
 @test "every fault fails the checks that faults.txt names, and no others" {

@@ -6,8 +6,8 @@
 
 #include <future>
 
-#include "wire_schema/byte_buffer.h"
 #include "tests/simulator/simulated_device.h"
+#include "wire_schema/byte_buffer.h"
 
 namespace {
 

@@ -12,12 +12,12 @@
 #include <iterator>
 
 #include "simulator/base64.h"
-#include "wire_schema/byte_buffer.h"
 #include "simulator/method_table.h"
 #include "simulator/proxy.h"
 #include "simulator/replay.h"
 #include "simulator/simulator.h"
 #include "tests/simulator/stubs.h"
+#include "wire_schema/byte_buffer.h"
 
 namespace {
 

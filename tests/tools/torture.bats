@@ -7,7 +7,7 @@
 load device.bash
 
 setup() {
-  cd "$BATS_TEST_TMPDIR"
+  cd "$BATS_TEST_TMPDIR" || return
   open_device_input
 }
 
@@ -121,14 +121,14 @@ abandon() {
 
 @test "TwoChanges_AtTheSameTime_OneIsRefused" {
   start_simulator
-  local round one two
-  for round in {1..25}; do
+  local one two
+  for _ in {1..25}; do
     begin_anew
     one=0 two=0
-    tool hostname set one --confirm-within 60 >one 2>&1 &
-    tool hostname set two --confirm-within 60 >two 2>&1 || two=$?
+    tool hostname set one --confirm-within 60 >of_one 2>&1 &
+    tool hostname set two --confirm-within 60 >of_two 2>&1 || two=$?
     wait "$!" || one=$?
-    [ "$((one + two))" -eq 1 ] || { cat one two; return 1; }
+    [ "$((one + two))" -eq 1 ] || { cat of_one of_two; return 1; }
     [ "$(tool hostname)" = "$([ "$one" -eq 0 ] && echo one || echo two)" ]
     tool rollback
     [ "$(tool hostname)" = before ]
