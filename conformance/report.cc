@@ -60,7 +60,7 @@ std::string Summary(const Run& run) {
   std::string text = std::to_string(run.Count(Outcome::kPassed)) + " passed, " +
                      std::to_string(run.Count(Outcome::kFailed)) + " failed, " +
                      std::to_string(run.Count(Outcome::kSkipped)) + " skipped\n";
-  if (run.is_interrupted) text += "interrupted: the other checks were not made\n";
+  if (run.is_interrupted) text += "interrupted: the checks that follow were not made\n";
   return text;
 }
 

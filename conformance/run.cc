@@ -8,6 +8,7 @@
 
 #include "tools/checkpoint.h"
 #include "tools/failure.h"
+#include "tools/interrupt.h"
 #include "tools/snapshot.h"
 
 namespace conformance {
@@ -41,6 +42,8 @@ class Before {
   /// What went wrong with it; "" if nothing did. The other process continues if it has to.
   std::string Finish() {
     if (!checkpoint.has_value()) return "";
+    if (tool::interrupt::Signal() != 0)  // no call can be made any more
+      return "interrupted: another process restores what was before; see 'networkgrpc checkpoint'";
     for (const auto& [daemon, snapshot] : snapshots) {
       const std::string why = TryToRestore(daemon);
       if (!why.empty())
