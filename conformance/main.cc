@@ -187,7 +187,7 @@ int main(int argc, char** argv) {
   // The process that restores if this one cannot.
   if (argc == 3 && argv[1] == std::string(tool::kRescuerCommand)) return tool::RunRescuer(argv[2]);
   std::signal(SIGXFSZ, SIG_IGN);
-  CLI::App app("Check whether the daemons of a device do what the library expects", kName);
+  CLI::App app("Check whether daemons do what the library expects", kName);
   Options options;
   int status = 0;
   Describe(app, options);

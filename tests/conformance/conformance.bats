@@ -10,8 +10,9 @@ setup() {
   control=$BATS_TEST_TMPDIR/private/control
 }
 
-# In front of the simulator; "" for itself.
-daemons=("" "$BUILD_TREE/tests/other_stacks/grpc_js_daemon" "$BUILD_TREE/tests/other_stacks/grpc_go_daemon")
+# In front of the simulator; "" for itself. A cross build has no others.
+daemons=("")
+[ -z "$OTHER_STACKS" ] || daemons+=("$OTHER_STACKS/grpc_js_daemon" "$OTHER_STACKS/grpc_go_daemon")
 
 keepalive=0
 conformance() { timeout 60 "$CONFORMANCE" --keepalive-seconds "$keepalive" "$@" </dev/null; }
@@ -32,6 +33,13 @@ names() { jq -r ".checks[] | select(.outcome == \"$1\").name" "$report"; }
     report --factory-reset --restart true
     has '.failed == 0 and .passed >= 120'
   done
+}
+
+@test "at localhost, both loopback addresses are checked" {
+  start_simulator
+  report --network-manager "localhost:${network_manager_url##*:}" --dapi "localhost:${grpc_dapi_url##*:}" \
+    --only loopback,port
+  has '.passed == 6'
 }
 
 @test "a device with other settings has them again afterwards" {

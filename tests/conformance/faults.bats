@@ -10,5 +10,5 @@ load ../tools/device
   rows=$(grep -c ' => ' "$BATS_TEST_DIRNAME/faults.txt")
   [ "$rows" -ge 60 ]
   grep ' => ' "$BATS_TEST_DIRNAME/faults.txt" |
-    xargs -d '\n' -P "$(nproc)" -n 1 timeout $((4 * patience)) "$BATS_TEST_DIRNAME/run_fault"
+    xargs -d '\n' -P $((2 * $(nproc))) -n 1 timeout $((4 * patience)) "$BATS_TEST_DIRNAME/run_fault"
 }
