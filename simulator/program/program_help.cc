@@ -11,7 +11,7 @@ std::string FaultsSection() {
       "Faults",
       terminal::Wrapped(
           "METHOD is a method, such as GetName or DAPI.GetName; DAPI.* and NetworkManager.* stand "
-          "for all methods of a daemon, * for all of both; a path such as /package.Service/Name "
+          "for all methods of a daemon, * for all of both; a path, /package.Service/Name, "
           "for "
           "a method that the schemas lack. FAULT is one of the words below, or several separated "
           "by "
