@@ -10,7 +10,6 @@
 #include "client/environment.h"
 #include "conformance/report.h"
 #include "conformance/run.h"
-#include "state_document/save_file.h"
 #include "terminal/arenas.h"
 #include "terminal/arguments.h"
 #include "terminal/help.h"
