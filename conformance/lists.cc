@@ -94,7 +94,7 @@ void SwitchModes(Session& it) {
 
 void Gateways(Session& it) {
   const auto check = [](const Json& routing) {
-    if (routing["gateway"] != "") ExpectAddress(routing["gateway"], "the gateway");
+    if (routing["gateway"] != Json("")) ExpectAddress(routing["gateway"], "the gateway");
   };
   check(it.Read("GetRouting"));
   for (const Json& interface : Interfaces(it))
@@ -110,7 +110,7 @@ void TxChannels(Session& it) {
   const Json channels = it.Member("GetTxChannels", "channels");
   ExpectUnique(channels, "id");
   for (const Json& channel : channels)
-    Expect(channel["name"] != "", "channel " + channel["id"].dump() + " has no label");
+    Expect(channel["name"] != Json(""), "channel " + channel["id"].dump() + " has no label");
 }
 
 void Subscriptions(Session& it) {

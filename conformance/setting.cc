@@ -135,11 +135,11 @@ const Setting* FindSetting(const std::string& method) {
 }
 
 bool Holds(const Json& there, const Json& sent) {
-  for (const auto& [member, value] : sent.items()) {
-    const bool is_flag = member.compare(0, 4, "flag") == 0;  // defined by the daemon
-    if (!is_flag && there.value(member, Json()) != value) return false;
-  }
-  return true;
+  const auto members = sent.items();
+  return std::all_of(members.begin(), members.end(), [&](const auto& member) {
+    const bool is_flag = member.key().compare(0, 4, "flag") == 0;  // defined by the daemon
+    return is_flag || there.value(member.key(), Json()) == member.value();
+  });
 }
 
 Json AnyInterface(Session& it, bool is_active) {

@@ -111,8 +111,9 @@ void Unsubscribe(Session& it) {
   it.Change(setting.method, setting.other(it, present));
   Expect(it.Change(setting.method, {{"id", present["id"]}}), "the daemon rejected it");
   const Json after = setting.read(it, present);
-  Expect(after["deviceName"] == "" && after["channelName"] == "" && after["raw"].is_null(),
-         "the channel is still subscribed");
+  Expect(
+      after["deviceName"] == Json("") && after["channelName"] == Json("") && after["raw"].is_null(),
+      "the channel is still subscribed");
 }
 
 void Stream(Session& it) {
@@ -162,7 +163,8 @@ void ReadUnknown(Session& it, const std::string& method, const char* member) {
     const Reply reply = it.Send(method, is_list ? Json{{"ids", {id}}} : Json{{"id", id}});
     if (!reply.IsOk()) continue;
     const Json& there = reply.json[member];
-    Expect(there.empty() || there == "", "the reply has something for id " + std::to_string(id));
+    Expect(there.empty() || there == Json(""),
+           "the reply has something for id " + std::to_string(id));
   }
 }
 

@@ -11,10 +11,8 @@ std::string FaultsSection() {
       "Faults",
       terminal::Wrapped(
           "METHOD is a method, such as GetName or DAPI.GetName; DAPI.* and NetworkManager.* stand "
-          "for all methods of a daemon, * for all of both; a path, /package.Service/Name, "
-          "for "
-          "a method that the schemas lack. FAULT is one of the words below, or several separated "
-          "by "
+          "for all methods of a daemon, * for all of both; a path, /package.Service/Name, for a "
+          "method that the schemas lack. FAULT is one of the words below, or several separated by "
           "commas: one for what the call meets, and any of those with a value. If several faults "
           "match a call, the first one given applies. JSON is an object with some of the fields of "
           "the message.",
