@@ -189,7 +189,7 @@ CASES
   run -1 timeout 20 "$SIMULATOR" --scenario scenario.json
   [ "$output" = 'networkgrpc-simulator: scenario.json: must be a JSON object {"steps": [...]}' ]
   run -1 timeout 20 "$SIMULATOR" --scenario "$PWD"
-  [ "$output" = "networkgrpc-simulator: cannot read $PWD: not a regular file or a pipe" ]
+  [ "$output" = "networkgrpc-simulator: cannot read $PWD: Is a directory" ]
   run -1 timeout 20 "$SIMULATOR" --scenario absent.json
   [ "$output" = 'networkgrpc-simulator: cannot read absent.json: No such file or directory' ]
 }

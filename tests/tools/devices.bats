@@ -75,7 +75,7 @@ FILES
   run -1 --separate-stderr tool devices
   [[ $stderr == "networkgrpc: cannot read $NETWORKGRPC_DEVICES: No such file"* ]]
   NETWORKGRPC_DEVICES=$BATS_TEST_TMPDIR run -1 --separate-stderr tool devices
-  [[ $stderr == "networkgrpc: cannot read $BATS_TEST_TMPDIR: not a regular file or a pipe" ]]
+  [[ $stderr == "networkgrpc: cannot read $BATS_TEST_TMPDIR: Is a directory" ]]
 }
 
 @test "Devices_FileIsEmpty_NoneIsNamed" {
