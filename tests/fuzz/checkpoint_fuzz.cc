@@ -26,7 +26,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Check(file.Read().is_object(), "what is read was written");
   } catch (const tool::Failure&) {
   }
-  fuzz::Check(file.Progress().contains("problem"), "without a progress there is none");
+  fuzz::Check(file.Progress().is_object(), "there is always a progress");
   for (const std::string& line : tool::AbandonedCheckpoints())
     fuzz::Check(line.find('\n') == std::string::npos, "one line each");
   return 0;
