@@ -75,10 +75,7 @@ int Command::Start(const std::vector<std::string>& variables, pid_t& process) co
 }
 
 int Command::Run(const std::vector<std::string>& variables, sigset_t awaited) const {
-  // Blocked, so that its end is not missed; not ignored, so that it can be awaited.
-  std::signal(SIGCHLD, SIG_DFL);
   sigaddset(&awaited, SIGCHLD);
-  pthread_sigmask(SIG_BLOCK, &awaited, nullptr);
   pid_t process = -1;
   const int error = Start(variables, process);
   if (error != 0) {

@@ -213,10 +213,14 @@ void WaitForEnd(const sigset_t& ending, const Descriptor& process) {
   }
 }
 
-// Before any thread starts, so that every thread leaves the signals to the main one.
+// Before any thread starts, so that every thread leaves the signals to the main one: also
+// the end of a command, which another thread would take and ignore.
 sigset_t PrepareSignals() {
   const sigset_t ending = EndingSignals();
-  pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+  sigset_t blocked = ending;
+  sigaddset(&blocked, SIGCHLD);
+  pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+  std::signal(SIGCHLD, SIG_DFL);  // an ignored one cannot be awaited
   // A closed standard output or error, or a limit of the size of files, must not
   // keep the states from being saved: these are reported as errors.
   std::signal(SIGPIPE, SIG_IGN);
