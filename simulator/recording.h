@@ -28,7 +28,7 @@ struct RecordedCall {
 class RecordingFile {
  public:
   /// Replaces the file. Throws std::runtime_error.
-  RecordingFile(const std::string& file, bool redacts);
+  RecordingFile(const std::string& given, bool redacts);
 
   /// Reports the first failure on standard error.
   void Write(const Query& query, const std::string& fault, const Outcome& outcome);

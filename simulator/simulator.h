@@ -59,6 +59,8 @@ class Simulator {
   explicit Simulator(const Options& options = {});
   ~Simulator();
 
+  Simulator(const Simulator&) = delete;
+  Simulator& operator=(const Simulator&) = delete;
   Simulator(Simulator&& other) noexcept;
   Simulator& operator=(Simulator&& other) noexcept;
 

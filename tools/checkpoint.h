@@ -17,9 +17,9 @@ namespace tool {
 /// restores at the deadline.
 class Checkpoint {
  public:
-  /// Restores the settings of one daemon, or of both for kNone. `command` is what people
+  /// Restores the settings of one daemon, or of both for kNone. `of_command` is what people
   /// are shown.
-  Checkpoint(Daemon of, std::string command, double seconds);
+  Checkpoint(Daemon of, std::string of_command, double limit);
   ~Checkpoint();
 
   Checkpoint(const Checkpoint&) = delete;

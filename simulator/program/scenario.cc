@@ -68,7 +68,7 @@ Json Read(const std::string& file) {
 
 }  // namespace
 
-Scenario::Scenario(const std::string& given) : file(given) {
+Scenario::Scenario(std::string given) : file(std::move(given)) {
   const Json document = Read(file);
   if (!document.is_object() || document.size() != 1 || !document.contains("steps") ||
       !document["steps"].is_array())

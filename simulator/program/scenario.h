@@ -31,7 +31,7 @@ class Scenario {
   using Perform = std::function<void(int device, const std::string& command, const Json& argument)>;
 
   /// Reads the file. Throws std::runtime_error, which names the file and the step.
-  explicit Scenario(const std::string& file);
+  explicit Scenario(std::string given);
   ~Scenario() { End(); }
 
   Scenario(const Scenario&) = delete;
