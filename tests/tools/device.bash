@@ -74,8 +74,9 @@ on_terminal() {
   screen="$BATS_TEST_TMPDIR/screen"
   mkfifo "$BATS_TEST_TMPDIR/keys"
   exec {keys}<>"$BATS_TEST_TMPDIR/keys"
-  # What is started with & ignores Ctrl-C otherwise.
-  env --default-signal=INT script --quiet --flush --return --command "$(printf '%q ' "$@")" "$screen" <&"$keys" >/dev/null 2>&1 3>&- &
+  # What is started with & ignores Ctrl-C otherwise. exec: a shell between the two would
+  # end by Ctrl-C itself, with another status.
+  SHELL=$BASH env --default-signal=INT script --quiet --flush --return --command "exec $(printf '%q ' "$@")" "$screen" <&"$keys" >/dev/null 2>&1 3>&- &
   # shellcheck disable=SC2034 # for the tests
   terminal_pid=$!
 }
