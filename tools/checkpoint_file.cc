@@ -125,6 +125,15 @@ void SetTimes(const std::string& file, const Times& to) {
 
 bool IsFile(const std::string& file) { return access(file.c_str(), F_OK) == 0; }
 
+// With those above it, each of them on the disk before the next. False, with errno, if one
+// cannot be made.
+bool CreateFolder(const fs::path& folder) {
+  if (IsFile(folder)) return true;
+  const fs::path above = folder.parent_path();
+  return CreateFolder(above) && (mkdir(folder.c_str(), 0777) == 0 || errno == EEXIST) &&
+         state_document::FlushFolder(above);
+}
+
 }  // namespace
 
 double SecondsSinceBoot() {
@@ -157,9 +166,7 @@ bool CheckpointFile::IsAttended() const { return HasLock(Open()) || HasLock(Rest
 
 int CheckpointFile::Create(const Json& content) const {
   const fs::path folder = fs::path(stem).parent_path();
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (error) Fail("create the folder of", stem, error.value());
+  if (!CreateFolder(fs::absolute(folder))) Fail("create the folder of", stem, errno);
   chmod(folder.c_str(), S_IRWXU);  // a wireless key can be in it
   const std::string file = stem + "." + std::to_string(getpid());
   try {
@@ -199,7 +206,7 @@ Json CheckpointFile::Read() const {
 
 bool CheckpointFile::Confirm() const {
   const bool is_first = RemoveFile(Open());
-  state_document::FlushFolder(fs::path(stem).parent_path());
+  Flush();
   return is_first;
 }
 
@@ -217,7 +224,11 @@ void CheckpointFile::RemoveUnwanted() const {
   RemoveFile(Open());
   RemoveFile(Restoring());
   RemoveFile(ProgressFile());
+  Flush();
 }
+
+// After a power cut, what was decided is not open again.
+void CheckpointFile::Flush() const { state_document::FlushFolder(fs::path(stem).parent_path()); }
 
 void CheckpointFile::Touch() const { SetTimes(Restoring(), {UTIME_NOW, UTIME_OMIT}); }
 

@@ -59,6 +59,8 @@ class CheckpointFile {
  private:
   friend class Witness;
 
+  void Flush() const;
+
   std::string Open() const { return stem + ".open"; }
   std::string Restoring() const { return stem + ".restoring"; }
   std::string ProgressFile() const { return stem + ".progress"; }
