@@ -17,6 +17,7 @@
 #include <optional>
 #include <set>
 #include <sstream>
+#include <system_error>
 #include <thread>
 
 #include "terminal/table.h"
@@ -202,7 +203,15 @@ std::vector<int> Follow(const std::vector<Device>& devices,
       statuses[i] = static_cast<int>(failure.status);
     }
   };
-  for (std::size_t i = 0; i < devices.size(); ++i) threads.emplace_back(run, i);
+  threads.reserve(devices.size());
+  for (std::size_t i = 0; i < devices.size(); ++i) {
+    try {
+      threads.emplace_back(run, i);
+    } catch (const std::system_error& error) {
+      std::cerr << ErrorLine(devices[i].name + ": cannot start a thread: " + error.what());
+      statuses[i] = static_cast<int>(ExitStatus::kFailed);
+    }
+  }
   for (std::thread& it : threads) it.join();
   return statuses;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -30,7 +31,11 @@ void Parallel(std::size_t count, const std::function<void(std::size_t)>& functio
     }
   };
   std::vector<std::thread> others;
-  for (std::size_t i = 1; i < std::min(count, kAtOnce); ++i) others.emplace_back(work);
+  others.reserve(kAtOnce);
+  try {
+    while (others.size() + 1 < std::min(count, kAtOnce)) others.emplace_back(work);
+  } catch (const std::system_error&) {  // no more threads: with fewer
+  }
   work();
   for (std::thread& other : others) other.join();
   for (const std::exception_ptr& failure : failures)

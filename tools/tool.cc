@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <new>
+#include <system_error>
 
 #include "terminal/arguments.h"
 #include "terminal/help.h"
@@ -359,11 +360,13 @@ std::optional<int> Tool::Parse(const std::vector<std::string>& arguments) {
 
 int Tool::Run(const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) typed += " " + argument;
-  interrupt::Watch();
   try {
+    interrupt::Watch();
     return RunOnDevices(arguments);
   } catch (const Failure& failure) {
     return Fail(failure);
+  } catch (const std::system_error& error) {
+    return Fail({ExitStatus::kFailed, std::string("cannot start a thread: ") + error.what()});
   }
 }
 

@@ -171,3 +171,9 @@ USAGE
   [ "$status" -eq 6 ]
   grep -q 'outcome unknown: set the host name: SetHostname was interrupted' "$BATS_TEST_TMPDIR/told"
 }
+
+@test "FirstThread_CannotBeStarted_IsReported" {
+  run -1 --separate-stderr strace -o /dev/null -e trace=clone,clone3 -e inject=clone,clone3:error=EAGAIN "$TOOL" hostname set new
+  [ "$stderr" = "networkgrpc: cannot start a thread: Resource temporarily unavailable" ]
+  [ "$(tool hostname get)" != new ]
+}
