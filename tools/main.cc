@@ -2,6 +2,8 @@
 #include <fcntl.h>
 
 #include <csignal>
+#include <cstdio>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +11,7 @@
 #include "terminal/arenas.h"
 #include "tools/commands.h"
 #include "tools/each_device.h"
+#include "tools/failure.h"
 #include "tools/rescuer.h"
 
 namespace {
@@ -22,7 +25,7 @@ bool OpenStandardDescriptors() {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   terminal::FixNumberOfArenas();
   std::signal(SIGXFSZ, SIG_IGN);  // a file that would be too large is an error, reported
   if (!OpenStandardDescriptors()) return static_cast<int>(tool::ExitStatus::kFailed);
@@ -44,4 +47,7 @@ int main(int argc, char** argv) {
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   if (const std::optional<int> status = tool.Parse(arguments)) return *status;
   return tool.Run(arguments);
+} catch (const std::bad_alloc&) {
+  std::fputs("networkgrpc: out of memory\n", stderr);
+  return static_cast<int>(tool::ExitStatus::kFailed);
 }
