@@ -124,17 +124,6 @@ functions() {
   done < <(jq -r '.configurePresets[] | select(.hidden | not) | .name' CMakePresets.json)
 }
 
-@test "systemd accepts the example units" {
-  local unit
-  for unit in packaging/systemd/*.service; do
-    # The programs and manual pages are not installed.
-    sed -E 's#^(ExecStart|ExecStartPre)=[^ ]*#\1=/bin/true#' "$unit" >"$BATS_TEST_TMPDIR/${unit##*/}"
-  done
-  systemd-analyze verify --man=no "$BATS_TEST_TMPDIR"/*.service 2>&1 | tee "$BATS_TEST_TMPDIR/messages"
-  [ "${PIPESTATUS[0]}" -eq 0 ]
-  [ ! -s "$BATS_TEST_TMPDIR/messages" ]
-}
-
 # fail_if_any LINES: prints the lines; fails if there are any.
 fail_if_any() {
   printf '%s' "$1"
