@@ -88,6 +88,14 @@ endif()
 # instance of each client, are still looked up.
 target_link_options(networkgrpc_small INTERFACE LINKER:--gc-sections LINKER:-Bsymbolic-functions)
 
+# Static programs are made small: the linker drops what is unreachable, and lld packs
+# relocations on every architecture. The map lists what was linked.
+if(NETWORKGRPC_STATIC)
+  target_link_libraries(networkgrpc_compile INTERFACE networkgrpc_small)
+  add_link_options(-static-pie -s -fuse-ld=lld LINKER:--pack-dyn-relocs=relr
+    "LINKER:-Map=$<TARGET_PROPERTY:NAME>.map")
+endif()
+
 # Executables are position-independent, too.
 include(CheckPIESupported)
 check_pie_supported()

@@ -30,6 +30,12 @@ function(NetworkgRPC_find_grpc missing)
     "${CMAKE_COMMAND}" -E env "PKG_CONFIG_PATH=${folders}" PKG_CONFIG_ALLOW_SYSTEM_LIBS=1
     "${PKG_CONFIG_EXECUTABLE}" ${PKG_CONFIG_ARGN})
   set(modules grpc++_unsecure protobuf-lite)
+  if(NETWORKGRPC_STATIC)
+    set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
+    # What gRPC's modules do not name.
+    set(more_static_libraries -lcares -lz -lupb -laddress_sorting -lre2)
+    list(APPEND pkg_config --static)
+  endif()
 
   execute_process(COMMAND ${pkg_config} --cflags --libs ${modules}
     RESULT_VARIABLE failed OUTPUT_VARIABLE flags ERROR_QUIET OUTPUT_STRIP_TRAILING_WHITESPACE)
@@ -48,6 +54,7 @@ function(NetworkgRPC_find_grpc missing)
 
   add_library(NetworkgRPC::grpc INTERFACE IMPORTED)
   separate_arguments(flags UNIX_COMMAND "${flags}")
+  list(APPEND flags ${more_static_libraries})
   set(folders ${flags})
   list(FILTER folders INCLUDE REGEX "^-L")
   list(TRANSFORM folders REPLACE "^-L" "")

@@ -42,3 +42,26 @@ register_emulator() {
   as_root tee "$entries/register" <"/usr/lib/binfmt.d/$entry.conf" >/dev/null ||
     fail "cannot register the emulator $entry with the kernel"
 }
+
+# make_sysroot ARCHITECTURE FOLDER: unless it exists, from the Debian packages of the group
+# sysroot. They are unpacked but not configured: none of their programs has run. Absolute
+# links become relative, so that they stay inside the sysroot.
+make_sysroot() {
+  local architecture="$1" sysroot="$2" packages link target
+  [ ! -d "$sysroot" ] || return 0
+  packages=$(listed sysroot | paste -sd,)
+  say "creating $sysroot"
+  rm -rf "$sysroot.new"
+  mkdir -p "$sysroot.new"
+  mmdebstrap --quiet --variant=extract --architectures="$architecture" --include="$packages" \
+    "$(debian_release)" - "$(debian_mirror)" 2>"$sysroot.log" |
+    tar -x -C "$sysroot.new" --exclude='./dev/*' --no-same-owner || {
+    cat "$sysroot.log" >&2
+    fail "cannot download the packages for $architecture"
+  }
+  find "$sysroot.new" -type l -lname '/*' -printf '%p\t%l\n' |
+    while IFS=$'\t' read -r link target; do
+      ln -sfnr "$sysroot.new$target" "$link"
+    done
+  mv "$sysroot.new" "$sysroot"
+}

@@ -26,6 +26,7 @@ scripts/package --for arm64 build
 scripts/sanitize memcheck
 scripts/setup demo
 scripts/soak --threads 2
+scripts/static arm64 check
 scripts/test --werror -R name
 SCRIPTS
 }
