@@ -33,7 +33,7 @@ function(NetworkgRPC_find_grpc missing)
   if(NETWORKGRPC_STATIC)
     set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
     # What gRPC's modules do not name.
-    set(more_static_libraries -lcares -lz -lupb -laddress_sorting -lre2)
+    set(more_static_libraries -lcares -lz -lupb -laddress_sorting)
     list(APPEND pkg_config --static)
   endif()
 

@@ -54,6 +54,15 @@ listed() {
   awk -v groups=" $* " 'NF && index(groups, " " $1 " ") { print $2 }' scripts/packages.txt
 }
 
+# The version of the CMake project.
+project_version() { sed -n 's/^project(NetworkgRPC VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt; }
+
+# export_date: documents and packages have the date of the last commit, or SOURCE_DATE_EPOCH.
+export_date() {
+  SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
+  export SOURCE_DATE_EPOCH
+}
+
 # as_root COMMAND...
 as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi

@@ -12,6 +12,7 @@ table() {
 packaging/check folder 1.0 arm64
 packaging/check-installed
 packaging/cross-build arm64 source
+packaging/spdx name 1.0 amd64 --map file
 scripts/abi check --record file
 scripts/bench --quick
 scripts/coverage --lines 90
