@@ -92,7 +92,9 @@ target_link_options(networkgrpc_small INTERFACE LINKER:--gc-sections LINKER:-Bsy
 # relocations on every architecture. The map lists what was linked.
 if(NETWORKGRPC_STATIC)
   target_link_libraries(networkgrpc_compile INTERFACE networkgrpc_small)
-  add_link_options(-static-pie -s -fuse-ld=lld LINKER:--pack-dyn-relocs=relr
+  find_program(NETWORKGRPC_LLD ld.lld REQUIRED)
+  cmake_path(GET NETWORKGRPC_LLD PARENT_PATH folder_of_lld) # a cross compiler searches only its own
+  add_link_options(-static-pie -s -fuse-ld=lld "-B${folder_of_lld}" LINKER:--pack-dyn-relocs=relr
     "LINKER:-Map=$<TARGET_PROPERTY:NAME>.map")
 endif()
 
