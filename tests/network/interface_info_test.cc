@@ -282,7 +282,7 @@ TEST_F(InterfaceInfo, AllIPv4_AddressesOfTheStatusComeFirstThenTheStoredStaticOn
 }
 
 TEST_F(InterfaceInfo, AllIPv4_WithoutStoredConfig_KeepsNameMacAndIdOnly) {
-  Script({}, {Live(support::kLan0, true, "l0")});
+  Script({Stored(support::kLan1, nm::STATIC, "s1")}, {Live(support::kLan0, true, "l0")});
 
   EXPECT_TRUE(NetworkgRPC::GetAllIPv4(out));
   ASSERT_EQ(out.size(), 4U);

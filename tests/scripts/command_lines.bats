@@ -15,7 +15,7 @@ packaging/cross-build arm64 source
 packaging/spdx name 1.0 amd64 --map file
 scripts/abi check --record file
 scripts/bench --quick
-scripts/coverage --lines 90
+scripts/coverage
 scripts/cross-test arm64 -R name
 scripts/demo --transcript
 scripts/faults --full
