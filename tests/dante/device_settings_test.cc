@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <map>
+#include <string>
 
 #include "DantegRPC.h"
 #include "ostrevan/grpcdapi.pb.h"
@@ -109,6 +111,24 @@ TEST_F(DeviceSettings, AvailableSampleRatesTwice_HoldsBothLists) {
   EXPECT_TRUE(DantegRPC::GetAvailableSampleRates(rates));
   EXPECT_TRUE(DantegRPC::GetAvailableSampleRates(rates));
   EXPECT_EQ(support::Show(rates), "[(96000)(0)(96000)(0)]");
+}
+
+TEST_F(DeviceSettings, FlagsAreReadAsTheyAre) {
+  const std::map<std::string, bool (*)(bool&)> readers = {
+      {"GetIsAES67Available", &DantegRPC::GetAES67Available},
+      {"GetAES67Status", &DantegRPC::GetAES67Status},
+      {"GetDisableTxStatus", &DantegRPC::GetDisableTx},
+      {"GetPtpSlaveOnlyStatus", &DantegRPC::GetPtpSlaveOnly}};
+  for (const auto& [method, read] : readers) {
+    for (const bool sent : {true, false}) {
+      dapi::Status status;
+      status.set_status(sent);
+      Script(method, status);
+      bool flag = !sent;
+      EXPECT_TRUE(read(flag)) << method;
+      EXPECT_EQ(flag, sent) << method;
+    }
+  }
 }
 
 TEST_F(DeviceSettings, FlagsAreSentAsTheyAre) {
