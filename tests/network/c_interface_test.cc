@@ -87,6 +87,14 @@ TEST(ControlInterface, NoRoom_FailsAndWritesNothing) {
   EXPECT_EQ(LaterRequests(device).size(), 4 * 2U);
 }
 
+TEST(ControlInterface, DaemonStopped_IsMinusOne) {
+  Device device;
+  device.StopNetworkManager();
+  cInterfaceInfo entry;
+
+  EXPECT_EQ(cGetControlInterface(&entry, 1), -1);
+}
+
 TEST(ControlInterface, WithoutAddress_IsAnEntry) {
   Device device;
   ScriptControl(device, "", "");
