@@ -96,6 +96,13 @@ if(NETWORKGRPC_STATIC)
   cmake_path(GET NETWORKGRPC_LLD PARENT_PATH folder_of_lld) # a cross compiler searches only its own
   add_link_options(-static-pie -s -fuse-ld=lld "-B${folder_of_lld}" LINKER:--pack-dyn-relocs=relr
     "LINKER:-Map=$<TARGET_PROPERTY:NAME>.map")
+  if(CMAKE_SYSROOT)
+    # A cross compiler prefers its own libraries of C and C++ to the sysroot's, which has updates.
+    set(libraries "${CMAKE_SYSROOT}/usr/lib")
+    string(REGEX MATCH "^[0-9]+" gcc "${CMAKE_CXX_COMPILER_VERSION}")
+    add_link_options("-B${libraries}/${CMAKE_LIBRARY_ARCHITECTURE}"
+      "-B${libraries}/gcc/${CMAKE_LIBRARY_ARCHITECTURE}/${gcc}")
+  endif()
 endif()
 
 # Executables are position-independent, too.
