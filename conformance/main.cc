@@ -7,6 +7,7 @@
 #include <memory>
 #include <sstream>
 
+#include "NetworkgRPC_version.h"
 #include "client/environment.h"
 #include "conformance/report.h"
 #include "conformance/run.h"

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <map>
 
+#include "NetworkgRPC_version.h"
 #include "terminal/printable.h"
 #include "terminal/table.h"
 #include "tools/output.h"

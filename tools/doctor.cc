@@ -6,6 +6,7 @@
 #include <optional>
 #include <sstream>
 
+#include "NetworkgRPC_version.h"
 #include "terminal/table.h"
 #include "tools/call.h"
 #include "tools/commands.h"

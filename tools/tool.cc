@@ -7,6 +7,7 @@
 #include <new>
 #include <system_error>
 
+#include "NetworkgRPC_version.h"
 #include "terminal/arguments.h"
 #include "terminal/help.h"
 #include "terminal/printable.h"

@@ -8,6 +8,7 @@
 #include <memory>
 #include <set>
 
+#include "NetworkgRPC_version.h"
 #include "client/environment.h"
 #include "simulator/program/program_help.h"
 #include "terminal/arguments.h"

@@ -82,7 +82,7 @@ words() { tr -s ' \n' ' ' <<<"$output"; }
 
 @test "all files are installed in their folders" {
   cd "$PREFIX"
-  for file in NetworkgRPC.h DantegRPC.h NetworkgRPC_c.h NetworkManagerClient.h DAPIClient.h \
+  for file in NetworkgRPC.h NetworkgRPC_version.h DantegRPC.h NetworkgRPC_c.h NetworkManagerClient.h DAPIClient.h \
     ostrevan/{common,networkmanager,grpcdapi}.pb.h ostrevan/{networkmanager,grpcdapi}.grpc.pb.h; do
     echo "$INCLUDEDIR/NetworkgRPC/$file"
   done | sort >"$BATS_TEST_TMPDIR/expected"
@@ -121,11 +121,51 @@ words() { tr -s ' \n' ' ' <<<"$output"; }
   passes "$simulator" --version
 }
 
-@test "NetworkgRPC_c.h is a C99 header that includes what it needs" {
+@test "NetworkgRPC_c.h and NetworkgRPC_version.h are C99 headers that include what they need" {
   for compiler in gcc clang; do
     command -v "$compiler" >/dev/null || continue
-    "$compiler" -std=c99 -pedantic -Wall -Wextra -Werror -fsyntax-only -x c "$HEADERS/NetworkgRPC_c.h"
+    for header in c version; do
+      "$compiler" -std=c99 -pedantic -Wall -Wextra -Werror -fsyntax-only -I "$HEADERS" -x c - \
+        <<<"#include <NetworkgRPC_$header.h>"
+    done
   done
+}
+
+@test "the version of the headers is that of the package, as string and as number" {
+  cat >"$BATS_TEST_TMPDIR/version.c" <<'PROGRAM'
+#include <NetworkgRPC_version.h>
+#include <stdio.h>
+#if NETWORKGRPC_VERSION_NUMBER < 10000
+#error "older than 1.0.0"
+#endif
+int main(void) {
+  printf("%s %d.%d.%d\n", NetworkgRPC_version(), NETWORKGRPC_VERSION_NUMBER / 10000,
+         NETWORKGRPC_VERSION_NUMBER / 100 % 100, NETWORKGRPC_VERSION_NUMBER % 100);
+  return 0;
+}
+PROGRAM
+  build CC CFLAGS NetworkgRPC "$BATS_TEST_TMPDIR/version" \
+    -std=c99 -pedantic -Wall -Wextra -Werror "$BATS_TEST_TMPDIR/version.c"
+  version=$(pkg-config --modversion NetworkgRPC)
+  [ "$(passes "$BATS_TEST_TMPDIR/version")" = "$version $version" ]
+}
+
+@test "a program with a simulated device is built by pkg-config and runs" {
+  pkg-config --exists NetworkgRPC-simulator || skip "the simulator is not built"
+  build CXX CXXFLAGS NetworkgRPC-simulator "$BATS_TEST_TMPDIR/simulated" \
+    -std=c++17 "$SOURCE_TREE/simulator/examples/simulated_device.cc"
+  passes "$BATS_TEST_TMPDIR/simulated"
+}
+
+@test "the components together install everything but the site, each file once" {
+  for component in runtime development tools simulator python cookbook; do
+    "$CMAKE" --install "$BUILD_TREE" --prefix "$BATS_TEST_TMPDIR/$component" --component "$component" >/dev/null
+    (cd "$BATS_TEST_TMPDIR/$component" 2>/dev/null && find . ! -type d) || [ "$component" = python ]
+  done | sort >"$BATS_TEST_TMPDIR/installed"
+  (cd "$PREFIX" && find . ! -type d | sort) | diff - "$BATS_TEST_TMPDIR/installed"
+  cd "$BATS_TEST_TMPDIR"
+  diff <(find runtime ! -type d -printf '%f\n' | sort) <(basename -a "$PREFIX/$LIBDIR"/libNetworkgRPC.so.* | sort)
+  run ! find development -path "*/$BINDIR/*"
 }
 
 @test "every public header is a C++17 header that includes what it needs" {
@@ -138,7 +178,7 @@ words() { tr -s ' \n' ' ' <<<"$output"; }
 }
 
 @test "the facade and C headers include nothing but the standard library" {
-  for header in NetworkgRPC.h DantegRPC.h NetworkgRPC_c.h; do
+  for header in NetworkgRPC.h NetworkgRPC_version.h DantegRPC.h NetworkgRPC_c.h; do
     printf '#include <%s>\n' "$header" | "$CXX" -std=c++17 -M -I "$HEADERS" -x c++ - >"$BATS_TEST_TMPDIR/files"
     grep -qF "/NetworkgRPC/$header" "$BATS_TEST_TMPDIR/files"
     run ! grep -E '/grpcpp/|/grpc/|protobuf|absl|ostrevan' "$BATS_TEST_TMPDIR/files"

@@ -14,6 +14,7 @@
 #include <optional>
 #include <set>
 
+#include "NetworkgRPC_version.h"
 #include "simulator/simulator.h"
 #include "support/run_program.h"
 #include "tests/simulator/program_in_folder.h"
