@@ -22,7 +22,7 @@ scripts/faults --full
 scripts/format --check
 scripts/fuzz --runs 10
 scripts/lint shell
-scripts/mutate --from 2 pattern
+scripts/mutate --sample 2 --seed 1 library
 scripts/package --for arm64 build
 scripts/sanitize memcheck
 scripts/setup demo

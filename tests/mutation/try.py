@@ -1,0 +1,227 @@
+"""Tries mutants: builds each in a copy of the tree and runs the tests that could notice it.
+
+usage: try.py GROUP JOBS [SAMPLE SEED], in the folder of the project. See scripts/mutate.
+"""
+
+import collections
+import filecmp
+import hashlib
+import os
+import queue
+import random
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import threading
+
+from faults import read_faults
+from generate import generate
+
+FOLDER = os.path.abspath("build/mutate")
+LISTED = "tests/mutation/survivors.txt"
+LIMIT = 600  # seconds of one step: some mutants never end
+# Steps are what is built, and the tests then run. {} is the folder of the file.
+Plan = collections.namedtuple("Plan", "files steps")
+CALLERS = "^(dante|network)[.]"
+MORE = [
+    # The code once more: each of its allocations fails.
+    (["networkgrpc_watched"], "^allocation[.]"),
+    ([], "^(call_frame|client|dante|network)[.]"),
+    ([], "^lifecycle[.]|^faults[.](Arg|Con|Cur|Gua|Lar|Lim|Mac)"),
+]
+GROUPS = {
+    "library": [
+        Plan("dante/|network/", [(["NetworkgRPC"], "^{}[.]"), *MORE]),
+        Plan("client/channel", [(["NetworkgRPC"], "^client[.]"), ([], "^(call_frame|faults)[.]")]),
+        Plan("client/", [(["NetworkgRPC"], CALLERS), *MORE]),
+        Plan("call_frame/", [(["NetworkgRPC", "frame_test"], CALLERS), *MORE]),
+    ],
+    "programs": [
+        Plan(
+            "state_document/",
+            [
+                (["state_document_test"], "^state_document[.][^p]"),
+                (["networkgrpc", "networkgrpc-simulator"], "^state_document[.]programs$"),
+                ([], "^tools[.](state|values|checkpoint)$|^simulator[.](export|documents)$"),
+            ],
+        ),
+        Plan(
+            "tools/(checkpoint|rescuer|snapshot)",
+            [(["networkgrpc"], "^tools[.]checkpoint$"), ([], "^tools[.](state|wait|torture)$")],
+        ),
+        Plan("conformance/", [(["networkgrpc-conformance"], "^conformance[.]")]),
+    ],
+}
+TARGETS = {
+    "library": [
+        f"tests/{folder}/all"
+        for folder in ("allocation", "call_frame", "client", "dante", "faults", "lifecycle", "network")
+    ],
+    "programs": ["conformance/all", "simulator/all", "tools/all", "tests/state_document/all"],
+}
+OPTIONS = ["-DCMAKE_BUILD_TYPE=None", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON", "-DNETWORKGRPC_BUILD_TESTS=ON"]
+# Most of the time would go into gRPC's headers.
+PRECOMPILED = """cmake_language(DEFER CALL target_precompile_headers networkgrpc_core PRIVATE
+  <algorithm> <ostrevan/grpcdapi.grpc.pb.h> <ostrevan/networkmanager.grpc.pb.h>)
+"""
+
+
+class Copy:
+    def __init__(self, number):
+        folder = os.path.join(FOLDER, str(number))
+        self.tree, self.build, self.log = (os.path.join(folder, name) for name in ("tree", "build", "log"))
+
+    def prepare(self, targets):
+        # Only files that differ are copied: an interrupted run leaves no mutant behind,
+        # and the next run compiles little.
+        for folder, folders, names in os.walk("."):
+            if folder == ".":
+                folders[:] = [name for name in folders if name not in (".git", "build")]
+            os.makedirs(os.path.join(self.tree, folder), exist_ok=True)
+            for name in (os.path.join(folder, name) for name in names):
+                target = os.path.join(self.tree, name)
+                if not (os.path.exists(target) and filecmp.cmp(name, target, shallow=False)):
+                    shutil.copy(name, target)
+        os.makedirs(self.build, exist_ok=True)
+        prelude = os.path.join(self.build, "precompiled.cmake")
+        with open(prelude, "w", encoding="utf-8") as file:
+            file.write(PRECOMPILED)
+        options = [*OPTIONS, f"-DCMAKE_PROJECT_INCLUDE={prelude}"]
+        if not (
+            self.run("cmake", "--preset", "dev", "-B", self.build, *options, limit=None)
+            and self.compile(os.cpu_count(), targets, limit=None)
+        ):
+            sys.exit(f"mutate: cannot build the copy; see {self.log}")
+
+    def run(self, *command, limit=LIMIT):
+        """Whether the command succeeds, within the limit."""
+        with open(self.log, "w", encoding="utf-8") as log:
+            process = subprocess.Popen(
+                command,
+                cwd=self.tree,
+                stdin=subprocess.DEVNULL,
+                stdout=log,
+                stderr=log,
+                start_new_session=True,
+            )
+            try:
+                return process.wait(limit) == 0
+            except subprocess.TimeoutExpired:
+                os.killpg(process.pid, signal.SIGKILL)
+                process.wait()
+                return False
+
+    def verdict(self, name, content, plan):
+        with open(os.path.join(self.tree, name), "wb") as file:
+            file.write(content)
+        for targets, tests in plan.steps:
+            if targets and not self.compile(1, targets):
+                return "does not compile"
+            if not self.passes(tests.format(os.path.dirname(name))):
+                return "killed"
+        return "survived"
+
+    def compile(self, jobs, targets, limit=LIMIT):
+        options = ["--parallel", str(jobs), "--target", *targets]
+        return self.run("cmake", "--build", self.build, *options, limit=limit)
+
+    def passes(self, tests):
+        options = ["--no-tests=error", "--stop-on-failure", "--parallel", "2"]
+        return self.run("ctest", "--test-dir", self.build, *options, "-R", tests)
+
+    def restore(self, name):
+        shutil.copy(name, os.path.join(self.tree, name))
+
+
+def listed():
+    """The survivors that are explained: each name is a line, the reason follows indented."""
+    with open(LISTED, encoding="utf-8") as file:
+        return {line.rstrip("\n") for line in file if line.strip() and line[0] not in "# "}
+
+
+def work(copy, files, done, results):
+    """Tries all mutants of one file after the other, so that no other has to be compiled again."""
+    while True:
+        try:
+            name, plan, mutants = files.get_nowait()
+        except queue.Empty:
+            return
+        for key, digest, content in mutants:
+            verdict = copy.verdict(name, content, plan)
+            done[key] = verdict
+            print(f"{verdict}\t{digest}\t{key}", file=results, flush=True)
+            if verdict == "survived":
+                print(f"mutate: {verdict}: {key}", flush=True)
+        copy.restore(name)
+
+
+def main(group, jobs, sample=None, seed=0):
+    copies = [Copy(number) for number in range(int(jobs))]
+    for copy in copies:
+        copy.prepare(TARGETS[group])
+    made, faults = {}, read_faults()
+    for plan in GROUPS[group]:
+        found = generate(os.getcwd(), copies[0].build, copies[0].tree, plan.files)
+        found.update((key, fault) for key, fault in faults.items() if re.match(plan.files, key))
+        for key, (name, content) in found.items():
+            made.setdefault(key, (name, plan, hashlib.sha1(content).hexdigest(), content))
+    explained = {key for key in listed() if any(re.match(plan.files, key) for plan in GROUPS[group])}
+    stale = explained - set(made)
+    keys = list(made)
+    if sample:
+        chosen = set(random.Random(int(seed)).sample(sorted(made), min(int(sample), len(made))))
+        keys = [key for key in made if key in chosen]
+
+    path = os.path.join(FOLDER, "results.tsv")
+    known = {}
+    if os.path.exists(path):
+        with open(path, encoding="utf-8") as file:
+            lines = [line.rstrip("\n").split("\t") for line in file]
+        known = {(digest, key): verdict for verdict, digest, key in lines}
+    done, files, tested = {}, {}, set()
+    for key in keys:
+        name, plan, digest, content = made[key]
+        verdict = known.get((digest, key))
+        if verdict and (verdict != "survived" or key in explained):
+            done[key] = verdict
+        else:
+            files.setdefault(name, (name, plan, []))[2].append((key, digest, content))
+    print(f"mutate: {len(made)} mutants made, {len(keys)} chosen, {len(done)} tried before", flush=True)
+    for name, plan, _ in files.values():
+        for _, tests in plan.steps:
+            tests = tests.format(os.path.dirname(name))
+            if tests not in tested and not copies[0].passes(tests):
+                sys.exit(f"mutate: tests fail without a mutant; see {copies[0].log}")
+            tested.add(tests)
+    waiting = queue.Queue()
+    for entry in files.values():
+        waiting.put(entry)
+    with open(path, "a", encoding="utf-8") as results:
+        threads = []
+        for copy in copies:
+            arguments = (copy, waiting, done, results)
+            threads.append(threading.Thread(target=work, args=arguments, daemon=True))
+            threads[-1].start()
+        for thread in threads:
+            thread.join()
+
+    count = collections.Counter(done.values())
+    survivors = {key for key, verdict in done.items() if verdict == "survived"}
+    wrong = {
+        "survived, and is not listed": survivors - explained,
+        "is listed, but was noticed": {key for key in explained & set(done) if done[key] != "survived"},
+        "is listed, but is not made": stale,
+    }
+    for what, keys in wrong.items():
+        for key in sorted(keys):
+            print(f"mutate: {what}: {key}")
+    print(
+        f"mutate: {count['killed']} killed, {len(survivors & explained)} survived and are listed, "
+        f"{len(survivors - explained)} survived, {count['does not compile']} do not compile"
+    )
+    return any(wrong.values())
+
+
+sys.exit(main(*sys.argv[1:]))
