@@ -49,7 +49,7 @@ GROUPS = {
         ),
         Plan(
             "tools/(checkpoint|rescuer|snapshot)",
-            [(["networkgrpc"], "^tools[.]checkpoint$"), ([], "^tools[.](state|wait|torture)$")],
+            [(["networkgrpc"], "^tools[.]checkpoint$"), ([], "^tools[.](state|wait|torture|rescue)$")],
         ),
         Plan("conformance/", [(["networkgrpc-conformance"], "^conformance[.]")]),
     ],
