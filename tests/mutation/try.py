@@ -157,61 +157,54 @@ def work(copy, files, done, results):
         copy.restore(name)
 
 
-def main(group, jobs, sample=None, seed=0):
-    copies = [Copy(number) for number in range(int(jobs))]
-    for copy in copies:
-        copy.prepare(TARGETS[group])
+def make(group, copy):
+    """All mutants of a group: name: (file, plan, digest, content)."""
     made, faults = {}, read_faults()
     for plan in GROUPS[group]:
-        found = generate(os.getcwd(), copies[0].build, copies[0].tree, plan.files)
+        found = generate(os.getcwd(), copy.build, copy.tree, plan.files)
         found.update((key, fault) for key, fault in faults.items() if re.match(plan.files, key))
         for key, (name, content) in found.items():
             made.setdefault(key, (name, plan, hashlib.sha1(content).hexdigest(), content))
-    explained = {key for key in listed() if any(re.match(plan.files, key) for plan in GROUPS[group])}
-    stale = explained - set(made)
-    keys = list(made)
-    if sample:
-        chosen = set(random.Random(int(seed)).sample(sorted(made), min(int(sample), len(made))))
-        keys = [key for key in made if key in chosen]
+    return made
 
-    path = os.path.join(FOLDER, "results.tsv")
-    known = {}
-    if os.path.exists(path):
-        with open(path, encoding="utf-8") as file:
-            lines = [line.rstrip("\n").split("\t") for line in file]
-        known = {(digest, key): verdict for verdict, digest, key in lines}
-    done, files, tested = {}, {}, set()
-    for key in keys:
-        name, plan, digest, content = made[key]
-        verdict = known.get((digest, key))
-        if verdict and (verdict != "survived" or key in explained):
-            done[key] = verdict
-        else:
-            files.setdefault(name, (name, plan, []))[2].append((key, digest, content))
-    print(f"mutate: {len(made)} mutants made, {len(keys)} chosen, {len(done)} tried before", flush=True)
-    for name, plan, _ in files.values():
+
+def read_results(path):
+    if not os.path.exists(path):
+        return {}
+    with open(path, encoding="utf-8") as file:
+        lines = [line.rstrip("\n").split("\t") for line in file]
+    return {(digest, key): verdict for verdict, digest, key in lines}
+
+
+def try_all(copies, files, path):
+    """Tries the mutants of these files. Returns the verdicts."""
+    tested = set()
+    for name, plan, _ in files:
         for _, tests in plan.steps:
             tests = tests.format(os.path.dirname(name))
             if tests not in tested and not copies[0].passes(tests):
                 sys.exit(f"mutate: tests fail without a mutant; see {copies[0].log}")
             tested.add(tests)
-    waiting = queue.Queue()
-    for entry in files.values():
+    waiting, done, threads = queue.Queue(), {}, []
+    for entry in files:
         waiting.put(entry)
     with open(path, "a", encoding="utf-8") as results:
-        threads = []
         for copy in copies:
             arguments = (copy, waiting, done, results)
             threads.append(threading.Thread(target=work, args=arguments, daemon=True))
             threads[-1].start()
         for thread in threads:
             thread.join()
+    return done
 
+
+def report(done, explained, stale):
+    """Prints the numbers, and what is wrong. Returns whether anything is."""
     count = collections.Counter(done.values())
     survivors = {key for key, verdict in done.items() if verdict == "survived"}
     wrong = {
         "survived, and is not listed": survivors - explained,
-        "is listed, but was noticed": {key for key in explained & set(done) if done[key] != "survived"},
+        "is listed, but was noticed": explained & set(done) - survivors,
         "is listed, but is not made": stale,
     }
     for what, keys in wrong.items():
@@ -222,6 +215,32 @@ def main(group, jobs, sample=None, seed=0):
         f"{len(survivors - explained)} survived, {count['does not compile']} do not compile"
     )
     return any(wrong.values())
+
+
+def main(group, jobs, sample=None, seed=0):
+    copies = [Copy(number) for number in range(int(jobs))]
+    for copy in copies:
+        copy.prepare(TARGETS[group])
+    made = make(group, copies[0])
+    chosen = set(made)
+    if sample:
+        chosen = set(random.Random(int(seed)).sample(sorted(made), min(int(sample), len(made))))
+    explained = {key for key in listed() if any(re.match(plan.files, key) for plan in GROUPS[group])}
+
+    path = os.path.join(FOLDER, "results.tsv")
+    known, done, files = read_results(path), {}, {}
+    for key, (name, plan, digest, content) in made.items():
+        verdict = known.get((digest, key))
+        if key not in chosen:
+            continue
+        if verdict and (verdict != "survived" or key in explained):
+            done[key] = verdict
+        else:
+            files.setdefault(name, (name, plan, []))[2].append((key, digest, content))
+    numbers = f"{len(made)} mutants made, {len(chosen)} chosen, {len(done)} tried before"
+    print(f"mutate: {numbers}", flush=True)
+    done.update(try_all(copies, files.values(), path))
+    return report(done, explained, explained - set(made))
 
 
 sys.exit(main(*sys.argv[1:]))
