@@ -3,7 +3,8 @@
 #
 # Environment: OBJECTS the shared object and the programs, a line each, FORTIFIED
 # whether functions of the C library check their buffers (only an optimising build
-# can), NM and READELF the build's own binutils.
+# can), NM and READELF the build's own binutils, BUILD_TREE, FLAGS and
+# PROGRAM_FLAGS, those that its compiler has for all code and for programs.
 
 bats_require_minimum_version 1.5.0
 
@@ -35,6 +36,26 @@ is_fortified_as_built() {
   fi
 }
 
+# The shared object is the first.
+programs() { tail -n +2 <<<"$OBJECTS"; }
+asserts() { imports "$1" | grep -q '__glibcxx_assert_fail'; }
+
+# compiled_with FLAG SOURCES: every file whose path matches.
+compiled_with() {
+  local commands
+  commands=$(jq -r --arg sources "$2" '.[] | select(.file | test($sources)).command' "$BUILD_TREE/compile_commands.json")
+  [ -n "$commands" ]
+  run ! grep -vF -e " $1" <<<"$commands"
+}
+
+@test "programs check the library of C++" {
+  OBJECTS=$(programs) each asserts
+}
+@test "everything is compiled with the flags that the compiler has" {
+  all='/(abi|call_frame|client|dante|network|state_document|simulator|terminal|tools|conformance)/[^/]*[.]cc$'
+  for flag in $FLAGS; do compiled_with "$flag" "$SOURCE_TREE$all"; done
+  for flag in $PROGRAM_FLAGS; do compiled_with "$flag" "$SOURCE_TREE/(tools|conformance|terminal)/[^/]*[.]cc$"; done
+}
 @test "symbols are bound at load" { each bound_at_load; }
 @test "what is bound is then read-only" { each read_only_after; }
 @test "functions with buffers check their stack" { each checks_stacks; }
