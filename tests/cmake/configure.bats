@@ -36,7 +36,7 @@ flags() {
   printf '%s ' "$(compiled '-O.*')" "$(compiled '-[DU]_FORTIFY_SOURCE.*')" \
     "$(compiled '-f(no-)?stack-protector.*')" "$(compiled '-W(no-)?format(=.*)?')" "$(compiled '-g.*')"
 }
-readonly DEFAULTS="-Os -D_FORTIFY_SOURCE=2 -fstack-protector-strong -Wformat -g "
+readonly DEFAULTS="-Os -D_FORTIFY_SOURCE=3 -fstack-protector-strong -Wformat -g "
 
 @test "Configure_NoFlags_UsesTheDefaultsAndAsksPkgConfigOnce" {
   printf '#!/bin/sh\necho "$*" >>"%s"\nexec pkg-config "$@"\n' "$BATS_TEST_TMPDIR/asked" \
@@ -49,7 +49,7 @@ readonly DEFAULTS="-Os -D_FORTIFY_SOURCE=2 -fstack-protector-strong -Wformat -g 
 }
 
 @test "Configure_FlagsForEveryBuildType_Hold" {
-  local users="-O2 -D_FORTIFY_SOURCE=3 -fstack-protector-all -Wformat=2 -g1"
+  local users="-O2 -D_FORTIFY_SOURCE=2 -fstack-protector-all -Wformat=2 -g1"
   # As Debian's packages do, without flags of a build type.
   CXXFLAGS="$users" LDFLAGS=-Wl,-z,norelro,-z,lazy configure -DCMAKE_BUILD_TYPE=None
   [ "$(flags)" = "$users " ]
@@ -58,7 +58,7 @@ readonly DEFAULTS="-Os -D_FORTIFY_SOURCE=2 -fstack-protector-strong -Wformat -g 
 
 @test "Configure_FlagsOfABuildType_HoldForIt" {
   configure -DCMAKE_BUILD_TYPE=Release \
-    "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -g3 -Wp,-D_FORTIFY_SOURCE=3 -fno-stack-protector" \
+    "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -g3 -Wp,-D_FORTIFY_SOURCE=2 -fno-stack-protector" \
     "-DCMAKE_CXX_FLAGS_DEBUG=-Wno-format"
   [ "$(flags)" = "-O2  -fno-stack-protector -Wformat -g3 " ]
   run ! linked '.*strip.*'
@@ -66,13 +66,13 @@ readonly DEFAULTS="-Os -D_FORTIFY_SOURCE=2 -fstack-protector-strong -Wformat -g 
 
 @test "Configure_FlagsOfASurroundingProject_Hold" {
   echo 'add_compile_options(-O2)
-    add_compile_definitions(_FORTIFY_SOURCE=3)' >"$BATS_TEST_TMPDIR/surrounding.cmake"
+    add_compile_definitions(_FORTIFY_SOURCE=2)' >"$BATS_TEST_TMPDIR/surrounding.cmake"
   configure -DCMAKE_BUILD_TYPE=Release "-DCMAKE_PROJECT_INCLUDE=$BATS_TEST_TMPDIR/surrounding.cmake"
-  [ "$(flags)" = "-O2 -D_FORTIFY_SOURCE=3 -fstack-protector-strong -Wformat -g " ]
+  [ "$(flags)" = "-O2 -D_FORTIFY_SOURCE=2 -fstack-protector-strong -Wformat -g " ]
 }
 
 @test "Configure_FlagsForCOnly_LeaveTheDefaultsForCxx" {
-  CFLAGS="-O2 -D_FORTIFY_SOURCE=3 -fno-stack-protector" configure -DCMAKE_BUILD_TYPE=Release
+  CFLAGS="-O2 -D_FORTIFY_SOURCE=2 -fno-stack-protector" configure -DCMAKE_BUILD_TYPE=Release
   [ "$(flags)" = "$DEFAULTS" ]
 }
 

@@ -26,6 +26,12 @@ is_open() { [ "$(tool checkpoint --json | jq -r '.result.checkpoints[0].state')"
 is_closed() { [ "$(tool checkpoint)" = "no checkpoint is open" ]; }
 is_renamed() { [ "$(tool hostname)" = changed ]; }
 rescuer() { pgrep -f "__rescue $XDG_STATE_HOME"; }
+is_abandoned() { [ "$(tool checkpoint --json 2>/dev/null | jq -r '.result.checkpoints[0].state')" = abandoned ]; }
+# Signalled, a process has its locks until it has run to its end.
+abandon() {
+  kill -KILL "$(rescuer)"
+  wait_until is_abandoned
+}
 
 # Whether what runs on the terminal ends with this status.
 ends_with() {
@@ -231,10 +237,9 @@ COMMANDS
 @test "BothAreKilled_NextCommand_SaysSoAndRollbackWorks" {
   remember
   tool hostname set changed --confirm-within 60
-  kill -KILL "$(rescuer)"
+  abandon
   run -0 --separate-stderr tool hostname
   [[ $stderr == "networkgrpc: an abandoned checkpoint of 'networkgrpc hostname set changed --confirm-within 60' is left: 'networkgrpc rollback' restores"* ]]
-  [ "$(tool checkpoint --json 2>/dev/null | jq -r '.result.checkpoints[0].state')" = abandoned ]
   run -0 tool rollback
   is_as_before
   run -0 --separate-stderr tool hostname
@@ -243,7 +248,7 @@ COMMANDS
 
 @test "AbandonedCheckpoint_Confirmed_IsRemovedAndKeepsTheChange" {
   tool hostname set changed --confirm-within 60
-  kill -KILL "$(rescuer)"
+  abandon
   run -0 tool confirm
   is_renamed
   is_closed
@@ -291,7 +296,7 @@ COMMANDS
 
 @test "FileIsDamaged_EveryCommand_SaysSoAndNothingIsRestored" {
   tool hostname set changed --confirm-within 60
-  kill -KILL "$(rescuer)"
+  abandon
   local file
   file=$(echo "$XDG_STATE_HOME"/networkgrpc/*.open)
   printf '{"snapshot":{}}' >"$file"
