@@ -18,7 +18,7 @@ namespace tool {
 class Checkpoint {
  public:
   /// Restores the settings of one daemon, or of both for kNone. `of_command` is what people
-  /// are shown.
+  /// are shown, `limit` the seconds until the deadline.
   Checkpoint(Daemon of, std::string of_command, double limit);
   ~Checkpoint();
 
