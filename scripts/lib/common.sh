@@ -58,9 +58,12 @@ listed() {
 project_version() { sed -n 's/^project(NetworkgRPC VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt; }
 
 # export_date: documents and packages have the date of the last commit, or SOURCE_DATE_EPOCH.
+# In the archive of scripts/dist, git has replaced the format with that date.
+# shellcheck disable=SC2016 # git's placeholder
+commit_date='$Format:%ct$'
 export_date() {
-  SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
-  export SOURCE_DATE_EPOCH
+  [[ $commit_date != *Format* ]] || commit_date=$(git log -1 --format=%ct 2>/dev/null || date +%s)
+  export SOURCE_DATE_EPOCH="${SOURCE_DATE_EPOCH:-$commit_date}"
 }
 
 # as_root COMMAND...

@@ -18,6 +18,7 @@ scripts/bench --quick
 scripts/coverage
 scripts/cross-test arm64 -R name
 scripts/demo --transcript
+scripts/dist
 scripts/faults --full
 scripts/format --check
 scripts/fuzz --runs 10
