@@ -100,3 +100,11 @@ commands() {
 @test "ManualPages_CrossBuildWithAnEmulator_AreMadeByIt" {
   commands -DCMAKE_CROSSCOMPILING_EMULATOR=/usr/bin/env | grep -F make-page | grep -F ' /usr/bin/env '
 }
+
+@test "Programs_SysrootHasThem_AreThoseOfThisMachine" {
+  local folder="$BATS_TEST_TMPDIR/root/usr/bin" program
+  mkdir -p "$folder"
+  for program in pkg-config protoc grpc_cpp_plugin; do cp /bin/false "$folder/$program"; done
+  configure -DCMAKE_SYSTEM_NAME=Linux "-DCMAKE_FIND_ROOT_PATH=$BATS_TEST_TMPDIR/root"
+  run -1 grep -F "=$folder/" "$BATS_TEST_TMPDIR/build/CMakeCache.txt"
+}
