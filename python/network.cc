@@ -1,5 +1,6 @@
 // The Python module networkgrpc.network: the functions of NetworkgRPC.
 #include "NetworkgRPC.h"
+#include "NetworkgRPC_version.h"
 
 #include "python/call.h"
 
@@ -25,6 +26,7 @@ void DefineRecords(pybind11::module_& module) {
 
 PYBIND11_MODULE(network, module) {
   module.doc() = python::Doc("");
+  module.attr("__version__") = NETWORKGRPC_VERSION;
   DefineRecords(module);
   python::Functions(module)
       .Reads("get_dante_interfaces_info", &NetworkgRPC::GetDanteInterfacesInfo)

@@ -14,6 +14,9 @@ fails they stay unresolved until a new process.
 
 from typing import ClassVar, List
 
+__version__: str
+"""The version of the library that the module was compiled for."""
+
 class InterfaceInfo:
     """One network interface with its IPv4 addressing."""
 

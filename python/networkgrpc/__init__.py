@@ -15,7 +15,7 @@ from .lines import log_lines
 from .notebook import Route, Routing, routing
 from .settings import configure
 
-__version__ = "@PROJECT_VERSION@"
+__version__ = network.__version__
 
 __all__ = [
     "CallFailed",
