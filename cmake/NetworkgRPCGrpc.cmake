@@ -12,6 +12,7 @@ function(NetworkgRPC_find_grpc missing)
   if(TARGET NetworkgRPC::grpc)
     return()
   endif()
+  set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER) # not that of a sysroot
   find_package(PkgConfig QUIET)
   if(NOT PkgConfig_FOUND)
     set(${missing} pkg-config PARENT_SCOPE)

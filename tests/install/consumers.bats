@@ -252,6 +252,13 @@ asked_pkg_config() { grep -vcx -e --version "$BATS_TEST_TMPDIR/asked"; }
   [ "$(asked_pkg_config)" -eq 1 ]
 }
 
+@test "FindPackage_SysrootHasPkgConfig_RunsThatOfThisMachine" {
+  mkdir -p "$BATS_TEST_TMPDIR/root/usr/bin"
+  cp /bin/false "$BATS_TEST_TMPDIR/root/usr/bin/pkg-config"
+  find_in_project "list(PREPEND CMAKE_FIND_ROOT_PATH \"$BATS_TEST_TMPDIR/root\")" \
+    'find_package(NetworkgRPC REQUIRED COMPONENTS Client)'
+}
+
 @test "FindPackage_FacadesOnly_DoesNotRunPkgConfig" {
   count_pkg_config
   find_in_project 'find_package(NetworkgRPC REQUIRED COMPONENTS NetworkgRPC)'
