@@ -117,6 +117,15 @@ functions() {
   done < <(sed -E 's/^option\(([A-Z_]+) .* ([^ ]+)\)$/\1 \2/' "$BATS_TEST_TMPDIR/options")
 }
 
+@test "the variables that a recipe sets exist" {
+  local variable
+  grep -oP '(`|-D)\KNETWORKGRPC_[A-Z0-9_]+' docs/build_systems.md | sort -u >"$BATS_TEST_TMPDIR/variables"
+  [ "$(wc -l <"$BATS_TEST_TMPDIR/variables")" -ge 8 ]
+  while read -r variable; do
+    grep -rqw --include=CMakeLists.txt --include='*.cmake' "$variable" CMakeLists.txt cmake man python tools || { echo "$variable"; return 1; }
+  done <"$BATS_TEST_TMPDIR/variables"
+}
+
 @test "the presets are listed" {
   local preset
   while read -r preset; do
