@@ -45,12 +45,19 @@ std::string OptionText(const CLI::Option& option) {
   return text;
 }
 
+// CLI11 2.4 rejects names with blanks: "PATH_VALUE" stands for two arguments.
+std::string ArgumentName(const CLI::Option& option) {
+  std::string name = option.get_name(true);
+  std::replace(name.begin(), name.end(), '_', ' ');
+  return name;
+}
+
 // "set ID" or "interface [COMMAND]", as it is typed.
 std::string CommandText(const CLI::App& command) {
   std::string text = command.get_name();
   for (const CLI::Option* option : command.get_options()) {
     if (!option->get_positional()) continue;
-    const std::string name = option->get_name(true);
+    const std::string name = ArgumentName(*option);
     text += option->get_required() ? " " + name : " [" + name + "]";
     if (option->get_items_expected_max() > 1) text += "...";
   }
@@ -68,7 +75,7 @@ std::string CommandEntries(const CLI::App& command) {
 std::string ArgumentEntries(const CLI::App& command) {
   std::string text;
   for (const CLI::Option* option : command.get_options())
-    if (option->get_positional()) text += Entry(option->get_name(true), option->get_description());
+    if (option->get_positional()) text += Entry(ArgumentName(*option), option->get_description());
   return text;
 }
 

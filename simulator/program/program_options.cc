@@ -256,7 +256,7 @@ void AddSet(CLI::App& ctl, ProgramOptions& options, const std::vector<std::strin
   CLI::App* const set = ctl.add_subcommand(
       "set", "Change members of the state, all or none; the options of ctl come before it");
   set->fallthrough();
-  set->add_option("PATH VALUE",
+  set->add_option("PATH_VALUE",
                   "A member of the state file, such as network.interfaces[lan0].speed, and its new "
                   "value: a string, a name, or JSON")
       ->expected(0, 2);

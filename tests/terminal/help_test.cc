@@ -123,6 +123,13 @@ TEST_F(Pages, ProgramWithoutHelpAll_DescribesItsCommandsToo) {
             std::string::npos);
 }
 
+TEST_F(Pages, TwoArgumentsInOne_AreShownWithABlankBetween) {
+  app.get_subcommand("noun")->get_subcommand("list")->add_option("ID_NAME", values, "Both");
+  const std::string page = Page({"noun", "list"});
+  EXPECT_NE(page.find("Usage: program noun list [ID NAME]... [OPTION]...\n"), std::string::npos);
+  EXPECT_NE(page.find("  ID NAME                     Both\n"), std::string::npos);
+}
+
 TEST_F(Pages, Command_ListsItsOwnOptionsAndThoseOfEveryCommand) {
   EXPECT_EQ(Page({"noun", "set"}),
             "Usage: program noun set ID... [OPTION]...\n"
