@@ -157,7 +157,9 @@ class Builder {
   bool parse_error(std::size_t, const std::string&, const Json::exception& error) {
     constexpr int kNumberOverflow = 406;
     if (error.id == kNumberOverflow) return number_float(0, "");
-    const bool ended = std::strstr(error.what(), "unexpected end of input") != nullptr;
+    // From version 3.11.3 on, the parser says of an empty document that it is "an empty input".
+    const bool ended = std::strstr(error.what(), "unexpected end of input") != nullptr ||
+                       std::strstr(error.what(), "an empty input") != nullptr;
     Reject(LineBefore(), ended ? "ends too early" : "syntax error");
   }
 
