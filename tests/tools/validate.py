@@ -50,12 +50,13 @@ def is_of_another_kind(error):
 
 
 def main(folder, names):
-    store = {path.name: json.loads(path.read_text()) for path in pathlib.Path(folder).glob("*.json")}
-    for schema in store.values():
+    schemas = {path.name: json.loads(path.read_text()) for path in pathlib.Path(folder).glob("*.json")}
+    for schema in schemas.values():
         jsonschema.Draft202012Validator.check_schema(schema)
-    schema = store["output.schema.json"]
-    resolver = jsonschema.RefResolver("output.schema.json", schema, store=store)
-    validator = jsonschema.Draft202012Validator(schema, resolver=resolver)
+    # One document of all, as Debian 12 and 13 have different interfaces to several.
+    schema = schemas.pop("output.schema.json")
+    schema["$defs"].update(schemas)
+    validator = jsonschema.Draft202012Validator(schema)
     for name in names:
         found = objects(name)
         if not found:
