@@ -12,9 +12,9 @@ debian_mirror() {
   apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' | head -n 1
 }
 
-# Programs in a chroot need /proc.
-mount_chroot() { mount -t proc proc "$1/proc"; }
-unmount_chroot() { umount "$1/proc" 2>/dev/null || true; }
+# Programs in a chroot need /proc, and tests terminals.
+mount_chroot() { mount -t proc proc "$1/proc" && mount -t devpts devpts "$1/dev/pts"; }
+unmount_chroot() { umount "$1/proc" "$1/dev/pts" 2>/dev/null || true; }
 # run_in_chroot FOLDER COMMAND...
 run_in_chroot() {
   chroot "$1" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "${@:2}"

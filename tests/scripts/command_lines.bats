@@ -9,9 +9,8 @@ bats_require_minimum_version 1.5.0
 # Every script, with arguments that it accepts.
 table() {
   cat <<'SCRIPTS'
-packaging/check folder 1.0 arm64
-packaging/check-installed
-packaging/cross-build arm64 source
+packaging/build-in-chroot trixie arm64 source
+packaging/check folder 1.0 trixie arm64
 packaging/spdx name 1.0 amd64 --map file
 scripts/abi check --record file
 scripts/bench --quick
@@ -24,7 +23,7 @@ scripts/format --check
 scripts/fuzz --runs 10
 scripts/lint shell
 scripts/mutate --sample 2 --seed 1 library
-scripts/package --for arm64 build
+scripts/package --system trixie --for arm64 build
 scripts/sanitize memcheck
 scripts/setup demo
 scripts/soak --threads 2
