@@ -95,6 +95,8 @@ networkgrpc_compile_option_if_known(networkgrpc_program branch-protection -mbran
 target_compile_definitions(networkgrpc_program INTERFACE _GLIBCXX_ASSERTIONS)
 # With the assertions, GCC 12 warns of assignments of literals to strings (its bug 105329).
 target_compile_options(networkgrpc_program INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+# They wait for daemons, so they are optimised only as far as the compiler is quick.
+networkgrpc_compile_options(networkgrpc_program UNLESS "(^|[ ;])-O" $<$<CONFIG:Release,RelWithDebInfo>:-O1>)
 
 # The shared object is optimised for size: a call spends its time in gRPC and the kernel,
 # and most of the code is generated classes that run a few times per call. With one
@@ -131,6 +133,24 @@ if(NETWORKGRPC_STATIC)
       "-B${libraries}/gcc/${CMAKE_LIBRARY_ARCHITECTURE}/${gcc}")
   endif()
 endif()
+
+# networkgrpc_add_precompiled_headers(): the headers in which the compiler spends most of its time
+# with the programs. It reads them once, for the targets that reuse them with
+# networkgrpc_precompile(<library>), which must have the same flags.
+function(networkgrpc_add_precompiled_headers)
+  file(CONFIGURE OUTPUT precompiled.cc CONTENT "")
+  add_library(networkgrpc_precompiled STATIC "${CMAKE_CURRENT_BINARY_DIR}/precompiled.cc")
+  target_link_libraries(networkgrpc_precompiled PRIVATE
+    NetworkgRPC::Client networkgrpc_compile networkgrpc_program nlohmann_json::nlohmann_json)
+  set_target_properties(networkgrpc_precompiled PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  target_precompile_headers(networkgrpc_precompiled PRIVATE <nlohmann/json.hpp>
+    <ostrevan/grpcdapi.grpc.pb.h> <ostrevan/networkmanager.grpc.pb.h>)
+endfunction()
+
+function(networkgrpc_precompile target)
+  set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  target_precompile_headers(${target} REUSE_FROM networkgrpc_precompiled)
+endfunction()
 
 # Executables are position-independent, too.
 include(CheckPIESupported)
