@@ -200,6 +200,16 @@ def peers_table(data):
     return table
 
 
+def commands_table(data):
+    programs = ("tool", "static tool", "Python", "Node")
+    table = Table("Commands of the tool on a device of 512 channels", "Command", "calls",
+                  *(f"{name}, {unit}" for name in programs for unit in ("ms", "CPU ms")))
+    for command, found in data["commands"].items():
+        times = (time for name in programs for time in found.get(name, ("", "")))
+        table.add(command, found["calls"], *(time and number(time) for time in times))
+    return table
+
+
 def tables(data):
     yield calls_table(data)
     yield sizes_table(data)
@@ -209,6 +219,8 @@ def tables(data):
     yield threads_table(data)
     yield from start_tables(data)
     yield peers_table(data)
+    if "commands" in data:
+        yield commands_table(data)
 
 
 def main():
