@@ -24,6 +24,7 @@ scripts/fuzz --runs 10
 scripts/lint shell
 scripts/mutate --sample 2 --seed 1 library
 scripts/package --system trixie --for arm64 build
+scripts/prove memcheck
 scripts/sanitize memcheck
 scripts/setup demo
 scripts/soak --threads 2
