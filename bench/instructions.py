@@ -22,7 +22,8 @@ import subprocess
 import sys
 import tempfile
 
-import emulated
+sys.dont_write_bytecode = True  # nothing is written into the source tree
+import emulated  # pylint: disable=wrong-import-position
 
 GROWTH = {"interfaces": "GetAllIPv4", "rates": "GetAvailableSampleRates", "channels": "GetTapping"}
 MOST_CHANNELS = 512
