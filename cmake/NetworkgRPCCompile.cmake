@@ -135,8 +135,8 @@ if(NETWORKGRPC_STATIC)
 endif()
 
 # networkgrpc_add_precompiled_headers(): the headers in which the compiler spends most of its time
-# with the programs. It reads them once, for the targets that reuse them with
-# networkgrpc_precompile(<library>), which must have the same flags.
+# with the programs. It reads them once, for the libraries of networkgrpc_compile_fast(), which
+# must have the same flags.
 function(networkgrpc_add_precompiled_headers)
   file(CONFIGURE OUTPUT precompiled.cc CONTENT "")
   add_library(networkgrpc_precompiled STATIC "${CMAKE_CURRENT_BINARY_DIR}/precompiled.cc")
@@ -147,9 +147,14 @@ function(networkgrpc_add_precompiled_headers)
     <ostrevan/grpcdapi.grpc.pb.h> <ostrevan/networkmanager.grpc.pb.h>)
 endfunction()
 
-function(networkgrpc_precompile target)
+# networkgrpc_compile_fast(<library>): with the precompiled headers, and several files at a time
+# unless CMAKE_UNITY_BUILD=OFF, so that the names in them must differ.
+function(networkgrpc_compile_fast target)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
   target_precompile_headers(${target} REUSE_FROM networkgrpc_precompiled)
+  if(NOT DEFINED CMAKE_UNITY_BUILD)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 16)
+  endif()
 endfunction()
 
 # Executables are position-independent, too.

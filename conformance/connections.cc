@@ -19,7 +19,7 @@ using Clock = std::chrono::steady_clock;
 using tool::Daemon;
 
 constexpr Daemon kNone = Daemon::kNone;  // for both
-constexpr std::chrono::milliseconds kPause(100);
+constexpr std::chrono::milliseconds kRetryPause(100);
 
 std::string Seconds(Clock::duration time) {
   return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(time).count()) + " s";
@@ -141,7 +141,7 @@ void Keepalive(Session& it) {
     Expect(channel.GetState(false) == GRPC_CHANNEL_READY,
            "the connection was closed within " + Seconds(now - it.idle_since));
     if (now >= end) break;
-    std::this_thread::sleep_for(kPause);
+    std::this_thread::sleep_for(kRetryPause);
   }
   Expect(it.SendBytes(it.AnyRead(), "", it.idle[it.daemon]).IsOk(), "the call after it failed");
 }
@@ -169,7 +169,7 @@ void AnswersAgain(Session& it) {
   const std::string method = it.AnyRead();
   for (const auto end = Clock::now() + kLongest; !it.Send(method).IsOk();) {
     Expect(Clock::now() < end, "the daemon did not answer within " + Seconds(kLongest));
-    std::this_thread::sleep_for(kPause);
+    std::this_thread::sleep_for(kRetryPause);
   }
 }
 

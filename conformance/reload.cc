@@ -8,8 +8,6 @@
 namespace conformance {
 namespace {
 
-constexpr tool::Daemon kNetworkManager = tool::Daemon::kNetworkManager;
-
 Json StatusOf(Session& it, const Json& interface) {
   const Json list = it.Member("GetNetworkStatus", "status", {{"ids", {interface["id"]}}});
   Expect(!list.empty(), "no status of interface " + interface["id"].dump());
@@ -104,7 +102,7 @@ void KeepsStored(Session& it, const char* reload) {
 Checks Reload() {
   const auto changes = [](const char* name, const char* expected, const char* advice,
                           void (*run)(Session&)) {
-    return Check{name, kNetworkManager, Effect::kChanges, expected, advice, run};
+    return Check{name, tool::Daemon::kNetworkManager, Effect::kChanges, expected, advice, run};
   };
   return {
       changes("stored.Address", "SetNetworkConfig changes nothing that is in effect",

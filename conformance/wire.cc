@@ -4,8 +4,6 @@
 namespace conformance {
 namespace {
 
-constexpr tool::Daemon kNone = tool::Daemon::kNone;  // for both
-
 void ExpectUnimplemented(Session& it, const std::string& path) {
   const Reply reply = it.SendTo(path, "");
   Expect(reply.code == grpc::StatusCode::UNIMPLEMENTED,
@@ -47,15 +45,17 @@ void UnpackedIds(Session& it) {
 Checks Wire() {
   constexpr Effect kReads = Effect::kReads;
   Checks checks = OfBoth({
-      {"wire.UnknownMethod", kNone, kReads, "A method that the schema lacks is UNIMPLEMENTED",
+      {"wire.UnknownMethod", tool::Daemon::kNone, kReads,
+       "A method that the schema lacks is UNIMPLEMENTED",
        "leave it to the gRPC library: clients find out from this status what a daemon can do",
        [](Session& it) { ExpectUnimplemented(it, '/' + ServiceOf(it.daemon) + "/NoSuchMethod"); }},
-      {"wire.UnknownService", kNone, kReads, "A service of another name is UNIMPLEMENTED",
+      {"wire.UnknownService", tool::Daemon::kNone, kReads,
+       "A service of another name is UNIMPLEMENTED",
        "register the service with its package; do not answer any path",
        [](Session& it) { ExpectUnimplemented(it, "/ostrevan.none.NoSuchService/GetName"); }},
-      {"wire.UnknownField", kNone, kReads, "A field that the schema lacks is ignored",
+      {"wire.UnknownField", tool::Daemon::kNone, kReads, "A field that the schema lacks is ignored",
        "clients of a later version send more fields", UnknownField},
-      {"wire.UnreadableRequest", kNone, kReads,
+      {"wire.UnreadableRequest", tool::Daemon::kNone, kReads,
        "A request that cannot be parsed fails, and calls after it work",
        "leave it to the gRPC library, or reply with INVALID_ARGUMENT", UnreadableRequest},
   });

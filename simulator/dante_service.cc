@@ -3,36 +3,35 @@
 #include "simulator/find_by_id.h"
 #include "simulator/service.h"
 
-namespace wire = ostrevan::grpcdapi;
+namespace dapi = ostrevan::grpcdapi;
 using grpc::Status;
 using ostrevan::common::Empty;
-using wire::Success;
 
 namespace simulator {
 namespace {
 
-void ToWire(const std::vector<Channel>& channels, wire::Channels& out) {
+void ToWire(const std::vector<Channel>& channels, dapi::Channels& out) {
   for (const Channel& channel : channels) {
-    wire::Channel& added = *out.add_channels();
+    dapi::Channel& added = *out.add_channels();
     added.set_id(channel.id);
     added.set_name(channel.name);
     added.set_defaultname(channel.default_name);
   }
 }
 
-void ToWire(const RawStream& raw, wire::rawLinkInfo& out) {
+void ToWire(const RawStream& raw, dapi::rawLinkInfo& out) {
   out.set_ip(raw.ip);
   out.set_value2(raw.values[0]);
   out.set_value3(raw.values[1]);
   out.set_value4(raw.values[2]);
   out.set_value5(raw.values[3]);
   out.set_value6(raw.values[4]);
-  out.set_encoding(static_cast<wire::Encoding>(raw.encoding));
+  out.set_encoding(static_cast<dapi::Encoding>(raw.encoding));
   out.set_sip(raw.sip);
   if (raw.session_id.has_value()) out.set_sessionid(*raw.session_id);
 }
 
-RawStream FromWire(const wire::rawLinkInfo& in) {
+RawStream FromWire(const dapi::rawLinkInfo& in) {
   RawStream raw;
   raw.ip = in.ip();
   raw.values = {in.value2(), in.value3(), in.value4(), in.value5(), in.value6()};
@@ -42,14 +41,14 @@ RawStream FromWire(const wire::rawLinkInfo& in) {
   return raw;
 }
 
-void ToWire(const Link& link, wire::LinkInfo& out) {
+void ToWire(const Link& link, dapi::LinkInfo& out) {
   out.set_devicename(link.device_name);
   out.set_channelname(link.channel_name);
   if (link.raw.has_value()) ToWire(*link.raw, *out.mutable_raw());
   out.set_flag5(link.flag5);
 }
 
-Link FromWire(const wire::LinkInfo& in) {
+Link FromWire(const dapi::LinkInfo& in) {
   Link link;
   link.device_name = in.devicename();
   link.channel_name = in.channelname();
@@ -60,26 +59,26 @@ Link FromWire(const wire::LinkInfo& in) {
 
 std::vector<Method> IdentityMethods() {
   return {
-      Read("GetName", [](const Device& it, wire::Name& reply) { reply.set_name(it.dante.name); }),
-      Change<Success>("SetName",
-                      [](Device& it, const wire::Name& request) {
-                        it.dante.name = request.name();
-                        return true;
-                      }),
+      Read("GetName", [](const Device& it, dapi::Name& reply) { reply.set_name(it.dante.name); }),
+      Change<dapi::Success>("SetName",
+                            [](Device& it, const dapi::Name& request) {
+                              it.dante.name = request.name();
+                              return true;
+                            }),
       Read("GetManufacturerName",
-           [](const Device& it, wire::Name& reply) { reply.set_name(it.dante.manufacturer); }),
+           [](const Device& it, dapi::Name& reply) { reply.set_name(it.dante.manufacturer); }),
       Read("GetModelName",
-           [](const Device& it, wire::Name& reply) { reply.set_name(it.dante.model_name); }),
+           [](const Device& it, dapi::Name& reply) { reply.set_name(it.dante.model_name); }),
       Read("GetModelVersion",
-           [](const Device& it, wire::Version& reply) {
+           [](const Device& it, dapi::Version& reply) {
              reply.set_version(it.dante.model_version);
            }),
       Read("GetSoftwareVersion",
-           [](const Device& it, wire::Version& reply) {
+           [](const Device& it, dapi::Version& reply) {
              reply.set_version(it.dante.software_version);
            }),
       Read("GetFirmwareVersion",
-           [](const Device& it, wire::Version& reply) {
+           [](const Device& it, dapi::Version& reply) {
              reply.set_version(it.dante.firmware_version);
            }),
   };
@@ -88,20 +87,20 @@ std::vector<Method> IdentityMethods() {
 std::vector<Method> ChannelMethods() {
   return {
       Read("GetTxChannels",
-           [](const Device& it, wire::Channels& reply) { ToWire(it.dante.tx, reply); }),
+           [](const Device& it, dapi::Channels& reply) { ToWire(it.dante.tx, reply); }),
       Read("GetRxChannels",
-           [](const Device& it, wire::Channels& reply) { ToWire(it.dante.rx, reply); }),
-      Change<Success>("SetTxChannelName",
-                      [](Device& it, const wire::Channel& request) {
-                        return SetChannelName(it.dante.tx, request.id(), request.name());
-                      }),
-      Change<Success>("SetRxChannelName",
-                      [](Device& it, const wire::Channel& request) {
-                        return SetChannelName(it.dante.rx, request.id(), request.name());
-                      }),
+           [](const Device& it, dapi::Channels& reply) { ToWire(it.dante.rx, reply); }),
+      Change<dapi::Success>("SetTxChannelName",
+                            [](Device& it, const dapi::Channel& request) {
+                              return SetChannelName(it.dante.tx, request.id(), request.name());
+                            }),
+      Change<dapi::Success>("SetRxChannelName",
+                            [](Device& it, const dapi::Channel& request) {
+                              return SetChannelName(it.dante.rx, request.id(), request.name());
+                            }),
       // The reply has no success field, so an unknown channel fails the call.
       Read("GetRxChannelLink",
-           [](const Device& it, const wire::Channel& request, wire::LinkInfo& reply) {
+           [](const Device& it, const dapi::Channel& request, dapi::LinkInfo& reply) {
              if (FindById(it.dante.rx, request.id()) == nullptr)
                return Status(grpc::StatusCode::NOT_FOUND, "no such receive channel");
              reply.set_id(request.id());
@@ -109,75 +108,75 @@ std::vector<Method> ChannelMethods() {
              if (link != it.dante.links.end()) ToWire(link->second, reply);
              return Status::OK;
            }),
-      Change<Success>("SetRxChannelLink",
-                      [](Device& it, const wire::LinkInfo& request) {
-                        return SetLink(it.dante, request.id(), FromWire(request));
-                      }),
+      Change<dapi::Success>("SetRxChannelLink",
+                            [](Device& it, const dapi::LinkInfo& request) {
+                              return SetLink(it.dante, request.id(), FromWire(request));
+                            }),
   };
 }
 
 std::vector<Method> AudioMethods() {
   return {
       Read("GetLatency",
-           [](const Device& it, wire::Latency& reply) { reply.set_latency(it.dante.latency); }),
+           [](const Device& it, dapi::Latency& reply) { reply.set_latency(it.dante.latency); }),
       Read("GetMinLatency",
-           [](const Device& it, wire::Latency& reply) { reply.set_latency(it.dante.min_latency); }),
-      Change<Success>("SetLatency",
-                      [](Device& it, const wire::Latency& request) {
-                        return SetLatency(it.dante, request.latency());
-                      }),
+           [](const Device& it, dapi::Latency& reply) { reply.set_latency(it.dante.min_latency); }),
+      Change<dapi::Success>("SetLatency",
+                            [](Device& it, const dapi::Latency& request) {
+                              return SetLatency(it.dante, request.latency());
+                            }),
       Read("GetAvailableSampleRates",
-           [](const Device& it, wire::AvailableSampleRates& reply) {
+           [](const Device& it, dapi::AvailableSampleRates& reply) {
              for (const std::uint32_t rate : it.dante.sample_rates) reply.add_samplerates(rate);
            }),
       Read("GetSampleRate",
-           [](const Device& it, wire::SampleRate& reply) {
+           [](const Device& it, dapi::SampleRate& reply) {
              reply.set_samplerate(it.dante.sample_rate);
            }),
-      Change<Success>("SetSampleRate",
-                      [](Device& it, const wire::SampleRate& request) {
-                        return SetSampleRate(it.dante, request.samplerate());
-                      }),
+      Change<dapi::Success>("SetSampleRate",
+                            [](Device& it, const dapi::SampleRate& request) {
+                              return SetSampleRate(it.dante, request.samplerate());
+                            }),
       Read("GetIsAES67Available",
-           [](const Device& it, wire::Status& reply) {
+           [](const Device& it, dapi::Status& reply) {
              reply.set_status(it.dante.aes67_available);
            }),
       Read("GetAES67Status",
-           [](const Device& it, wire::Status& reply) { reply.set_status(it.dante.aes67); }),
-      Change<Success>("SetAES67Status",
-                      [](Device& it, const wire::Status& request) {
-                        return SetAes67(it.dante, request.status());
-                      }),
+           [](const Device& it, dapi::Status& reply) { reply.set_status(it.dante.aes67); }),
+      Change<dapi::Success>("SetAES67Status",
+                            [](Device& it, const dapi::Status& request) {
+                              return SetAes67(it.dante, request.status());
+                            }),
       Read("GetDisableTxStatus",
-           [](const Device& it, wire::Status& reply) { reply.set_status(it.dante.tx_disabled); }),
-      Change<Success>("SetDisableTxStatus",
-                      [](Device& it, const wire::Status& request) {
-                        it.dante.tx_disabled = request.status();
-                        return true;
-                      }),
+           [](const Device& it, dapi::Status& reply) { reply.set_status(it.dante.tx_disabled); }),
+      Change<dapi::Success>("SetDisableTxStatus",
+                            [](Device& it, const dapi::Status& request) {
+                              it.dante.tx_disabled = request.status();
+                              return true;
+                            }),
   };
 }
 
 std::vector<Method> ClockMethods() {
   return {
       Read("GetPtpConfig",
-           [](const Device& it, wire::PtpConfig& reply) {
+           [](const Device& it, dapi::PtpConfig& reply) {
              reply.set_value1(it.dante.ptp.config_value1);
              reply.set_value2(it.dante.ptp.config_value2);
            }),
       Read("GetPtpStatus",
-           [](const Device& it, wire::PtpStatus& reply) {
+           [](const Device& it, dapi::PtpStatus& reply) {
              reply.set_value1(it.dante.ptp.status_value1);
-             reply.set_clockstatus(static_cast<wire::ClockStatus>(it.dante.ptp.clock));
+             reply.set_clockstatus(static_cast<dapi::ClockStatus>(it.dante.ptp.clock));
            }),
       Read(
           "GetPtpSlaveOnlyStatus",
-          [](const Device& it, wire::Status& reply) { reply.set_status(it.dante.ptp.slave_only); }),
-      Change<Success>("SetPtpSlaveOnlyStatus",
-                      [](Device& it, const wire::Status& request) {
-                        it.dante.ptp.slave_only = request.status();
-                        return true;
-                      }),
+          [](const Device& it, dapi::Status& reply) { reply.set_status(it.dante.ptp.slave_only); }),
+      Change<dapi::Success>("SetPtpSlaveOnlyStatus",
+                            [](Device& it, const dapi::Status& request) {
+                              it.dante.ptp.slave_only = request.status();
+                              return true;
+                            }),
       // The module is part of this process: there is no connection to renew.
       Read("Reconnect", [](const Device&, Empty&) {}),
   };

@@ -8,6 +8,7 @@
 #include "simulator/json.h"
 #include "simulator/method_table.h"
 #include "state_document/names.h"
+#include "terminal/joined.h"
 
 namespace simulator {
 namespace {
@@ -18,9 +19,7 @@ std::int32_t NumberOf(const state_document::Names& names, const std::string& nam
                       const std::string& what) {
   const auto* const found = std::find(names.begin(), names.end(), name);
   if (found != names.end()) return static_cast<std::int32_t>(found - names.begin());
-  std::string list;
-  for (const char* known : names) list += (list.empty() ? "" : ", ") + std::string(known);
-  throw BadFault("unknown " + what + " '" + name + "'; use one of " + list);
+  throw BadFault("unknown " + what + " '" + name + "'; use one of " + terminal::Joined(names));
 }
 
 const char* Name(FaultKind kind) { return state_document::kFaults[static_cast<std::size_t>(kind)]; }

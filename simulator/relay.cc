@@ -14,7 +14,7 @@
 namespace simulator {
 namespace {
 
-constexpr std::size_t kMostBytes = 65536;  // on the way, each way
+constexpr std::size_t kMostWaiting = 65536;  // on the way, each way
 
 // What goes from one end to the other.
 class Way {
@@ -22,14 +22,14 @@ class Way {
   Way(int source, int sink) : from(source), to(sink) {}
 
   short Wanted(int end) const {
-    if (end == from) return !has_ended && bytes.size() < kMostBytes ? POLLIN : 0;
+    if (end == from) return !has_ended && bytes.size() < kMostWaiting ? POLLIN : 0;
     return !bytes.empty() ? POLLOUT : 0;
   }
   bool IsDone() const { return has_ended && bytes.empty(); }
 
   /// Copies what can be copied without waiting. False if an end is gone.
   bool Copy() {
-    if (!has_ended && bytes.size() < kMostBytes && !Receive()) return false;
+    if (!has_ended && bytes.size() < kMostWaiting && !Receive()) return false;
     return Send();
   }
 
@@ -37,8 +37,8 @@ class Way {
   static bool WouldWait() { return errno == EAGAIN || errno == EINTR; }
 
   bool Receive() {
-    std::array<char, kMostBytes> part;  // NOLINT(cppcoreguidelines-pro-type-member-init)
-    const ssize_t size = recv(from, part.data(), kMostBytes - bytes.size(), MSG_DONTWAIT);
+    std::array<char, kMostWaiting> part;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+    const ssize_t size = recv(from, part.data(), kMostWaiting - bytes.size(), MSG_DONTWAIT);
     if (size < 0) return WouldWait();
     has_ended = size == 0;
     bytes.append(part.data(), static_cast<std::size_t>(size));

@@ -8,6 +8,7 @@
 
 #include "state_document/bad_document.h"
 #include "state_document/table.h"
+#include "terminal/joined.h"
 
 namespace state_document {
 namespace {
@@ -44,12 +45,6 @@ class CountingIterator {
   Position* position;
 };
 
-std::string Joined(const Names& names) {
-  std::string list;
-  for (const char* name : names) list += (list.empty() ? "" : ", ") + std::string(name);
-  return list;
-}
-
 std::string Range(const Type& type) {
   return "an integer from " + std::to_string(type.least) + " to " + std::to_string(type.most);
 }
@@ -67,11 +62,11 @@ std::string Requirement(const Type& type) {
     case Kind::kInteger:
       return type.least == 1 && type.most == 1 ? "1" : Range(type);
     case Kind::kName:
-      return "one of " + Joined(*type.names);
+      return "one of " + terminal::Joined(*type.names);
     case Kind::kNameOrNumber:
       break;
   }
-  return "one of " + Joined(*type.names) + ", or " + Range(type);
+  return "one of " + terminal::Joined(*type.names) + ", or " + Range(type);
 }
 
 bool IsInRange(const Type& type, const Json& value) {

@@ -8,6 +8,8 @@
 #include <sstream>
 #include <utility>
 
+#include "terminal/joined.h"
+
 namespace terminal {
 namespace {
 
@@ -104,9 +106,7 @@ CLI::Validator Seconds(double least) {
 }
 
 CLI::Validator OneOf(const std::vector<std::string>& words) {
-  std::string list;
-  for (const std::string& word : words) list += (list.empty() ? "" : " or ") + word;
-  return Must(list, [words](const std::string& text) {
+  return Must(Joined(words, " or "), [words](const std::string& text) {
     return std::find(words.begin(), words.end(), text) != words.end();
   });
 }

@@ -19,17 +19,19 @@
 namespace tool {
 namespace {
 
-using Clock = std::chrono::system_clock;
+using SystemClock = std::chrono::system_clock;
 
 CallOptions chosen;
 std::function<void()> before_first_change;
 double total_end = std::numeric_limits<double>::infinity();
 
-double Now() { return std::chrono::duration<double>(Clock::now().time_since_epoch()).count(); }
+double Now() {
+  return std::chrono::duration<double>(SystemClock::now().time_since_epoch()).count();
+}
 
-Clock::time_point At(double seconds) {
-  return Clock::time_point(
-      std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds)));
+SystemClock::time_point At(double seconds) {
+  return SystemClock::time_point(
+      std::chrono::duration_cast<SystemClock::duration>(std::chrono::duration<double>(seconds)));
 }
 
 // Whether a daemon that answers with this status may have made the change. With each of

@@ -10,11 +10,11 @@
 namespace tool {
 namespace {
 
-Json List() {
+Json ListChannels() {
   return {{"tx_channels", ToJson(ReadTxChannels())}, {"rx_channels", ToJson(ReadRxChannels())}};
 }
 
-std::string ShowList(const Json& result) {
+std::string ShowChannels(const Json& result) {
   terminal::Table table({"DIRECTION", "ID", "NAME"});
   for (const Json& channel : result["tx_channels"])
     table.Add({"transmit", Text(channel["id"]), channel["name"]});
@@ -48,7 +48,7 @@ Json RenameOne(int id, const std::string& name, bool receive) {
   return {{"id", id}, {"name", name}, {"direction", receive ? "receive" : "transmit"}};
 }
 
-Json ReadNames() { return {{"dante", List()}}; }
+Json ReadNames() { return {{"dante", ListChannels()}}; }
 
 Json NewNames(const Renaming& renaming) {
   const NamePattern names("NAME", *renaming.name);
@@ -62,7 +62,8 @@ Json NewNames(const Renaming& renaming) {
 
 Json Rename(Tool& tool, const Renaming& renaming) {
   if (!renaming.file.empty())
-    return Import(tool, {ChannelNamesFromCsv(renaming.file, List()), ReadNames, Subject(renaming)});
+    return Import(
+        tool, {ChannelNamesFromCsv(renaming.file, ListChannels()), ReadNames, Subject(renaming)});
   if (!renaming.ids || !renaming.name)
     throw Failure(ExitStatus::kUsage, std::string(renaming.ids ? "NAME" : "ID") +
                                           " is required; see 'networkgrpc channel rename --help'");
@@ -81,9 +82,11 @@ std::string ShowRename(const Json& result, const Renaming& renaming) {
 
 void AddChannel(Tool& tool) {
   const Command noun = tool.AddNoun("channel", "List and rename the channels", "list");
-  tool.AddVerb(
-      noun, "list",
-      {"List the transmit and receive channels", List, ShowList, {"networkgrpc channel list"}});
+  tool.AddVerb(noun, "list",
+               {"List the transmit and receive channels",
+                ListChannels,
+                ShowChannels,
+                {"networkgrpc channel list"}});
   tool.AddVerb(noun, "count",
                {"Show the number of channels", Count, ShowCount, {"networkgrpc channel count"}});
   const auto renaming = std::make_shared<Renaming>();

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <memory>
 
+#include "terminal/joined.h"
 #include "terminal/table.h"
 #include "tools/checkpoint.h"
 #include "tools/commands.h"
@@ -33,14 +34,14 @@ Json Entry(const CheckpointFile& file) {
           {"problem", file.Progress()["problem"]}};
 }
 
-Json List() {
+Json ListCheckpoints() {
   Json list = Json::array();
   for (const CheckpointFile& file : CheckpointFile::All())
     if (file.Exists()) list.push_back(Entry(file));
   return {{"checkpoints", list}};
 }
 
-std::string ShowList(const Json& result) {
+std::string ShowCheckpoints(const Json& result) {
   if (result["checkpoints"].empty()) return "no checkpoint is open\n";
   terminal::Table table(
       {"STATE", "LEFT", "SINCE", "COMMAND", "NETWORK-MANAGER", "DAPI", "PROBLEM"});
@@ -48,12 +49,6 @@ std::string ShowList(const Json& result) {
     table.Add({it["state"], it["seconds_left"].is_null() ? "" : Text(it["seconds_left"]) + " s",
                it["created"], it["command"], it["network_manager"], it["dapi"], it["problem"]});
   return table.Text();
-}
-
-std::string Joined(const Words& words) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
-  return text;
 }
 
 // Its wait status. At the deadline it receives a hangup, and is not waited for: it must not
@@ -82,7 +77,7 @@ std::string Problem(const Words& words, const std::optional<int>& status) {
 
 Json RunUnderCheckpoint(Tool& tool, const Words& words, double seconds) {
   if (seconds == 0) throw Failure(ExitStatus::kUsage, "--timeout is required before a command");
-  Checkpoint checkpoint(Daemon::kNone, Joined(words), seconds);
+  Checkpoint checkpoint(Daemon::kNone, terminal::Joined(words, " "), seconds);
   checkpoint.Announce();
   checkpoint.Begin();
   pid_t child = 0;
@@ -95,7 +90,7 @@ Json RunUnderCheckpoint(Tool& tool, const Words& words, double seconds) {
   const std::string problem = Problem(words, WaitFor(child, checkpoint));
   if (problem.empty()) {
     tool.confirm_by = checkpoint.Settle();
-    return {{"command", Joined(words)}};
+    return {{"command", terminal::Joined(words, " ")}};
   }
   checkpoint.Restore();
   throw Failure(ExitStatus::kFailed, problem + "; what was before is restored");
@@ -133,16 +128,18 @@ void AddCheckpoint(Tool& tool) {
     double timeout = 0;
   };
   const auto arguments = std::make_shared<Arguments>();
-  Command checkpoint = tool.AddVerb(
-      tool.Top(), "checkpoint",
-      {"Undo what a command changes unless it is confirmed",
-       [&tool, arguments] {
-         return arguments->command.empty()
-                    ? List()
-                    : RunUnderCheckpoint(tool, arguments->command, arguments->timeout);
-       },
-       [](const Json& result) { return result.contains("checkpoints") ? ShowList(result) : ""; },
-       {"networkgrpc checkpoint"}});
+  Command checkpoint =
+      tool.AddVerb(tool.Top(), "checkpoint",
+                   {"Undo what a command changes unless it is confirmed",
+                    [&tool, arguments] {
+                      return arguments->command.empty()
+                                 ? ListCheckpoints()
+                                 : RunUnderCheckpoint(tool, arguments->command, arguments->timeout);
+                    },
+                    [](const Json& result) {
+                      return result.contains("checkpoints") ? ShowCheckpoints(result) : "";
+                    },
+                    {"networkgrpc checkpoint"}});
   checkpoint.OptionalArgument(
       "COMMAND", &arguments->command,
       "Behind --, with its arguments; without it, list the checkpoints that are open");

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -18,17 +17,13 @@
 
 #include "state_document/save_file.h"
 #include "tools/daemon.h"
+#include "tools/environment.h"
 #include "tools/failure.h"
 
 namespace tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Variable(const char* name) {
-  const char* const value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
 
 // It must outlive a restart of the machine, and be the same in every session.
 std::string Folder() {
@@ -50,7 +45,7 @@ std::string Key(const std::string& text) {
 }
 
 // JSON behind a line with its key: what this program did not write is not restored.
-std::string ToText(const Json& json) {
+std::string FileText(const Json& json) {
   const std::string text = json.dump(-1, ' ', false, Json::error_handler_t::replace);
   return Key(text) + '\n' + text;
 }
@@ -170,7 +165,7 @@ int CheckpointFile::Create(const Json& content) const {
   chmod(folder.c_str(), S_IRWXU);  // a wireless key can be in it
   const std::string file = stem + "." + std::to_string(getpid());
   try {
-    state_document::SaveFile(file, ToText(content));
+    state_document::SaveFile(file, FileText(content));
   } catch (const std::runtime_error& reason) {
     throw Failure(ExitStatus::kFailed, std::string("no checkpoint: ") + reason.what());
   }
@@ -236,7 +231,7 @@ void CheckpointFile::Touch() const { SetTimes(Restoring(), {UTIME_NOW, UTIME_OMI
 void CheckpointFile::SaveProgress(bool must_reload, const std::string& problem) const {
   try {
     state_document::SaveFile(ProgressFile(),
-                             ToText({{"must_reload", must_reload}, {"problem", problem}}));
+                             FileText({{"must_reload", must_reload}, {"problem", problem}}));
   } catch (const std::runtime_error&) {
   }
 }

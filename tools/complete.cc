@@ -169,7 +169,7 @@ List Options(const CLI::App& command, const CLI::App& root) {
 }
 
 // One candidate per line, without those that are not printable.
-std::string Lines(const List& list, const Position& position) {
+std::string CompletionLines(const List& list, const Position& position) {
   const std::string& start = position.Start();
   std::string text;
   for (const Candidate& it : list)
@@ -238,7 +238,7 @@ int Tool::Complete(const std::vector<std::string>& words) {
   if (position.WantsCommand() && !position.WantsOption())
     for (const CLI::App* it : position.Command().get_subcommands(terminal::IsShown))
       list.push_back({it->get_name(), it->get_description()});
-  std::cout << Lines(list, position) << std::flush;
+  std::cout << CompletionLines(list, position) << std::flush;
   return 0;
 }
 

@@ -89,9 +89,7 @@ Json Reconnect(Tool& tool) {
 // --- Text ----------------------------------------------------------------------
 
 std::string ShowSampleRate(const Json& result) {
-  std::string others;
-  for (const Json& rate : result["available"]) others += (others.empty() ? "" : ", ") + Text(rate);
-  return Text(result["sample_rate"]) + " (available: " + others + ")\n";
+  return Text(result["sample_rate"]) + " (available: " + Joined(result["available"]) + ")\n";
 }
 
 std::string ShowLatency(const Json& result) {

@@ -19,6 +19,7 @@
 #include "state_document/document.h"
 #include "terminal/table.h"
 #include "tools/commands.h"
+#include "tools/environment.h"
 #include "tools/failure.h"
 
 namespace tool {
@@ -27,11 +28,6 @@ namespace {
 constexpr const char* kVariable = "NETWORKGRPC_DEVICES";
 constexpr const char* kAll = "all";
 using Devices = std::map<std::string, Device>;
-
-std::string Variable(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
 
 // What may be missing, before what overrides it.
 std::vector<std::string> DefaultFiles() {
@@ -137,7 +133,7 @@ class File {
   const std::string name;
 };
 
-Json List(const std::vector<Device>& devices) {
+Json ListDevices(const std::vector<Device>& devices) {
   Json list = Json::array();
   for (const Device& it : devices)
     list.push_back({{"name", it.name},
@@ -148,7 +144,7 @@ Json List(const std::vector<Device>& devices) {
   return {{"devices", list}};
 }
 
-std::string ShowList(const Json& result) {
+std::string ShowDevices(const Json& result) {
   terminal::Table table({"NAME", "NETWORK-MANAGER", "DAPI", "HOST", "FILE"});
   for (const Json& it : result["devices"])
     table.Add({it["name"], it["network_manager"], it["dapi"], it["host"], it["file"]});
@@ -199,8 +195,8 @@ std::vector<Device> FindDevices(const std::string& names) {
 void AddDevices(Tool& tool) {
   tool.AddVerb(tool.Top(), "devices",
                {"List the devices that --on can name",
-                [] { return List(ReadDevices()); },
-                ShowList,
+                [] { return ListDevices(ReadDevices()); },
+                ShowDevices,
                 {"networkgrpc devices"}});
 }
 

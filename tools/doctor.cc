@@ -147,7 +147,7 @@ Json Versions(bool dante_replies) {
   return versions;
 }
 
-Json Clock(bool dante_replies) { return dante_replies ? ReadPtp()["clock"] : Json(); }
+Json ClockState(bool dante_replies) { return dante_replies ? ReadPtp()["clock"] : Json(); }
 
 // Empty if the daemon fails; that is a finding.
 Json Try(Json (*read)(bool), bool replies, Daemon daemon, Findings& findings, Json otherwise) {
@@ -171,7 +171,7 @@ Json Try(Json (*read)(bool), bool replies, Daemon daemon, Findings& findings, Js
   throw Failure(ExitStatus::kFailed, message).With(result);
 }
 
-Json Run(const Tool& tool) {
+Json Diagnose(const Tool& tool) {
   constexpr double kLongestCall = 5;  // a daemon that never replies must not delay the rest
   SetCallOptions({std::min(kLongestCall, tool.Timeout() / 3), 0, tool.Verbose()});
   Findings findings;
@@ -190,7 +190,7 @@ Json Run(const Tool& tool) {
   CheckRoles(result["roles"], findings);
   result["versions"] =
       Try(Versions, replies[Daemon::kDante], Daemon::kDante, findings, Versions(false));
-  result["ptp_clock"] = Try(Clock, replies[Daemon::kDante], Daemon::kDante, findings, nullptr);
+  result["ptp_clock"] = Try(ClockState, replies[Daemon::kDante], Daemon::kDante, findings, nullptr);
   CheckClock(result["ptp_clock"], findings);
   result["environment"] = Environment();
   result["problems"] = findings.List();
@@ -229,7 +229,7 @@ std::string ShowEnvironment(const Json& environment) {
   return table.Text();
 }
 
-std::string Show(const Json& result) {
+std::string ShowDiagnosis(const Json& result) {
   terminal::Table versions({"COMPONENT", "VERSION"});
   for (const auto& [name, value] : result["versions"].items()) versions.Add({name, value});
   std::string text = ShowDaemons(result["daemons"]) + "\n" + ShowRoles(result["roles"]) + "\n" +
@@ -247,8 +247,8 @@ std::string Show(const Json& result) {
 void AddDoctor(Tool& tool) {
   tool.AddVerb(tool.Top(), "doctor",
                {"Diagnose the daemons and the environment",
-                [&tool] { return Run(tool); },
-                Show,
+                [&tool] { return Diagnose(tool); },
+                ShowDiagnosis,
                 {"networkgrpc doctor"}});
 }
 

@@ -30,7 +30,7 @@
 namespace tool {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using SteadyClock = std::chrono::steady_clock;
 
 constexpr auto kPatience = std::chrono::seconds(3);
 
@@ -162,10 +162,10 @@ std::string WithDevice(const std::string& device, const std::string& lines) {
   return text;
 }
 
-// Lines of several processes, each as soon as it is whole.
-class Lines {
+// DeviceLines of several processes, each as soon as it is whole.
+class DeviceLines {
  public:
-  Lines(std::string name, Form how) : device(std::move(name)), form(how) {}
+  DeviceLines(std::string name, Form how) : device(std::move(name)), form(how) {}
 
   void Add(bool is_error, const std::string& bytes) {
     std::string& rest = is_error ? errors : output;
@@ -194,7 +194,7 @@ std::vector<int> Follow(const std::vector<Device>& devices,
   std::vector<int> statuses(devices.size());
   std::vector<std::thread> threads;
   const auto run = [&](std::size_t i) {
-    Lines lines(devices[i].name, form);
+    DeviceLines lines(devices[i].name, form);
     const auto add = [&](bool is_error, const std::string& bytes) { lines.Add(is_error, bytes); };
     try {
       statuses[i] = RunProcess(devices[i].name, arguments, running, add);
@@ -223,7 +223,7 @@ class Results {
 
   void Add(std::size_t i, Ended ended) {
     const std::lock_guard<std::mutex> lock(mutex);
-    results[i] = {std::move(ended), Clock::now()};
+    results[i] = {std::move(ended), SteadyClock::now()};
     added.notify_all();
   }
 
@@ -233,7 +233,7 @@ class Results {
     while (true) {
       const std::size_t first = FirstUnprinted();
       std::vector<std::size_t> ended;
-      auto since = Clock::time_point::max();
+      auto since = SteadyClock::time_point::max();
       for (std::size_t i = first; i < results.size(); ++i)
         if (results[i].has_value() && !results[i]->is_printed) {
           ended.push_back(i);
@@ -241,7 +241,7 @@ class Results {
         }
       if (ended.empty()) {
         added.wait(lock);
-      } else if (ended.front() == first || Clock::now() >= since + kPatience) {
+      } else if (ended.front() == first || SteadyClock::now() >= since + kPatience) {
         if (ended.front() == first) ended.resize(1);
         for (const std::size_t i : ended) results[i]->is_printed = true;
         return ended;
@@ -259,7 +259,7 @@ class Results {
  private:
   struct Result {
     Ended ended;
-    Clock::time_point when;
+    SteadyClock::time_point when;
     bool is_printed = false;
   };
 

@@ -47,9 +47,7 @@ std::string ShowLines(const Json& strings) {
 }
 
 std::string ShowSetNtp(const Json& result) {
-  std::string servers;
-  for (const Json& it : result["servers"]) servers += (servers.empty() ? "" : ", ") + Text(it);
-  return "NTP servers: " + servers + ShowApplied(result);
+  return "NTP servers: " + Joined(result["servers"]) + ShowApplied(result);
 }
 
 Json Reset(Tool& tool) {

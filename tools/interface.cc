@@ -16,7 +16,6 @@ namespace {
 
 constexpr auto kDaemon = Daemon::kNetworkManager;
 constexpr const char* kListCommand = "networkgrpc interface list";
-using Interfaces = std::vector<Interface>;
 
 struct Role {
   const client::Setting& setting;
@@ -28,7 +27,7 @@ const std::array<Role, 3> kRoles{{{client::kControlInterface, "eth0"},
 
 // As in the library, each role has the first interface of its name, and an empty name
 // disables the role.
-void AssignRoles(Interfaces& interfaces) {
+void AssignRoles(std::vector<Interface>& interfaces) {
   for (const Role& role : kRoles) {
     const std::string name = role.setting.Value();
     const auto found = std::find_if(interfaces.begin(), interfaces.end(),
@@ -46,27 +45,27 @@ Json SpeedToJson(nm::EnLinkSpeed speed) {
   return number < kSpeeds.size() ? Json(kSpeeds.at(number)) : Json();
 }
 
-Json List(const Interfaces& interfaces) {
+Json ListInterfaces(const std::vector<Interface>& interfaces) {
   Json list = Json::array();
   for (const Interface& interface : interfaces) list.push_back(ToJson(interface));
   return {{"interfaces", list}};
 }
 
-std::string ShowList(const Json& result) { return ShowInterfaces(result["interfaces"]); }
+std::string ShowInterfaceList(const Json& result) { return ShowInterfaces(result["interfaces"]); }
 
 // The second one is in use only if the switch gives it a port of its own.
-Json Dante() {
+Json DanteInterfaces() {
   constexpr int kBothDantePorts = 1;
   const bool both = ReadSwitchModeInEffect().id() == kBothDantePorts;
-  Interfaces dante;
+  std::vector<Interface> dante;
   for (const Interface& it : ReadInterfaces())
     if (it.role == client::kDantePrimaryInterface.role ||
         (both && it.role == client::kDanteSecondaryInterface.role))
       dante.push_back(it);
-  return List(dante);
+  return ListInterfaces(dante);
 }
 
-Json Control() { return List({FindRole(client::kControlInterface.role)}); }
+Json Control() { return ListInterfaces({FindRole(client::kControlInterface.role)}); }
 
 Json Mac(const std::string& name) {
   const Interface interface = FindInterface(name);
@@ -93,11 +92,9 @@ Json Stored(const std::string& name) {
 
 std::string ShowStored(const Json& result) {
   terminal::Table table;
-  std::string dns;
-  for (const std::string server : result["dns"]) dns += (dns.empty() ? "" : ", ") + server;
   for (const char* member : {"name", "mode", "ip", "netmask", "gateway"})
     table.Add({member, Text(result[member])});
-  return table.Add({"dns", dns}).Text();
+  return table.Add({"dns", Joined(result["dns"])}).Text();
 }
 
 using RunNamed = Json (*)(const std::string& name);
@@ -119,9 +116,9 @@ std::optional<bool> Interface::IsPending() const {
   return !status->flag4() || status->ip() != stored->ip() || status->netmask() != stored->netmask();
 }
 
-Interfaces ReadInterfaces() {
+std::vector<Interface> ReadInterfaces() {
   const auto known = Read(rpc::kGetAvailableInterfaces, "list the interfaces");
-  Interfaces interfaces;
+  std::vector<Interface> interfaces;
   nm::Ids ids;
   for (const auto& it : known.interfaces()) {
     ids.add_ids(it.id());
@@ -142,7 +139,7 @@ Interfaces ReadInterfaces() {
 }
 
 Interface FindInterface(const std::string& name_or_id) {
-  const Interfaces all = ReadInterfaces();
+  const std::vector<Interface> all = ReadInterfaces();
   for (const Interface& interface : all)
     if (interface.name == name_or_id) return interface;
   for (const Interface& interface : all)
@@ -231,15 +228,19 @@ void AddInterface(Tool& tool) {
       tool.AddNoun("interface", "Show and set the addresses of the network interfaces", "list");
   tool.AddVerb(noun, "list",
                {"List all interfaces",
-                [] { return List(ReadInterfaces()); },
-                ShowList,
+                [] { return ListInterfaces(ReadInterfaces()); },
+                ShowInterfaceList,
                 {"networkgrpc interface list"}});
-  tool.AddVerb(
-      noun, "dante",
-      {"List the Dante interfaces in use", Dante, ShowList, {"networkgrpc interface dante"}});
-  tool.AddVerb(
-      noun, "control",
-      {"Show the control interface", Control, ShowList, {"networkgrpc interface control --json"}});
+  tool.AddVerb(noun, "dante",
+               {"List the Dante interfaces in use",
+                DanteInterfaces,
+                ShowInterfaceList,
+                {"networkgrpc interface dante"}});
+  tool.AddVerb(noun, "control",
+               {"Show the control interface",
+                Control,
+                ShowInterfaceList,
+                {"networkgrpc interface control --json"}});
   AddNamed(tool, noun, "stored",
            {"Show the stored configuration, in effect or not",
             {},

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "state_document/json.h"
+#include "terminal/joined.h"
 #include "terminal/printable.h"
 
 namespace tool {
@@ -18,6 +20,13 @@ inline std::string Text(const Json& value) {
 /// The same, of what a daemon may not report.
 inline std::string TextOrUnknown(const Json& value) {
   return value.is_null() ? "unknown" : Text(value);
+}
+
+/// The values of a list, as Text.
+inline std::string Joined(const Json& values) {
+  std::vector<std::string> texts;
+  for (const Json& it : values) texts.push_back(Text(it));
+  return terminal::Joined(texts);
 }
 
 }  // namespace tool

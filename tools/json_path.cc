@@ -6,13 +6,13 @@ namespace tool {
 namespace {
 
 // One step of a path: the name of a member, or an entry in brackets.
-struct Step {
+struct PathStep {
   bool is_entry = false;
   std::string name;
 };
 
-std::vector<Step> Steps(const std::string& path) {
-  std::vector<Step> steps(1);
+std::vector<PathStep> SplitPath(const std::string& path) {
+  std::vector<PathStep> steps(1);
   for (const char character : path) {
     const bool inside = steps.back().is_entry;
     if (character == '[' && !inside)
@@ -22,7 +22,7 @@ std::vector<Step> Steps(const std::string& path) {
     else
       steps.back().name += character;
   }
-  const auto is_empty = [](const Step& it) { return !it.is_entry && it.name.empty(); };
+  const auto is_empty = [](const PathStep& it) { return !it.is_entry && it.name.empty(); };
   steps.erase(std::remove_if(steps.begin(), steps.end(), is_empty), steps.end());
   return steps;
 }
@@ -41,13 +41,13 @@ bool IsCalled(const Json& entry, std::size_t position, const std::string& name) 
   return entry.is_object() && entry.contains("id") && entry["id"].dump() == name;
 }
 
-void Collect(const Json& json, const std::vector<Step>& steps, std::size_t at,
+void Collect(const Json& json, const std::vector<PathStep>& steps, std::size_t at,
              std::vector<Json>& values) {
   if (at == steps.size()) {
     values.push_back(json);
     return;
   }
-  const Step& step = steps[at];
+  const PathStep& step = steps[at];
   if (!step.is_entry && json.is_object() && json.contains(step.name))
     Collect(json[step.name], steps, at + 1, values);
   if (!step.is_entry || !json.is_array()) return;
@@ -64,14 +64,14 @@ std::string EntryName(const Json& entry, std::size_t position) {
 
 std::vector<Json> ValuesAt(const Json& json, const std::string& path) {
   std::vector<Json> values;
-  if (!path.empty()) Collect(json, Steps(path), 0, values);
+  if (!path.empty()) Collect(json, SplitPath(path), 0, values);
   return values;
 }
 
 bool AreNested(const std::string& path, const std::string& other) {
-  const std::vector<Step> one = Steps(path);
-  const std::vector<Step> two = Steps(other);
-  const auto is_same = [](const Step& a, const Step& b) {
+  const std::vector<PathStep> one = SplitPath(path);
+  const std::vector<PathStep> two = SplitPath(other);
+  const auto is_same = [](const PathStep& a, const PathStep& b) {
     return a.is_entry == b.is_entry &&
            (a.name == b.name || (a.is_entry && (a.name.empty() || b.name.empty())));
   };

@@ -6,6 +6,7 @@
 
 #include "state_document/names.h"
 #include "state_document/save_file.h"
+#include "terminal/joined.h"
 #include "tools/call.h"
 #include "tools/commands.h"
 #include "tools/dante.h"
@@ -57,12 +58,6 @@ struct Part {
   Metrics metrics;
 };
 
-std::string Joined(const std::vector<std::string>& strings) {
-  std::string text;
-  for (const std::string& it : strings) text += (text.empty() ? "" : ",") + it;
-  return text;
-}
-
 void AddInterfaces(Metrics& metrics, const std::vector<Interface>& interfaces) {
   const auto labels = [](const Interface& it) {
     return Json{{"interface", it.name}, {"role", it.role}};
@@ -83,8 +78,8 @@ void ReadNetwork(Metrics& metrics) {
   metrics.Begin("network_info", "Settings of the host, as labels; always 1.")
       .Add({{"hostname", ReadHostname()},
             {"switch_mode", ReadSwitchModeInEffect().name()},
-            {"ntp", Joined(ReadNtpServers())},
-            {"dns", Joined(ReadDnsServers())},
+            {"ntp", terminal::Joined(ReadNtpServers(), ",")},
+            {"dns", terminal::Joined(ReadDnsServers(), ",")},
             {"gateway", ReadGateway()}},
            1);
 }
@@ -173,7 +168,7 @@ std::string LabelValue(const std::string& value) {
   return text;
 }
 
-std::string Show(const Json& result) {
+std::string ShowMetrics(const Json& result) {
   std::string text;
   for (const Json& metric : result["metrics"]) {
     const std::string name = metric["name"];
@@ -192,11 +187,11 @@ std::string Show(const Json& result) {
 }
 
 // A file that cannot be written is named before the daemons are asked.
-Json Run(const std::string& file) {
+Json WriteMetrics(const std::string& file) {
   try {
     if (!file.empty()) state_document::CheckSavable(file);
     Json metrics = ReadMetrics();
-    if (!file.empty()) state_document::SaveFile(file, Show(metrics), kReadableByAll);
+    if (!file.empty()) state_document::SaveFile(file, ShowMetrics(metrics), kReadableByAll);
     return metrics;
   } catch (const std::runtime_error& error) {
     throw Failure(ExitStatus::kFailed, error.what());
@@ -207,12 +202,12 @@ Json Run(const std::string& file) {
 
 void AddMetrics(Tool& tool) {
   const auto output = std::make_shared<std::string>();
-  Command verb =
-      tool.AddVerb(tool.Top(), "metrics",
-                   {"Print measurements and settings for Prometheus",
-                    [output] { return Run(*output); },
-                    [output](const Json& result) { return output->empty() ? Show(result) : ""; },
-                    {"networkgrpc metrics", "networkgrpc metrics --output networkgrpc.prom"}});
+  Command verb = tool.AddVerb(
+      tool.Top(), "metrics",
+      {"Print measurements and settings for Prometheus",
+       [output] { return WriteMetrics(*output); },
+       [output](const Json& result) { return output->empty() ? ShowMetrics(result) : ""; },
+       {"networkgrpc metrics", "networkgrpc metrics --output networkgrpc.prom"}});
   verb.Option("--output", "FILE", output.get(),
               "Write them to this file instead, which is replaced as a whole or not at all and "
               "which everyone can read")

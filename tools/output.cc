@@ -9,21 +9,21 @@ namespace {
 
 constexpr int kSchema = 3;
 
-std::string& Device() {
+std::string& NamedDevice() {
   static std::string device;
   return device;
 }
 
 Json Head(const std::string& command) {
   Json head = {{"schema", kSchema}};
-  if (!Device().empty()) head["device"] = Device();
+  if (!NamedDevice().empty()) head["device"] = NamedDevice();
   head["command"] = command;
   return head;
 }
 
 }  // namespace
 
-void SetDevice(const std::string& name) { Device() = name; }
+void SetDevice(const std::string& name) { NamedDevice() = name; }
 
 Json ResultJson(const std::string& command, const Json& result) {
   Json object = Head(command);

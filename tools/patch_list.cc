@@ -7,6 +7,7 @@
 
 #include "state_document/compare.h"
 #include "state_document/document.h"
+#include "terminal/joined.h"
 #include "tools/csv.h"
 #include "tools/failure.h"
 
@@ -28,12 +29,6 @@ Columns AllOfRouting() {
   return columns;
 }
 
-std::string Joined(const Columns& columns) {
-  std::string text;
-  for (const std::string& it : columns) text += (text.empty() ? "" : ", ") + it;
-  return text;
-}
-
 // A table whose columns are found by their names.
 class Table {
  public:
@@ -44,7 +39,7 @@ class Table {
     rows.erase(rows.begin());
     for (const std::string& it : header.fields) {
       if (std::count(known.begin(), known.end(), it) == 0)
-        Reject(header, "unknown column '" + it + "'; there can be " + Joined(known));
+        Reject(header, "unknown column '" + it + "'; there can be " + terminal::Joined(known));
       if (std::count(header.fields.begin(), header.fields.end(), it) > 1)
         Reject(header, "duplicate column '" + it + "'");
     }

@@ -21,20 +21,20 @@ constexpr double kLongestPause = 60;  // seconds
 constexpr int kMostAnswers = 10;      // attempts that daemons answer and do not carry out
 
 // Wakes when the file at a path is renamed, removed or touched, and when a process ends.
-class Watch {
+class FileWatch {
  public:
-  explicit Watch(const std::string& file, pid_t watched = 0)
+  explicit FileWatch(const std::string& file, pid_t watched = 0)
       : inotify(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)),
         process(watched != 0 ? static_cast<int>(syscall(SYS_pidfd_open, watched, 0)) : -1) {
     inotify_add_watch(inotify, file.c_str(), IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF);
   }
-  ~Watch() {
+  ~FileWatch() {
     close(inotify);
     if (process >= 0) close(process);
   }
 
-  Watch(const Watch&) = delete;
-  Watch& operator=(const Watch&) = delete;
+  FileWatch(const FileWatch&) = delete;
+  FileWatch& operator=(const FileWatch&) = delete;
 
   void Wait(double seconds) const {
     std::array<pollfd, 2> inputs{{{inotify, POLLIN, 0}, {process, POLLIN, 0}}};
@@ -58,7 +58,7 @@ class Watch {
 // process, if that is not 0.
 void WaitForDeadline(const CheckpointFile& file, double deadline, pid_t process) {
   constexpr double kLongest = 5;  // poll does not count the time in which the machine sleeps
-  const Watch watch(file.Stem() + ".open", process);
+  const FileWatch watch(file.Stem() + ".open", process);
   while (file.IsOpen() && SecondsSinceBoot() < deadline && !watch.HasEnded())
     watch.Wait(std::min(deadline - SecondsSinceBoot(), kLongest));
 }
@@ -84,7 +84,7 @@ bool RestoreUntilDone(const CheckpointFile& file,
   bool must_reload = file.Progress()["must_reload"];
   std::string problem;
   const auto save = [&] { file.SaveProgress(must_reload, problem); };
-  const Watch watch(file.Stem() + ".restoring");
+  const FileWatch watch(file.Stem() + ".restoring");
   int answers = 0;
   for (double pause = 1; answers < kMostAnswers; pause = std::min(2 * pause, kLongestPause)) {
     try {

@@ -22,7 +22,7 @@ using Link = dapi::LinkInfo;
 constexpr const char* kRequest = "the request";
 constexpr const char* kFile = "the file";
 
-Json List(const dapi::Channels& channels) {
+Json ListSubscriptions(const dapi::Channels& channels) {
   Json routing = Json::array();
   for (const Link& link : ReadRouting(channels)) {
     Json entry = ToJson(link);
@@ -41,10 +41,10 @@ Json Get(std::int32_t rx) {
                    {"channel list", {}});
   dapi::Channels one;
   *one.add_channels() = *channel;
-  return List(one)["routing"].front();
+  return ListSubscriptions(one)["routing"].front();
 }
 
-std::string ShowList(const Json& result) {
+std::string ShowSubscriptions(const Json& result) {
   terminal::Table table(
       {"RX", "NAME", "DEVICE", "CHANNEL", "STREAM", "ENCODING", "SIP", "SESSION"});
   for (const Json& it : result["routing"]) {
@@ -72,10 +72,12 @@ std::string ShowSubscription(const Json& result) {
 }
 
 std::string ShowRouting(const Json& result) {
-  return result.contains("routing") ? ShowList(result) : ShowSubscription(result);
+  return result.contains("routing") ? ShowSubscriptions(result) : ShowSubscription(result);
 }
 
-Json GetSeveral(const std::string& ids) { return List(Selected(ReadRxChannels(), ids, "receive")); }
+Json GetSeveral(const std::string& ids) {
+  return ListSubscriptions(Selected(ReadRxChannels(), ids, "receive"));
+}
 
 // One by one, as entries of "routing" in a state document.
 using EntryOf = std::function<Json(std::int32_t id, std::size_t position)>;
@@ -112,12 +114,12 @@ Json ImportCsv(Tool& tool, const std::string& file) {
 
 Json ExportCsv(const std::string& file) {
   return SavedTo(
-      file == "-" ? "" : file, [] { return List(ReadRxChannels()); },
+      file == "-" ? "" : file, [] { return ListSubscriptions(ReadRxChannels()); },
       [](const Json& result) { return RoutingToCsv(result["routing"]); });
 }
 
 // An empty name would remove the subscription.
-Json Set(int rx, const std::string& device, const std::string& channel) {
+Json Subscribe(int rx, const std::string& device, const std::string& channel) {
   if (device.empty() || channel.empty())
     throw Failure(ExitStatus::kUsage,
                   "DEVICE and CHANNEL must not be empty; see 'networkgrpc routing clear'");
@@ -237,8 +239,8 @@ void AddRouting(Tool& tool) {
   Command list = tool.AddVerb(
       noun, "list",
       {"Show what each receive channel is subscribed to",
-       [] { return List(ReadRxChannels()); },
-       [grid](const Json& result) { return *grid ? ShowGrid(result) : ShowList(result); },
+       [] { return ListSubscriptions(ReadRxChannels()); },
+       [grid](const Json& result) { return *grid ? ShowGrid(result) : ShowSubscriptions(result); },
        {"networkgrpc routing list", "networkgrpc routing list --grid"}});
   list.Flag("--grid", grid.get(), "Show a grid of receive channels and sources");
 
@@ -259,17 +261,17 @@ void AddRouting(Tool& tool) {
     std::string channel;
   };
   const auto arguments = std::make_shared<Arguments>();
-  Command set =
-      tool.AddVerb(noun, "set",
-                   {"Subscribe receive channels to transmit channels",
-                    [&tool, arguments] {
-                      const auto& [rx, device, channel] = *arguments;
-                      const auto id = SingleId(rx);
-                      return id ? Set(*id, device, channel) : SetSeveral(tool, rx, device, channel);
-                    },
-                    ShowSubscribed,
-                    {"networkgrpc routing set 1 'Stage box' 'Mic 1'",
-                     "networkgrpc routing set 5-8 'Stage box' 'Mic {1}' --yes"}});
+  Command set = tool.AddVerb(noun, "set",
+                             {"Subscribe receive channels to transmit channels",
+                              [&tool, arguments] {
+                                const auto& [rx, device, channel] = *arguments;
+                                const auto id = SingleId(rx);
+                                return id ? Subscribe(*id, device, channel)
+                                          : SetSeveral(tool, rx, device, channel);
+                              },
+                              ShowSubscribed,
+                              {"networkgrpc routing set 1 'Stage box' 'Mic 1'",
+                               "networkgrpc routing set 5-8 'Stage box' 'Mic {1}' --yes"}});
   AddReceiver(set, &arguments->rx);
   set.Argument("DEVICE", &arguments->device, "Name of the transmitting device");
   set.Argument(

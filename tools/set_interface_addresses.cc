@@ -9,9 +9,7 @@
 namespace tool {
 namespace {
 
-constexpr auto kDaemon = Daemon::kNetworkManager;
-
-struct Arguments {
+struct AddressArguments {
   bool control = false;
   bool dante_primary = false;
   bool dante_secondary = false;
@@ -29,7 +27,7 @@ struct Arguments {
 }
 
 // "10.0.0.1/24" stands for address and netmask.
-void SplitPrefix(Arguments& arguments) {
+void SplitPrefix(AddressArguments& arguments) {
   const std::size_t slash = arguments.ip.find('/');
   if (slash == std::string::npos) return;
   const std::string length = arguments.ip.substr(slash + 1);
@@ -42,7 +40,7 @@ void SplitPrefix(Arguments& arguments) {
   arguments.ip.erase(slash);
 }
 
-void Check(const Arguments& arguments) {
+void Check(const AddressArguments& arguments) {
   if (!arguments.control && !arguments.dante_primary && !arguments.dante_secondary &&
       arguments.name.empty())
     Misused("--control, --dante-primary, --dante-secondary or --name is required");
@@ -58,14 +56,14 @@ void Check(const Arguments& arguments) {
     if (!ParseIpv4(server)) Misused("DNS server '" + server + "' is not an IPv4 address");
 }
 
-Interface Target(const Arguments& arguments) {
+Interface Chosen(const AddressArguments& arguments) {
   if (!arguments.name.empty()) return FindInterface(arguments.name);
   return FindRole(arguments.control         ? client::kControlInterface.role
                   : arguments.dante_primary ? client::kDantePrimaryInterface.role
                                             : client::kDanteSecondaryInterface.role);
 }
 
-nm::InterfaceConfig Wanted(const Arguments& arguments, const Interface& target) {
+nm::InterfaceConfig Wanted(const AddressArguments& arguments, const Interface& target) {
   return WithAddresses(target, {{"mode", ModeToJson(arguments.dynamic ? nm::DYNAMIC : nm::STATIC)},
                                 {"ip", arguments.ip},
                                 {"netmask", arguments.netmask},
@@ -79,7 +77,7 @@ std::string Described(const nm::InterfaceConfig& config) {
 }
 
 // What the question names: the change, and what else a reload applies.
-std::vector<std::string> Changes(const Arguments& arguments, const Interface& target,
+std::vector<std::string> Changes(const AddressArguments& arguments, const Interface& target,
                                  const nm::InterfaceConfig& wanted) {
   std::vector<std::string> changes = {
       "interface '" + target.name + "' is " +
@@ -92,7 +90,8 @@ std::vector<std::string> Changes(const Arguments& arguments, const Interface& ta
   return changes;
 }
 
-Json Store(const Arguments& arguments, const Interface& target, const nm::InterfaceConfig& wanted) {
+Json Store(const AddressArguments& arguments, const Interface& target,
+           const nm::InterfaceConfig& wanted) {
   StoreConfiguration(target, wanted);
   Json result = {{"id", target.id}, {"name", target.name}, {"stored", true}, {"applied", false}};
   result.update(ToJson(wanted));
@@ -101,23 +100,23 @@ Json Store(const Arguments& arguments, const Interface& target, const nm::Interf
   return result;
 }
 
-Json Set(Tool& tool, Arguments arguments) {
+Json SetAddresses(Tool& tool, AddressArguments arguments) {
   SplitPrefix(arguments);
   Check(arguments);
-  const Interface target = Target(arguments);
+  const Interface target = Chosen(arguments);
   const nm::InterfaceConfig wanted = Wanted(arguments, target);
   if (target.IsActive() || arguments.reload)
     tool.Confirm([&] { return Changes(arguments, target, wanted); });
   return Store(arguments, target, wanted);
 }
 
-std::string Show(const Json& result) {
+std::string ShowAddresses(const Json& result) {
   const std::string address = AddressText(result["ip"], result["netmask"]);
   return Text(result["name"]) + ": " + Text(result["mode"]) + (address.empty() ? "" : " ") +
          Text(address) + ShowApplied(result);
 }
 
-void AddTarget(Command& verb, Arguments& arguments) {
+void AddTarget(Command& verb, AddressArguments& arguments) {
   verb.Flag("--control", &arguments.control, "Configure the control interface");
   verb.Flag("--dante-primary", &arguments.dante_primary, "Configure the Dante primary interface");
   verb.Flag("--dante-secondary", &arguments.dante_secondary,
@@ -130,12 +129,12 @@ void AddTarget(Command& verb, Arguments& arguments) {
 }  // namespace
 
 void AddInterfaceSet(Tool& tool, const Command& noun) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<AddressArguments>();
   Command verb =
       tool.AddVerb(noun, "set",
                    {"Store the addresses of an interface; to be confirmed if it is in use",
-                    [&tool, arguments] { return Set(tool, *arguments); },
-                    Show,
+                    [&tool, arguments] { return SetAddresses(tool, *arguments); },
+                    ShowAddresses,
                     {"networkgrpc interface set --control --ip 10.0.0.60/8 --yes",
                      "networkgrpc interface set --dante-primary --dynamic --reload --yes"}});
   AddTarget(verb, *arguments);
@@ -147,7 +146,7 @@ void AddInterfaceSet(Tool& tool, const Command& noun) {
   verb.Option("--dns", "ADDRESS", &arguments->dns, "DNS server; may be repeated");
   verb.Flag("--reload", &arguments->reload, "Apply the stored configuration at once");
   tool.AddYes(verb);
-  tool.Undoable(verb, kDaemon);
+  tool.Undoable(verb, Daemon::kNetworkManager);
 }
 
 }  // namespace tool

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "terminal/joined.h"
 #include "tools/call.h"
 #include "tools/interface.h"
 #include "tools/pending.h"
@@ -204,17 +205,17 @@ Json TakeSnapshot(Daemon of) {
 std::vector<std::string> NotRestoredExactly(const Json& snapshot) {
   std::vector<std::string> lines;
   if (!snapshot.contains("interfaces")) return lines;
-  std::string assigned;
+  std::vector<std::string> assigned;
   for (const Json& it : snapshot["interfaces"]) {
-    if (!it["is_static"].get<bool>())
-      assigned += (assigned.empty() ? "" : ", ") + it["name"].get<std::string>();
+    if (!it["is_static"].get<bool>()) assigned.push_back(it["name"]);
     if (it["stored"] != it["in_effect"])
       lines.push_back("not restored exactly: of interface '" + it["name"].get<std::string>() +
                       "', which has a change that is not in effect, daemons report neither mode "
                       "nor DNS servers in effect");
   }
   if (!assigned.empty())
-    lines.push_back("not restored exactly: the network may assign other addresses to " + assigned);
+    lines.push_back("not restored exactly: the network may assign other addresses to " +
+                    terminal::Joined(assigned));
   lines.emplace_back(
       "not restored exactly: whether stored NTP servers are in effect is not reported");
   return lines;

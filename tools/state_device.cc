@@ -10,7 +10,7 @@
 namespace tool {
 namespace {
 
-Json Interfaces() {
+Json StoredInterfaces() {
   Json interfaces = Json::array();
   for (const Interface& interface : ReadInterfaces()) {
     if (!interface.stored.has_value())
@@ -31,7 +31,7 @@ Json ReadNetworkState() {
   Json network = {{"hostname", ReadHostname()},
                   {"ntp", ReadNtpServers()},
                   {"switch_mode", ReadStoredSwitchMode().id()}};
-  network["interfaces"] = Interfaces();
+  network["interfaces"] = StoredInterfaces();
   return network;
 }
 

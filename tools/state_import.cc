@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* kDocument = "the document";
 
-struct Arguments {
+struct ImportArguments {
   std::string file;
   std::vector<std::string> only;
   bool skip_missing = false;
@@ -193,7 +193,7 @@ Json Run(Tool& tool, Importer& importer) {
   return importer.Run();
 }
 
-Json ImportFile(Tool& tool, const Arguments& arguments) {
+Json ImportFile(Tool& tool, const ImportArguments& arguments) {
   Json document = ReadStateFile(arguments.file);
   if (!arguments.only.empty()) document = Selected(document, arguments.only);
   Importer importer({document, ReadState, kDocument}, arguments.reload, arguments.skip_missing);
@@ -230,7 +230,7 @@ std::string ShowImport(const Json& result, const std::string& subject) {
 }
 
 void AddImport(Tool& tool) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<ImportArguments>();
   Command verb = tool.AddVerb(
       tool.Top(), "import",
       {"Apply a state document to the device",

@@ -25,7 +25,7 @@ Json SwitchMode() {
 }
 
 // Whether the stored NTP servers are in effect is not known: daemons do not report it.
-Json Network() {
+Json NetworkSummary() {
   Json interfaces = Json::array();
   const std::string hostname = ReadHostname();
   for (const auto& interface : ReadInterfaces()) interfaces.push_back(ToJson(interface));
@@ -37,7 +37,7 @@ Json Network() {
           {"interfaces", interfaces}};
 }
 
-Json Dante() {
+Json DanteSummary() {
   const std::string name = ReadDeviceName();
   const auto tx = ReadTxChannels();
   const auto links = ReadRouting(ReadRxChannels());
@@ -56,7 +56,7 @@ Json Dante() {
 }
 
 // If one daemon fails, the settings of the other are shown nevertheless.
-Json Part(Json (*read)(), std::optional<Failure>& first) {
+Json PartOrNull(Json (*read)(), std::optional<Failure>& first) {
   try {
     return read();
   } catch (const Failure& failure) {
@@ -65,22 +65,16 @@ Json Part(Json (*read)(), std::optional<Failure>& first) {
   }
 }
 
-Json Run() {
+Json ReadStatus() {
   std::optional<Failure> failure;
-  const Json network = Part(Network, failure);
-  const Json dante = Part(Dante, failure);
+  const Json network = PartOrNull(NetworkSummary, failure);
+  const Json dante = PartOrNull(DanteSummary, failure);
   const Json result = {{"network", network}, {"dante", dante}};
   if (failure.has_value()) throw failure->With(result);
   return result;
 }
 
 // --- Text ----------------------------------------------------------------------
-
-std::string Joined(const Json& strings) {
-  std::string text;
-  for (const Json& it : strings) text += (text.empty() ? "" : ", ") + Text(it);
-  return text;
-}
 
 std::string ModeText(const Json& mode) {
   const auto text = [](const Json& it) { return Text(it["id"]) + " " + Text(it["name"]); };
@@ -114,7 +108,7 @@ std::string ShowDante(const Json& dante) {
   return table.Text();
 }
 
-std::string Show(const Json& result) {
+std::string ShowStatus(const Json& result) {
   return terminal::Bold("Network") + "\n" + ShowNetwork(result["network"]) + "\n" +
          terminal::Bold("Dante") + "\n" + ShowDante(result["dante"]);
 }
@@ -123,7 +117,7 @@ std::string Show(const Json& result) {
 
 void AddStatus(Tool& tool) {
   tool.AddVerb(tool.Top(), "status",
-               {"Show a summary of all settings", Run, Show, {"networkgrpc status"}});
+               {"Show a summary of all settings", ReadStatus, ShowStatus, {"networkgrpc status"}});
 }
 
 }  // namespace tool

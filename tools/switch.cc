@@ -16,7 +16,7 @@ std::string ShowMode(const Json& mode) {
 
 nm::SwitchModes ReadModes() { return Read(rpc::kGetAvailableSwitchModes, "list the switch modes"); }
 
-Json List() {
+Json ListModes() {
   Json modes = Json::array();
   const auto all = ReadModes();
   const auto stored = ReadStoredSwitchMode();
@@ -30,7 +30,7 @@ Json List() {
   return {{"modes", modes}, {"pending", stored.id() != in_effect.id()}};
 }
 
-std::string ShowList(const Json& result) {
+std::string ShowModes(const Json& result) {
   terminal::Table table({"ID", "NAME", "STORED", "IN-EFFECT"});
   for (const Json& mode : result["modes"])
     table.Add({Text(mode["id"]), mode["name"], mode["stored"] ? "yes" : "no",
@@ -47,7 +47,7 @@ std::vector<std::string> Changes(int id) {
           std::to_string(in_effect.id()) + " " + in_effect.name()};
 }
 
-Json Set(const Tool& tool, int id) {
+Json SetMode(const Tool& tool, int id) {
   tool.Confirm([id] { return Changes(id); });
   SelectSwitchMode(id);
   return {{"id", id}};
@@ -75,7 +75,7 @@ void AddSwitch(Tool& tool) {
   const Command noun = tool.AddNoun("switch", "Show and select the switch mode", "list");
   tool.AddVerb(
       noun, "list",
-      {"List the switch modes of the device", List, ShowList, {"networkgrpc switch list"}});
+      {"List the switch modes of the device", ListModes, ShowModes, {"networkgrpc switch list"}});
   tool.AddVerb(noun, "current",
                {"Show the switch mode in effect",
                 [] { return ToJson(ReadSwitchModeInEffect()); },
@@ -90,7 +90,7 @@ void AddSwitch(Tool& tool) {
   Command set = tool.AddVerb(
       noun, "set",
       {"Select a switch mode: how the network ports are used",
-       [&tool, id] { return Set(tool, *id); },
+       [&tool, id] { return SetMode(tool, *id); },
        [](const Json& result) { return "switch mode " + Text(result["id"]) + " is stored\n"; },
        {"networkgrpc switch set 1 --yes"}});
   tool.AddYes(set);

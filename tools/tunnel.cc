@@ -17,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/environment.h"
 #include "tools/failure.h"
 #include "tools/interrupt.h"
 
@@ -35,9 +36,7 @@ bool IsPlain(const std::string& folder) {
 }
 
 std::string MakeFolder() {
-  const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-  for (const std::string& base :
-       {std::string(runtime != nullptr ? runtime : ""), std::string("/tmp")}) {
+  for (const std::string& base : {Variable("XDG_RUNTIME_DIR"), std::string("/tmp")}) {
     std::string folder = base + "/networkgrpc.XXXXXX";
     if (!base.empty() && IsPlain(base) && mkdtemp(folder.data()) != nullptr) return folder;
   }
@@ -62,17 +61,13 @@ std::string Forwarded(const std::string& endpoint) {
                 "ssh cannot forward the endpoint '" + endpoint + "': use host:port or unix:/path");
 }
 
-struct Pipe {
-  Pipe() {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0)
-      throw Failure(ExitStatus::kFailed, "cannot create a pipe for ssh");
-    read = ends[0];
-    write = ends[1];
-  }
-  int read = -1;
-  int write = -1;
-};
+// Its ends for reading and for writing.
+std::array<int, 2> MakePipe() {
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0)
+    throw Failure(ExitStatus::kFailed, "cannot create a pipe for ssh");
+  return ends;
+}
 
 // In the new process. It ends with its parent. A key of the terminal that interrupts this
 // program must not cut the connection before a change in progress is reported. It stays in
@@ -129,15 +124,15 @@ void Tunnel::Start(const Device& device, double seconds) {
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
-  const Pipe to_ssh;
-  const Pipe from_ssh;
+  const auto [ssh_input, to_ssh] = MakePipe();
+  const auto [from_ssh, ssh_output] = MakePipe();
   const pid_t parent = getpid();
   ssh = fork();
-  if (ssh == 0) RunSsh(arguments.data(), to_ssh.read, from_ssh.write, parent);
-  close(to_ssh.read);
-  close(from_ssh.write);
-  input = to_ssh.write;
-  output = from_ssh.read;
+  if (ssh == 0) RunSsh(arguments.data(), ssh_input, ssh_output, parent);
+  close(ssh_input);
+  close(ssh_output);
+  input = to_ssh;
+  output = from_ssh;
   if (ssh < 0) throw Failure(ExitStatus::kFailed, "cannot start a process for ssh");
 }
 

@@ -109,7 +109,7 @@ Json Wait(const std::vector<std::string>& wanted, double seconds) {
   }
 }
 
-std::string Show(const Json& result) {
+std::string ShowAwaited(const Json& result) {
   std::string text;
   for (const Json& it : result["missing"])
     text += "missing  " + Text(it["condition"]) + ": " + Text(it["reason"]) + "\n";
@@ -128,7 +128,7 @@ void AddWait(Tool& tool) {
       tool.AddVerb(tool.Top(), "wait",
                    {"Wait until the device is as it should be",
                     [arguments] { return Wait(arguments->wanted, arguments->timeout); },
-                    Show,
+                    ShowAwaited,
                     {"networkgrpc wait --timeout 5",
                      "networkgrpc wait --for roles --for ptp --for link:lan1 --timeout 5",
                      "networkgrpc wait --for live.interfaces[lan1].active=true"}});

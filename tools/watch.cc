@@ -22,7 +22,7 @@
 namespace tool {
 namespace {
 
-struct Arguments {
+struct WatchArguments {
   double interval = 2;  // seconds
   std::vector<std::string> only;
   std::optional<std::uint64_t> count;
@@ -30,9 +30,9 @@ struct Arguments {
 };
 
 /// Where the watchers of both daemons write, one line at a time.
-class Lines {
+class EventLines {
  public:
-  Lines(const Tool& of, const Arguments& arguments)
+  EventLines(const Tool& of, const WatchArguments& arguments)
       : tool(of), only(arguments.only), left(arguments.count) {}
 
   /// What becomes of a daemon.
@@ -113,7 +113,7 @@ class Lines {
 // Watches one daemon: what another does, or does not, is no obstacle.
 class Watcher {
  public:
-  Watcher(Lines& to, Daemon which, Json (*how)(), const Target& end)
+  Watcher(EventLines& to, Daemon which, Json (*how)(), const Target& end)
       : lines(to), daemon(which), observe(how), target(end) {}
 
   void Run(double interval) {
@@ -143,7 +143,7 @@ class Watcher {
     if (!target.path.empty() && Holds(target, now)) lines.Finish();
   }
 
-  Lines& lines;
+  EventLines& lines;
   const Daemon daemon;
   Json (*const observe)();
   const Target& target;
@@ -151,7 +151,7 @@ class Watcher {
   std::string last_error;
 };
 
-Target CheckedTarget(const Arguments& arguments) {
+Target CheckedTarget(const WatchArguments& arguments) {
   for (const std::string& path : arguments.only) CheckPath("--only", path);
   if (arguments.count == 0U) throw Failure(ExitStatus::kUsage, "--count must be at least 1");
   if (!arguments.until.has_value()) return {};
@@ -160,9 +160,9 @@ Target CheckedTarget(const Arguments& arguments) {
 }
 
 // Ends when interrupted, with success, or when nobody reads the lines any more.
-Json Run(const Tool& tool, const Arguments& arguments) {
+Json Run(const Tool& tool, const WatchArguments& arguments) {
   const Target target = CheckedTarget(arguments);
-  Lines lines(tool, arguments);
+  EventLines lines(tool, arguments);
   // timeout(1) signals twice: the second time must not end what the first time has ended.
   static const interrupt::Handler until_exit;
   const interrupt::Handler handler([&lines] { lines.End(); });
@@ -178,7 +178,7 @@ Json Run(const Tool& tool, const Arguments& arguments) {
 }  // namespace
 
 void AddWatch(Tool& tool) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<WatchArguments>();
   Command verb = tool.AddVerb(tool.Top(), "watch",
                               {"Print changes, one per line, until interrupted",
                                [&tool, arguments] { return Run(tool, *arguments); },

@@ -1,7 +1,6 @@
 #include "simulator/program/background.h"
 
 #include <fcntl.h>
-
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -16,10 +15,10 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "simulator/program/command.h"
+
 namespace simulator {
 namespace {
-
-constexpr int kSignalled = 128;
 
 [[noreturn]] void Throw(const std::string& what) {
   throw std::runtime_error(what + ": " + std::strerror(errno));
@@ -39,7 +38,7 @@ int StatusOf(pid_t process) {
   int ending = 0;
   while (waitpid(process, &ending, 0) < 0 && errno == EINTR) {
   }
-  return WIFEXITED(ending) ? WEXITSTATUS(ending) : kSignalled + WTERMSIG(ending);
+  return ExitStatusOf(ending);
 }
 
 bool IsPipe(int file) {

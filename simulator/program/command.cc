@@ -18,7 +18,6 @@ namespace {
 
 constexpr int kCannotRun = 126;
 constexpr int kNotFound = 127;
-constexpr int kSignalled = 128;
 
 std::vector<char*> Pointers(std::vector<std::string>& strings) {
   std::vector<char*> pointers;
@@ -36,11 +35,16 @@ std::string NameOf(const std::string& variable) {
 bool HasEnded(pid_t process, int& status) {
   int ending = 0;
   if (waitpid(process, &ending, WNOHANG) != process) return false;
-  status = WIFEXITED(ending) ? WEXITSTATUS(ending) : kSignalled + WTERMSIG(ending);
+  status = ExitStatusOf(ending);
   return true;
 }
 
 }  // namespace
+
+int ExitStatusOf(int ending) {
+  constexpr int kSignalled = 128;
+  return WIFEXITED(ending) ? WEXITSTATUS(ending) : kSignalled + WTERMSIG(ending);
+}
 
 Command::Command(std::vector<std::string> name_and_arguments)
     : words(std::move(name_and_arguments)) {

@@ -7,6 +7,9 @@
 
 namespace simulator {
 
+/// The exit status as a shell says it, of what wait() reports.
+int ExitStatusOf(int ending);
+
 /// A program that is started as this one was: with its environment, its blocked and
 /// its ignored signals.
 class Command {

@@ -9,7 +9,7 @@
 namespace simulator {
 namespace {
 
-using Command = std::function<Json(Simulator& device, const Json& argument)>;
+using Handler = std::function<Json(Simulator& device, const Json& argument)>;
 
 Json Calls(const Simulator& device) {
   Json calls = Json::array();
@@ -66,7 +66,7 @@ std::vector<StateChange> Changes(const Json& argument) {
 
 // A command without a result of its own.
 template <class Action>
-Command Do(Action action) {
+Handler Do(Action action) {
   return [action](Simulator& device, const Json& argument) {
     action(device, argument);
     return Json(nullptr);
@@ -74,15 +74,15 @@ Command Do(Action action) {
 }
 
 // A command for one daemon.
-Command DoTo(void (Simulator::*action)(Daemon)) {
+Handler DoTo(void (Simulator::*action)(Daemon)) {
   return Do([action](Simulator& it, const Json& name) {
     (it.*action)(DaemonOf(StringOf(name, "DAEMON")));
   });
 }
 
-const std::map<std::string, Command>& Commands() {
+const std::map<std::string, Handler>& Commands() {
   using std::string;
-  static const std::map<string, Command> commands{
+  static const std::map<string, Handler> commands{
       {"state", [](Simulator& it, const Json&) { return Json::parse(it.StateJson()); }},
       {"calls", [](Simulator& it, const Json&) { return Calls(it); }},
       {"faults", [](Simulator& it, const Json&) { return Faults(it); }},

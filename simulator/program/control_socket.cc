@@ -21,7 +21,7 @@
 namespace simulator {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using SteadyClock = std::chrono::steady_clock;
 
 // How long one client may take to send its request, and to read the answer.
 constexpr std::chrono::seconds kRequestLimit{2};
@@ -90,7 +90,7 @@ class ControlSocket::Client {
   pollfd Awaited() const {
     return {socket.Get(), static_cast<short>(answer.empty() ? POLLIN : POLLOUT), 0};
   }
-  Clock::time_point Deadline() const { return deadline; }
+  SteadyClock::time_point Deadline() const { return deadline; }
 
   /// Receives or sends what is possible without waiting. False when the client is
   /// served or cannot be.
@@ -104,7 +104,7 @@ class ControlSocket::Client {
   bool Ask(const Answer& to) {
     const std::optional<std::string> now = to(request);
     waits = !now.has_value();
-    deadline = waits ? Clock::time_point::max() : Clock::now() + kAnswerLimit;
+    deadline = waits ? SteadyClock::time_point::max() : SteadyClock::now() + kAnswerLimit;
     if (waits) return true;
     answer = *now + '\n';
     return Send();
@@ -131,7 +131,7 @@ class ControlSocket::Client {
   }
 
   Descriptor socket;
-  Clock::time_point deadline = Clock::now() + kRequestLimit;
+  SteadyClock::time_point deadline = SteadyClock::now() + kRequestLimit;
   std::string request;
   std::string answer;  // empty until there is one
   bool waits = false;  // for it, with a complete request
@@ -175,7 +175,7 @@ void ControlSocket::Run(const Answer& answer) {
     for (auto client = clients.begin(); client != clients.end(); ++i) {
       bool is_open = awaited[i].revents == 0 || client->Continue(answer);
       if (is_open && retries && client->Waits()) is_open = client->Ask(answer);
-      const bool stays = is_open && Clock::now() < client->Deadline();
+      const bool stays = is_open && SteadyClock::now() < client->Deadline();
       client = stays ? std::next(client) : clients.erase(client);
     }
     if (!accepts || awaited.back().revents == 0) continue;
@@ -188,11 +188,11 @@ void ControlSocket::Run(const Answer& answer) {
 int ControlSocket::TimeLimit(const std::list<Client>& clients, bool is_ready) {
   using std::chrono::milliseconds;
   if (clients.empty()) return is_ready ? -1 : Acceptor::kRetryMs;
-  auto first = Clock::time_point::max();
+  auto first = SteadyClock::time_point::max();
   for (const Client& client : clients) first = std::min(first, client.Deadline());
-  if (!is_ready) first = std::min(first, Clock::now() + milliseconds(Acceptor::kRetryMs));
-  if (first == Clock::time_point::max()) return -1;
-  const auto left = std::chrono::ceil<milliseconds>(first - Clock::now());
+  if (!is_ready) first = std::min(first, SteadyClock::now() + milliseconds(Acceptor::kRetryMs));
+  if (first == SteadyClock::time_point::max()) return -1;
+  const auto left = std::chrono::ceil<milliseconds>(first - SteadyClock::now());
   return static_cast<int>(std::max(left, milliseconds(0)).count());
 }
 

@@ -61,7 +61,12 @@ TARGETS = {
     ],
     "programs": ["conformance/all", "simulator/all", "tools/all", "tests/state_document/all"],
 }
-OPTIONS = ["-DCMAKE_BUILD_TYPE=None", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON", "-DNETWORKGRPC_BUILD_TESTS=ON"]
+OPTIONS = [
+    "-DCMAKE_BUILD_TYPE=None",
+    "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON",
+    "-DCMAKE_UNITY_BUILD=OFF",  # a mutant is one file
+    "-DNETWORKGRPC_BUILD_TESTS=ON",
+]
 # Most of the time would go into gRPC's headers.
 PRECOMPILED = """cmake_language(DEFER CALL target_precompile_headers networkgrpc_core PRIVATE
   <algorithm> <ostrevan/grpcdapi.grpc.pb.h> <ostrevan/networkmanager.grpc.pb.h>)
