@@ -136,10 +136,9 @@ void Checkpoint::RestoreAndThrow(const std::string& why) {
   throw Failure(ExitStatus::kFailed, why + kRestored);
 }
 
-void Checkpoint::Restore() { RestoreNow(file, std::exchange(lock, -1)); }
+void Checkpoint::Restore() { RestoreNow(file, *witness, std::exchange(lock, -1)); }
 
-void RestoreNow(const CheckpointFile& file, int lock) {
-  const Witness witness(file);
+void RestoreNow(const CheckpointFile& file, const Witness& witness, int lock) {
   file.BeginRestoring();
   file.Touch();
   LimitCalls(std::numeric_limits<double>::infinity());

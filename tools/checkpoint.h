@@ -61,8 +61,9 @@ class Checkpoint {
 };
 
 /// Restores a checkpoint that is open, being restored or abandoned, and says on standard
-/// error what holds it up. Throws if it cannot, or if the change is confirmed meanwhile.
-void RestoreNow(const CheckpointFile& file, int lock = -1);
+/// error what holds it up. Throws if it cannot, or if the change was confirmed. The witness
+/// was made before: at the deadline the rescuer may be done first.
+void RestoreNow(const CheckpointFile& file, const Witness& witness, int lock = -1);
 
 /// A line for each abandoned checkpoint.
 std::vector<std::string> AbandonedCheckpoints();

@@ -111,8 +111,9 @@ Json Confirm() {
 
 Json Rollback() {
   const CheckpointFile file = CheckpointFile::OfThisDevice();
+  const Witness witness(file);
   const std::string command = file.Read()["command"];
-  RestoreNow(file);
+  RestoreNow(file, witness);
   return {{"command", command}};
 }
 

@@ -349,6 +349,19 @@ COMMANDS
   is_as_before
 }
 
+# Which is likely on a busy machine.
+@test "Checkpoint_RescuerIsDoneFirst_IsNotTakenForAConfirmation" {
+  "$TOOL" checkpoint --timeout 3 -- bash -c "read -r <>'$BATS_TEST_TMPDIR/input'" 2>"$BATS_TEST_TMPDIR/errors" &
+  local pid=$! status=0
+  wait_until is_open
+  kill -STOP "$pid"
+  wait_until is_closed
+  kill -CONT "$pid"
+  wait "$pid" || status=$?
+  [ "$status" -eq 1 ]
+  grep -q "; what was before is restored" "$BATS_TEST_TMPDIR/errors"
+}
+
 @test "Checkpoint_CommandCannotBeRun_LeavesNone" {
   run -1 --separate-stderr tool checkpoint --timeout 9 -- /nonexistent
   [[ $stderr == *"cannot run '/nonexistent': No such file or directory" ]]
