@@ -34,6 +34,11 @@ std::string Whole(double seconds) { return std::to_string(std::lround(std::ceil(
                     "; see 'networkgrpc checkpoint', 'confirm' and 'rollback'");
 }
 
+std::string ConfirmedFromElsewhere() {
+  std::cerr << "confirmed from elsewhere\n";
+  return "";
+}
+
 }  // namespace
 
 Checkpoint::Checkpoint(Daemon of, std::string of_command, double limit)
@@ -102,7 +107,21 @@ bool Checkpoint::Waits() {
   return file.IsOpen() && SecondsLeft() > 0 && interrupt::Signal() == 0;
 }
 
+bool Checkpoint::IsConfirmed() const { return !file.Exists() && !witness->SawRestoration(); }
+
+bool Checkpoint::MayBeKept() const { return IsConfirmed() || (file.IsOpen() && SecondsLeft() > 0); }
+
 std::string Checkpoint::Settle() {
+  if (IsConfirmed()) return ConfirmedFromElsewhere();
+  if (!file.IsOpen()) {  // which of the two the device did last is not known
+    const std::string why = SecondsLeft() > 0 ? "rolled back meanwhile: " : "not confirmed: ";
+    Restore();
+    Failure failure(ExitStatus::kFailed,
+                    why + kRestored + ", but perhaps not what was changed at the same time; see " +
+                        "'networkgrpc status'");
+    failure.outcome = Outcome::kUnknown;
+    throw failure;
+  }
   const std::string how = "undone in " + Whole(SecondsLeft()) + " s unless confirmed";
   if (!terminal::HasPerson()) {
     std::cerr << "networkgrpc: the change is " + how + ": networkgrpc confirm\n";
@@ -117,11 +136,7 @@ std::string Checkpoint::Settle() {
   const char* const why = answer == terminal::Answer::kYes ? "too late: "
                           : by_another                     ? "rolled back: "
                                                            : "not confirmed: ";
-  if (!file.Exists()) {
-    if (witness->SawRestoration()) throw Failure(ExitStatus::kFailed, why + std::string(kRestored));
-    std::cerr << "confirmed from elsewhere\n";
-    return "";
-  }
+  if (IsConfirmed()) return ConfirmedFromElsewhere();
   const bool is_left = answer == terminal::Answer::kNone && SecondsLeft() > 0 && file.IsOpen();
   if (is_left && interrupt::Signal() != SIGINT && interrupt::Signal() != SIGTERM) {
     // The terminal is lost. Who has it may confirm from another one.

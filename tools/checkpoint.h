@@ -36,6 +36,8 @@ class Checkpoint {
   void BeginForThisProcess();
   bool HasBegun() const { return witness.has_value(); }
   double SecondsLeft() const;
+  /// Whether it is confirmed, or there is time left for that.
+  bool MayBeKept() const;
 
   /// Asks whether to keep the change. Without a terminal it stays open, and the result is
   /// when it ends, in UTC; else "". Throws if it was restored.
@@ -48,6 +50,7 @@ class Checkpoint {
  private:
   void Begin(pid_t process);
   bool Waits();
+  bool IsConfirmed() const;
   [[noreturn]] void RestoreAndThrow(const std::string& why);
 
   const CheckpointFile file;

@@ -51,8 +51,9 @@ std::string ShowCheckpoints(const Json& result) {
   return table.Text();
 }
 
-// Its wait status. At the deadline it receives a hangup, and is not waited for: it must not
-// hold up what is restored.
+// Its wait status. At the deadline, or when the change is rolled back before, it receives a
+// hangup, and is not waited for: it must not hold up what is restored. Once the change is
+// confirmed, it has as long as it needs.
 std::optional<int> WaitFor(pid_t child, const Checkpoint& checkpoint) {
   const interrupt::Handler handler;  // Ctrl-C is for the command
   constexpr int kPauseMs = 20;
@@ -60,15 +61,17 @@ std::optional<int> WaitFor(pid_t child, const Checkpoint& checkpoint) {
   do {
     if (waitpid(child, &status, WNOHANG) == child) return status;
     poll(nullptr, 0, kPauseMs);
-  } while (checkpoint.SecondsLeft() > 0);
+  } while (checkpoint.MayBeKept());
   kill(child, SIGHUP);
   return std::nullopt;
 }
 
 // Why the change is not to be kept; empty if it may be.
-std::string Problem(const Words& words, const std::optional<int>& status) {
+std::string Problem(const Words& words, const std::optional<int>& status, bool is_in_time) {
   const std::string command = "'" + words.front() + "'";
-  if (!status) return command + " was still running at the end of the time";
+  if (!status)
+    return command + " was still running " +
+           (is_in_time ? "when it was rolled back" : "at the end of the time");
   if (WIFSIGNALED(*status))
     return command + " was ended by signal " + std::to_string(WTERMSIG(*status));
   if (WEXITSTATUS(*status) == 0) return "";
@@ -87,12 +90,18 @@ Json RunUnderCheckpoint(Tool& tool, const Words& words, double seconds) {
     checkpoint.Discard();
     throw;
   }
-  const std::string problem = Problem(words, WaitFor(child, checkpoint));
+  const std::optional<int> status = WaitFor(child, checkpoint);
+  const std::string problem = Problem(words, status, checkpoint.SecondsLeft() > 0);
   if (problem.empty()) {
     tool.confirm_by = checkpoint.Settle();
     return {{"command", terminal::Joined(words, " ")}};
   }
-  checkpoint.Restore();
+  try {
+    checkpoint.Restore();
+  } catch (Failure& failure) {
+    failure.message = problem + "; " + failure.message;
+    throw;
+  }
   throw Failure(ExitStatus::kFailed, problem + "; what was before is restored");
 }
 

@@ -349,17 +349,55 @@ COMMANDS
   is_as_before
 }
 
+# run_command TIMEOUT COMMAND: under a checkpoint, in the background.
+run_command() {
+  "$TOOL" checkpoint --timeout "$1" -- bash -c "$2" 2>"$BATS_TEST_TMPDIR/errors" &
+  command_pid=$!
+  wait_until is_open
+}
+command_ends_with() {
+  local status=0
+  wait "$command_pid" || status=$?
+  [ "$status" -eq "$1" ] && grep -q "$2" "$BATS_TEST_TMPDIR/errors"
+}
+
 # Which is likely on a busy machine.
 @test "Checkpoint_RescuerIsDoneFirst_IsNotTakenForAConfirmation" {
-  "$TOOL" checkpoint --timeout 3 -- bash -c "read -r <>'$BATS_TEST_TMPDIR/input'" 2>"$BATS_TEST_TMPDIR/errors" &
-  local pid=$! status=0
-  wait_until is_open
-  kill -STOP "$pid"
+  run_command 3 "read -r <>'$BATS_TEST_TMPDIR/input'"
+  kill -STOP "$command_pid"
   wait_until is_closed
-  kill -CONT "$pid"
-  wait "$pid" || status=$?
-  [ "$status" -eq 1 ]
-  grep -q "; what was before is restored" "$BATS_TEST_TMPDIR/errors"
+  kill -CONT "$command_pid"
+  command_ends_with 1 "; what was before is restored"
+}
+
+@test "Rollback_CommandIsRunning_EndsIt" {
+  run_command 60 "'$TOOL' hostname set changed; read -r <>'$BATS_TEST_TMPDIR/input'"
+  run -0 tool rollback
+  command_ends_with 1 "'bash' was still running when it was rolled back; what was before is restored"
+}
+
+@test "Confirm_CommandIsRunning_LetsItEnd" {
+  run_command 3 "read -r -t 4 <>'$BATS_TEST_TMPDIR/input'; '$TOOL' hostname set changed"
+  run -0 tool confirm
+  command_ends_with 0 "confirmed from elsewhere"
+  is_renamed
+}
+
+@test "Confirm_CommandFailsAfterwards_TellsBoth" {
+  mkfifo "$BATS_TEST_TMPDIR/go"
+  run_command 60 "read -r <'$BATS_TEST_TMPDIR/go'; exit 7"
+  run -0 tool confirm
+  echo >"$BATS_TEST_TMPDIR/go"
+  command_ends_with 1 "'bash' ended with status 7; confirmed meanwhile: the change is kept"
+}
+
+@test "Rollback_DuringAChange_IsNotTakenForOneToConfirm" {
+  control fault SetHostname:delay=1000,times=1
+  "$TOOL" hostname set changed --confirm-within 60 2>"$BATS_TEST_TMPDIR/errors" </dev/null &
+  command_pid=$!
+  wait_until is_open
+  run -0 tool rollback
+  command_ends_with 1 "rolled back meanwhile: what was before is restored, but perhaps not"
 }
 
 @test "Checkpoint_CommandCannotBeRun_LeavesNone" {
