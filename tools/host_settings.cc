@@ -67,15 +67,16 @@ Json Gateway(const std::optional<std::string>& of_interface) {
 }
 
 // A single setting: its noun alone shows it, with a value sets it.
+// Not in a conditional expression: if the call throws, code of GCC 12 uses the list too late.
+Json HostnameAsJson() { return {{"hostname", ReadHostname()}}; }
+
 void AddHostname(Tool& tool) {
   const auto name = std::make_shared<std::optional<std::string>>();
   const auto show_set = [](const Json& result) {
     return "host name is set to '" + Text(result["hostname"]) + "'\n";
   };
   Verb setting{"Show or set the host name",
-               [name] {
-                 return *name ? SetHostnameTo(**name) : Json{{"hostname", ReadHostname()}};
-               },
+               [name] { return *name ? SetHostnameTo(**name) : HostnameAsJson(); },
                [name, show_set](const Json& result) {
                  return *name ? show_set(result) : Text(result["hostname"]) + "\n";
                },
