@@ -151,6 +151,19 @@ void Checkpoint::RestoreAndThrow(const std::string& why) {
   throw Failure(ExitStatus::kFailed, why + kRestored);
 }
 
+void Checkpoint::RestoreAfter(Failure& failure) {
+  try {
+    Restore();
+    failure.message += std::string("; ") + kRestored;
+    failure.result = nullptr;
+  } catch (const Failure& other) {
+    failure.message += "; " + other.message;
+    if (other.outcome != Outcome::kPartly) return;
+    failure.outcome = Outcome::kPartly;
+    failure.result = nullptr;
+  }
+}
+
 void Checkpoint::Restore() { RestoreNow(file, *witness, std::exchange(lock, -1)); }
 
 void RestoreNow(const CheckpointFile& file, const Witness& witness, int lock) {

@@ -9,6 +9,7 @@
 
 #include "tools/checkpoint_file.h"
 #include "tools/daemon.h"
+#include "tools/failure.h"
 #include "tools/json.h"
 
 namespace tool {
@@ -44,13 +45,14 @@ class Checkpoint {
   std::string Settle();
   /// Nothing was changed.
   void Discard() const;
-  /// Restores now. Throws if it cannot.
-  void Restore();
+  /// Restores now, and adds to the failure what has become of the change.
+  void RestoreAfter(Failure& failure);
 
  private:
   void Begin(pid_t process);
   bool Waits();
   bool IsConfirmed() const;
+  void Restore();
   [[noreturn]] void RestoreAndThrow(const std::string& why);
 
   const CheckpointFile file;

@@ -96,13 +96,9 @@ Json RunUnderCheckpoint(Tool& tool, const Words& words, double seconds) {
     tool.confirm_by = checkpoint.Settle();
     return {{"command", terminal::Joined(words, " ")}};
   }
-  try {
-    checkpoint.Restore();
-  } catch (Failure& failure) {
-    failure.message = problem + "; " + failure.message;
-    throw;
-  }
-  throw Failure(ExitStatus::kFailed, problem + "; what was before is restored");
+  Failure failure(ExitStatus::kFailed, problem);
+  checkpoint.RestoreAfter(failure);
+  throw failure;
 }
 
 Json Confirm() {

@@ -236,9 +236,7 @@ Json Tool::RunVerb(const Verb& verb) {
     if (checkpoint->HasBegun() && failure.outcome == Outcome::kNotDone) {
       checkpoint->Discard();
     } else if (checkpoint->HasBegun()) {
-      checkpoint->Restore();
-      failure.message += "; what was before is restored";
-      failure.result = nullptr;
+      checkpoint->RestoreAfter(failure);
     }
     throw;
   }

@@ -392,6 +392,15 @@ command_ends_with() {
   command_ends_with 1 "'bash' ended with status 7; confirmed meanwhile: the change is kept"
 }
 
+@test "Confirm_ChangeThenFailsHalfWay_TellsBoth" {
+  control fault ReloadNetworkConfig:status=INTERNAL,delay=2000
+  "$TOOL" interface set --control --ip 10.0.0.60/8 --reload --yes --confirm-within 60 2>"$BATS_TEST_TMPDIR/errors" &
+  command_pid=$!
+  wait_until is_open
+  run -0 tool confirm
+  command_ends_with 5 "INTERNAL.*; confirmed meanwhile: the change is kept"
+}
+
 @test "Rollback_DuringAChange_IsNotTakenForOneToConfirm" {
   control fault SetHostname:delay=1000,times=1
   "$TOOL" hostname set changed --confirm-within 60 2>"$BATS_TEST_TMPDIR/errors" </dev/null &
