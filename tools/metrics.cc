@@ -3,6 +3,7 @@
 #include <array>
 #include <iterator>
 #include <memory>
+#include <vector>
 
 #include "state_document/names.h"
 #include "state_document/save_file.h"
@@ -176,11 +177,11 @@ std::string ShowMetrics(const Json& result) {
     text += "# HELP " + name + " " + metric["help"].get<std::string>() + "\n";
     text += "# TYPE " + name + " " + metric["type"].get<std::string>() + "\n";
     for (const Json& sample : metric["samples"]) {
-      std::string labels;
+      std::vector<std::string> labels;
       for (const auto& [label, value] : sample["labels"].items())
-        labels += (labels.empty() ? "" : ",") + label + "=\"" + LabelValue(value) + "\"";
-      text +=
-          name + (labels.empty() ? "" : "{" + labels + "}") + " " + sample["value"].dump() + "\n";
+        labels.push_back(label + "=\"" + LabelValue(value) + "\"");
+      text += name + (labels.empty() ? "" : "{" + terminal::Joined(labels, ",") + "}") + " " +
+              sample["value"].dump() + "\n";
     }
   }
   return text;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <iostream>
 #include <optional>
+#include <utility>
 
 #include "state_document/compare.h"
 #include "state_document/document.h"
@@ -32,8 +33,8 @@ Columns AllOfRouting() {
 // A table whose columns are found by their names.
 class Table {
  public:
-  Table(const std::string& file, const Columns& required, const Columns& known)
-      : name(file), rows(ParseCsv(ReadText(), name)) {
+  Table(std::string file, const Columns& required, const Columns& known)
+      : name(std::move(file)), rows(ParseCsv(ReadText(), name)) {
     if (rows.empty()) throw std::runtime_error(name + ": the header line is missing");
     header = std::move(rows.front());
     rows.erase(rows.begin());

@@ -1,5 +1,6 @@
 #include "tools/snapshot.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "terminal/joined.h"
@@ -111,17 +112,17 @@ bool IsStored(const Interface& now, const Json& entry) {
 
 bool NeedsReload(const std::vector<Interface>& interfaces, const Json& snapshot) {
   if (ReadSwitchModeInEffect().id() != snapshot["switch_mode_in_effect"]) return true;
-  for (const Json& entry : snapshot["interfaces"]) {
+  const Json& entries = snapshot["interfaces"];
+  return std::any_of(entries.begin(), entries.end(), [&](const Json& entry) {
     const Interface* const now = Find(interfaces, entry);
-    if (now == nullptr) continue;
+    if (now == nullptr) return false;
     const bool is_dynamic = !entry["is_static"].get<bool>();
     const bool was_pending = entry["stored"] != entry["in_effect"];
     if (!IsInEffect(*now, entry)) return true;
     // Gateway and DNS of a static address, and dynamic modes, are not reported.
-    if (!IsStored(*now, entry) && (is_dynamic || !was_pending) && !now->IsPending().value_or(false))
-      return true;
-  }
-  return false;
+    return !IsStored(*now, entry) && (is_dynamic || !was_pending) &&
+           !now->IsPending().value_or(false);
+  });
 }
 
 void StoreInterfaces(const std::vector<Interface>& interfaces, const Json& snapshot,

@@ -145,10 +145,14 @@ void Tunnel::AwaitReady(const std::string& host) {
     if (size < 0 && errno == EINTR) continue;
     if (size <= 0) break;
     if (character == '\n' && line == "ready") return;
-    line = character == '\n' ? "" : line + character;
+    if (character == '\n')
+      line.clear();
+    else
+      line += character;
   }
   const pid_t process = ssh.exchange(0);
-  while (process == 0) pause();  // a signal ends this process
+  // A signal ends this process. NOLINTNEXTLINE(bugprone-infinite-loop)
+  while (process == 0) pause();
   int status = 0;
   waitpid(process, &status, 0);
   const bool has_exited = WIFEXITED(status);

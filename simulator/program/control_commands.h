@@ -30,9 +30,9 @@ namespace simulator {
 std::optional<std::string> AnswerControlRequest(std::vector<Simulator>& devices,
                                                 const std::string& request);
 
-/// Carries out one command except wait, on a device by its number from 1 on. Throws
-/// std::exception.
-Json Perform(std::vector<Simulator>& devices, std::int64_t device, const std::string& command,
+/// Carries out the command of this name, except wait, on a device by its number from 1 on.
+/// Throws std::exception.
+Json Perform(std::vector<Simulator>& devices, std::int64_t device, const std::string& name,
              const Json& argument);
 
 /// Throws std::exception if the command cannot have the argument.

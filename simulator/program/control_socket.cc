@@ -171,16 +171,21 @@ void ControlSocket::Run(const Answer& answer) {
     if (awaited[0].revents != 0) return;
     std::uint64_t times = 0;
     const bool retries = awaited[1].revents != 0 && read(retrying.Get(), &times, sizeof times) > 0;
-    std::size_t i = 2;
-    for (auto client = clients.begin(); client != clients.end(); ++i) {
-      bool is_open = awaited[i].revents == 0 || client->Continue(answer);
-      if (is_open && retries && client->Waits()) is_open = client->Ask(answer);
-      const bool stays = is_open && SteadyClock::now() < client->Deadline();
-      client = stays ? std::next(client) : clients.erase(client);
-    }
+    Continue(clients, awaited.data() + 2, retries, answer);
     if (!accepts || awaited.back().revents == 0) continue;
     Descriptor accepted = acceptor.Accept(listening.Get());
     if (accepted.IsOpen()) clients.emplace_back(std::move(accepted));
+  }
+}
+
+// With what poll found about each of them. Those that are done are removed.
+void ControlSocket::Continue(std::list<Client>& clients, const pollfd* found, bool retries,
+                             const Answer& answer) {
+  for (auto client = clients.begin(); client != clients.end(); ++found) {
+    bool is_open = found->revents == 0 || client->Continue(answer);
+    if (is_open && retries && client->Waits()) is_open = client->Ask(answer);
+    const bool stays = is_open && SteadyClock::now() < client->Deadline();
+    client = stays ? std::next(client) : clients.erase(client);
   }
 }
 

@@ -2,6 +2,8 @@
 // or read slowly hold up neither others nor the end.
 #pragma once
 
+#include <poll.h>
+
 #include <chrono>
 #include <functional>
 #include <list>
@@ -42,6 +44,8 @@ class ControlSocket {
   class Client;
 
   void Run(const Answer& answer);
+  static void Continue(std::list<Client>& clients, const pollfd* found, bool retries,
+                       const Answer& answer);
   static int TimeLimit(const std::list<Client>& clients, bool is_ready);
 
   std::string path;
