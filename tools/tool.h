@@ -62,7 +62,7 @@ class Tool {
     Confirm([&changes] { return changes; });
   }
   /// The same, of lines that take calls to find; not made with --yes.
-  void Confirm(const std::function<std::vector<std::string>()>& changes) const;
+  void Confirm(const std::function<std::vector<std::string>()>& find) const;
 
   /// Returns the exit status if that is all: after printing help, or why it is wrong.
   std::optional<int> Parse(const std::vector<std::string>& arguments);
