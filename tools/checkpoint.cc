@@ -104,16 +104,18 @@ double Checkpoint::SecondsLeft() const { return std::max(deadline - SecondsSince
 // Whether the question is still open. If the rescuer was killed, this process does its work.
 bool Checkpoint::Waits() {
   if (lock < 0) lock = file.Lock();
-  return file.IsOpen() && SecondsLeft() > 0 && interrupt::Signal() == 0;
+  return IsOpen() && SecondsLeft() > 0 && interrupt::Signal() == 0;
 }
 
-bool Checkpoint::IsConfirmed() const { return !file.Exists() && !witness->SawRestoration(); }
+bool Checkpoint::IsConfirmed() const { return witness->SawRemoval() && !witness->SawRestoration(); }
 
-bool Checkpoint::MayBeKept() const { return IsConfirmed() || (file.IsOpen() && SecondsLeft() > 0); }
+bool Checkpoint::IsOpen() const { return !witness->SawRemoval() && file.IsOpen(); }
+
+bool Checkpoint::MayBeKept() const { return IsConfirmed() || (IsOpen() && SecondsLeft() > 0); }
 
 std::string Checkpoint::Settle() {
   if (IsConfirmed()) return ConfirmedFromElsewhere();
-  if (!file.IsOpen()) {  // which of the two the device did last is not known
+  if (!IsOpen()) {  // which of the two the device did last is not known
     const std::string why = SecondsLeft() > 0 ? "rolled back meanwhile: " : "not confirmed: ";
     Restore();
     Failure failure(ExitStatus::kFailed,
@@ -130,14 +132,14 @@ std::string Checkpoint::Settle() {
   const interrupt::Handler handler;
   const auto answer =
       terminal::Ask("The change is " + how + ". Keep it?", [this] { return Waits(); });
-  if (answer == terminal::Answer::kYes && file.Confirm()) return "";
+  if (answer == terminal::Answer::kYes && IsOpen() && file.Confirm()) return "";
   if (answer != terminal::Answer::kYes) std::cerr << '\n';
-  const bool by_another = SecondsLeft() > 0 && !file.IsOpen();
+  const bool by_another = SecondsLeft() > 0 && !IsOpen();
   const char* const why = answer == terminal::Answer::kYes ? "too late: "
                           : by_another                     ? "rolled back: "
                                                            : "not confirmed: ";
   if (IsConfirmed()) return ConfirmedFromElsewhere();
-  const bool is_left = answer == terminal::Answer::kNone && SecondsLeft() > 0 && file.IsOpen();
+  const bool is_left = answer == terminal::Answer::kNone && SecondsLeft() > 0 && IsOpen();
   if (is_left && interrupt::Signal() != SIGINT && interrupt::Signal() != SIGTERM) {
     // The terminal is lost. Who has it may confirm from another one.
     std::cerr << "networkgrpc: the change is " + how + ": networkgrpc confirm\n";
@@ -167,7 +169,7 @@ void Checkpoint::RestoreAfter(Failure& failure) {
 void Checkpoint::Restore() { RestoreNow(file, *witness, std::exchange(lock, -1)); }
 
 void RestoreNow(const CheckpointFile& file, const Witness& witness, int lock) {
-  file.BeginRestoring();
+  if (!witness.SawRemoval()) file.BeginRestoring();
   file.Touch();
   LimitCalls(std::numeric_limits<double>::infinity());
   std::string last;
@@ -176,7 +178,7 @@ void RestoreNow(const CheckpointFile& file, const Witness& witness, int lock) {
     std::cerr << ErrorLine("cannot restore yet: " + problem + "; trying again");
     last = problem;
   };
-  while (lock < 0 && (lock = file.Lock()) < 0 && file.Exists()) {
+  while (lock < 0 && !witness.SawRemoval() && (lock = file.Lock()) < 0) {
     report(file.Progress()["problem"].get<std::string>());
     constexpr int kPauseMs = 50;  // the end of the process that has the lock is no event
     poll(nullptr, 0, kPauseMs);

@@ -52,6 +52,7 @@ class Checkpoint {
   void Begin(pid_t process);
   bool Waits();
   bool IsConfirmed() const;
+  bool IsOpen() const;
   void Restore();
   [[noreturn]] void RestoreAndThrow(const std::string& why);
 

@@ -248,6 +248,11 @@ Witness::~Witness() {
   if (descriptor >= 0) close(descriptor);
 }
 
+bool Witness::SawRemoval() const {
+  struct stat status {};
+  return fstat(descriptor, &status) != 0 || status.st_nlink == 0;
+}
+
 bool Witness::SawRestoration() const {
   struct stat status {};
   return fstat(descriptor, &status) == 0 && status.st_mtime == 0;

@@ -77,6 +77,8 @@ class Witness {
   Witness(const Witness&) = delete;
   Witness& operator=(const Witness&) = delete;
 
+  /// Whether it was removed. Another one of the same name may have been made since.
+  bool SawRemoval() const;
   /// Whether it was removed because what was before is restored.
   bool SawRestoration() const;
 

@@ -392,6 +392,17 @@ command_ends_with() {
   command_ends_with 1 "'bash' ended with status 7; confirmed meanwhile: the change is kept"
 }
 
+@test "Confirm_CommandFailsAfterwards_LeavesAnotherCheckpoint" {
+  mkfifo "$BATS_TEST_TMPDIR/go"
+  run_command 60 "read -r <'$BATS_TEST_TMPDIR/go'; exit 7"
+  run -0 tool confirm
+  tool hostname set changed --confirm-within 60
+  echo >"$BATS_TEST_TMPDIR/go"
+  command_ends_with 1 "'bash' ended with status 7; confirmed meanwhile: the change is kept"
+  is_open
+  is_renamed
+}
+
 @test "Confirm_ChangeThenFailsHalfWay_TellsBoth" {
   control fault ReloadNetworkConfig:status=INTERNAL,delay=2000
   "$TOOL" interface set --control --ip 10.0.0.60/8 --reload --yes --confirm-within 60 2>"$BATS_TEST_TMPDIR/errors" &
