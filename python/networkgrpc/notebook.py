@@ -21,8 +21,12 @@ def _record_html(record: Any) -> str:
     return _table(("field", "value"), ((name, repr(getattr(record, name))) for name in fields))
 
 
-for _kind in (network.InterfaceInfo, network.SwitchMode, dante.Channel, dante.ChannelLink, dante.ChannelsNum):
-    setattr(_kind, "_repr_html_", _record_html)
+def _show_as_table(*kinds: type) -> None:
+    for kind in kinds:
+        setattr(kind, "_repr_html_", _record_html)
+
+
+_show_as_table(network.InterfaceInfo, network.SwitchMode, dante.Channel, dante.ChannelLink, dante.ChannelsNum)
 
 
 class Route(typing.NamedTuple):

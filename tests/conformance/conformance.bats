@@ -17,10 +17,14 @@ daemons=("")
 keepalive=0
 conformance() { timeout 60 "$CONFORMANCE" --keepalive-seconds "$keepalive" "$@" </dev/null; }
 state() { control state | jq -S .; }
-# The results, in a file.
+# The results, in a file. Prints what failed.
 report() {
   report=$BATS_TEST_TMPDIR/report.json
-  conformance --json "$@" >"$report"
+  conformance --json "$@" >"$report" || {
+    local status=$?
+    jq '.checks[] | select(.outcome == "failed")' "$report"
+    return "$status"
+  }
 }
 has() { jq -e "$1" "$report" >/dev/null; }
 names() { jq -r ".checks[] | select(.outcome == \"$1\").name" "$report"; }
