@@ -46,6 +46,7 @@ endfunction()
 # networkgrpc_compile_option_if_known(<target> <name> <option>): an option that only some compilers
 # or architectures have, unless the user's flags contain the name.
 include(CheckCXXCompilerFlag)
+include(CheckLinkerFlag)
 function(networkgrpc_compile_option_if_known target name option)
   string(MAKE_C_IDENTIFIER "NETWORKGRPC_HAS_${name}" known)
   set(CMAKE_REQUIRED_FLAGS -Werror)
@@ -118,12 +119,18 @@ endif()
 target_link_options(networkgrpc_small INTERFACE LINKER:--gc-sections LINKER:-Bsymbolic-functions)
 
 # Static programs are made small: the linker drops what is unreachable, and lld packs
-# relocations on every architecture. The map lists what was linked.
+# relocations on every architecture. The map lists what was linked. Debian's C library for
+# 32-bit ARM has no start files for position-independent static programs.
 if(NETWORKGRPC_STATIC)
   target_link_libraries(networkgrpc_compile INTERFACE networkgrpc_small)
   find_program(NETWORKGRPC_LLD ld.lld REQUIRED)
   cmake_path(GET NETWORKGRPC_LLD PARENT_PATH folder_of_lld) # a cross compiler searches only its own
-  add_link_options(-static-pie -s -fuse-ld=lld "-B${folder_of_lld}" LINKER:--pack-dyn-relocs=relr
+  check_linker_flag(CXX -static-pie NETWORKGRPC_HAS_STATIC_PIE)
+  set(kind -static)
+  if(NETWORKGRPC_HAS_STATIC_PIE)
+    set(kind -static-pie)
+  endif()
+  add_link_options(${kind} -s -fuse-ld=lld "-B${folder_of_lld}" LINKER:--pack-dyn-relocs=relr
     "LINKER:-Map=$<TARGET_PROPERTY:NAME>.map")
   if(CMAKE_SYSROOT)
     # A cross compiler prefers its own libraries of C and C++ to the sysroot's, which has updates.
