@@ -10,7 +10,7 @@ bats_require_minimum_version 1.5.0
 table() {
   cat <<'SCRIPTS'
 packaging/build-in-chroot trixie arm64 source
-packaging/check folder 1.0 trixie arm64
+packaging/check folder 1.0 trixie arm64 short
 packaging/spdx name 1.0 amd64 --map file
 scripts/abi check --record file
 scripts/bench --quick
