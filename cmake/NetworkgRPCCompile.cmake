@@ -119,8 +119,8 @@ endif()
 target_link_options(networkgrpc_small INTERFACE LINKER:--gc-sections LINKER:-Bsymbolic-functions)
 
 # Static programs are made small: the linker drops what is unreachable, and lld packs
-# relocations on every architecture. The map lists what was linked. Debian's C library for
-# 32-bit ARM has no start files for position-independent static programs.
+# relocations on every architecture. The map lists what was linked. Not every C library has
+# the start files of position-independent static programs: Debian's for 32-bit ARM has not.
 if(NETWORKGRPC_STATIC)
   target_link_libraries(networkgrpc_compile INTERFACE networkgrpc_small)
   find_program(NETWORKGRPC_LLD ld.lld REQUIRED)
