@@ -79,21 +79,22 @@ void Checkpoint::Begin(pid_t process) {
                                   {"deadline", deadline},
                                   {"process", process},
                                   {"snapshot", snapshot}});
-  witness.emplace(file);
   try {
+    witness.emplace(file);
     StartRescuer(file, locked);
   } catch (const Failure&) {
-    Discard();
-    close(locked);
+    Discard(Witness(locked));
     throw;
   }
   close(locked);
   LimitCalls(seconds);
 }
 
-void Checkpoint::Discard() const {
+void Checkpoint::Discard() const { Discard(*witness); }
+
+void Checkpoint::Discard(const Witness& created) const {
   try {
-    file.Confirm();
+    file.Confirm(created);
   } catch (const Failure& failure) {  // why there is nothing to confirm matters more
     std::cerr << ErrorLine(failure.message);
   }
@@ -109,7 +110,7 @@ bool Checkpoint::Waits() {
 
 bool Checkpoint::IsConfirmed() const { return witness->SawRemoval() && !witness->SawRestoration(); }
 
-bool Checkpoint::IsOpen() const { return !witness->SawRemoval() && file.IsOpen(); }
+bool Checkpoint::IsOpen() const { return file.IsOpen(*witness); }
 
 bool Checkpoint::MayBeKept() const { return IsConfirmed() || (IsOpen() && SecondsLeft() > 0); }
 
@@ -132,7 +133,7 @@ std::string Checkpoint::Settle() {
   const interrupt::Handler handler;
   const auto answer =
       terminal::Ask("The change is " + how + ". Keep it?", [this] { return Waits(); });
-  if (answer == terminal::Answer::kYes && IsOpen() && file.Confirm()) return "";
+  if (answer == terminal::Answer::kYes && file.Confirm(*witness)) return "";
   if (answer != terminal::Answer::kYes) std::cerr << '\n';
   const bool by_another = SecondsLeft() > 0 && !IsOpen();
   const char* const why = answer == terminal::Answer::kYes ? "too late: "
@@ -169,7 +170,7 @@ void Checkpoint::RestoreAfter(Failure& failure) {
 void Checkpoint::Restore() { RestoreNow(file, *witness, std::exchange(lock, -1)); }
 
 void RestoreNow(const CheckpointFile& file, const Witness& witness, int lock) {
-  if (!witness.SawRemoval()) file.BeginRestoring();
+  file.BeginRestoring(witness);
   file.Touch();
   LimitCalls(std::numeric_limits<double>::infinity());
   std::string last;
@@ -183,7 +184,8 @@ void RestoreNow(const CheckpointFile& file, const Witness& witness, int lock) {
     constexpr int kPauseMs = 50;  // the end of the process that has the lock is no event
     poll(nullptr, 0, kPauseMs);
   }
-  if (lock < 0) {  // the process that had the lock has decided
+  if (witness.SawRemoval()) {  // the process that had the lock has decided
+    if (lock >= 0) close(lock);
     if (witness.SawRestoration()) return;
     throw Failure(ExitStatus::kFailed, "confirmed meanwhile: the change is kept");
   }

@@ -50,6 +50,7 @@ class Checkpoint {
 
  private:
   void Begin(pid_t process);
+  void Discard(const Witness& created) const;
   bool Waits();
   bool IsConfirmed() const;
   bool IsOpen() const;

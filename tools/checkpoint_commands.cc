@@ -103,12 +103,13 @@ Json RunUnderCheckpoint(Tool& tool, const Words& words, double seconds) {
 
 Json Confirm() {
   const CheckpointFile file = CheckpointFile::OfThisDevice();
+  const Witness witness(file);
   const std::string command = file.Read()["command"];
   const int lock = file.Lock();
   if (lock >= 0) {  // it was abandoned
     file.RemoveUnwanted();
     close(lock);
-  } else if (!file.Confirm()) {
+  } else if (!file.Confirm(witness)) {
     throw Failure(ExitStatus::kFailed, "too late: '" + command + "' is being undone");
   }
   return {{"command", command}};

@@ -1,6 +1,7 @@
 #include "tools/checkpoint_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -26,7 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // It must outlive a restart of the machine, and be the same in every session.
-std::string Folder() {
+std::string StateFolder() {
   const std::string state = Variable("XDG_STATE_HOME");
   const std::string home = Variable("HOME");
   if (!state.empty()) return state + "/networkgrpc";
@@ -80,7 +81,8 @@ bool SetLock(int descriptor, int command, struct flock& lock) {
 
 int OpenAny(const std::string& file, const std::string& other) {
   const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
-  return descriptor >= 0 ? descriptor : open(other.c_str(), O_RDONLY | O_CLOEXEC);
+  return descriptor >= 0 || errno != ENOENT ? descriptor
+                                            : open(other.c_str(), O_RDONLY | O_CLOEXEC);
 }
 
 bool IsRemoved(int descriptor) {
@@ -120,6 +122,27 @@ void SetTimes(const std::string& file, const Times& to) {
 
 bool IsFile(const std::string& file) { return access(file.c_str(), F_OK) == 0; }
 
+// While it lives, no other process gives or takes the name of a checkpoint: what was looked at
+// is what is then renamed or removed. A process that has ended holds up nobody.
+class Turn {
+ public:
+  explicit Turn(const std::string& folder)
+      : descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    while (flock(descriptor, LOCK_EX) != 0 && errno == EINTR) {
+    }
+  }
+  ~Turn() {
+    flock(descriptor, LOCK_UN);  // if it cannot be closed, the next Turn still comes
+    if (descriptor >= 0) close(descriptor);
+  }
+
+  Turn(const Turn&) = delete;
+  Turn& operator=(const Turn&) = delete;
+
+ private:
+  const int descriptor;
+};
+
 // With those above it, each of them on the disk before the next. False, with errno, if one
 // cannot be made.
 bool CreateFolder(const fs::path& folder) {
@@ -138,14 +161,14 @@ double SecondsSinceBoot() {
 }
 
 CheckpointFile CheckpointFile::OfThisDevice() {
-  return CheckpointFile(Folder() + "/" +
+  return CheckpointFile(StateFolder() + "/" +
                         Key(Endpoint(Daemon::kNetworkManager) + "\n" + Endpoint(Daemon::kDante)));
 }
 
 std::vector<CheckpointFile> CheckpointFile::All() {
   std::vector<CheckpointFile> all;
   std::error_code ignored;  // no folder: no checkpoint
-  for (const auto& entry : fs::directory_iterator(Folder(), ignored)) {
+  for (const auto& entry : fs::directory_iterator(StateFolder(), ignored)) {
     const fs::path& path = entry.path();
     if (path.extension() == ".open" || path.extension() == ".restoring")
       all.emplace_back((path.parent_path() / path.stem()).string());
@@ -157,12 +180,15 @@ bool CheckpointFile::IsOpen() const { return IsFile(Open()); }
 
 bool CheckpointFile::IsRestoring() const { return IsFile(Restoring()); }
 
+bool CheckpointFile::IsOpen(const Witness& witness) const {
+  return !witness.SawRemoval() && IsOpen();
+}
+
 bool CheckpointFile::IsAttended() const { return HasLock(Open()) || HasLock(Restoring()); }
 
 int CheckpointFile::Create(const Json& content) const {
-  const fs::path folder = fs::path(stem).parent_path();
-  if (!CreateFolder(fs::absolute(folder))) Fail("create the folder of", stem, errno);
-  chmod(folder.c_str(), S_IRWXU);  // a wireless key can be in it
+  if (!CreateFolder(fs::absolute(Folder()))) Fail("create the folder of", stem, errno);
+  chmod(Folder().c_str(), S_IRWXU);  // a wireless key can be in it
   const std::string file = stem + "." + std::to_string(getpid());
   try {
     state_document::SaveFile(file, FileText(content));
@@ -170,11 +196,15 @@ int CheckpointFile::Create(const Json& content) const {
     throw Failure(ExitStatus::kFailed, std::string("no checkpoint: ") + reason.what());
   }
   const int descriptor = OpenLocked(file);
+  const Turn turn(Folder());
   const auto rename = [&] {
-    return renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, Open().c_str(), RENAME_NOREPLACE) == 0;
+    if (!IsRestoring())
+      return renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, Open().c_str(), RENAME_NOREPLACE) == 0;
+    errno = EEXIST;
+    return false;
   };
   const bool is_renamed = descriptor >= 0 && rename();
-  if (!is_renamed || !state_document::FlushFolder(folder)) {
+  if (!is_renamed || !state_document::FlushFolder(Folder())) {
     const int reason = errno;
     unlink(is_renamed ? Open().c_str() : file.c_str());
     if (descriptor >= 0) close(descriptor);
@@ -199,14 +229,16 @@ Json CheckpointFile::Read() const {
   throw Failure(ExitStatus::kNotFound, "no checkpoint is open for this device");
 }
 
-bool CheckpointFile::Confirm() const {
-  const bool is_first = RemoveFile(Open());
+bool CheckpointFile::Confirm(const Witness& witness) const {
+  const Turn turn(Folder());
+  const bool is_first = !witness.SawRemoval() && RemoveFile(Open());
   Flush();
   return is_first;
 }
 
-bool CheckpointFile::BeginRestoring() const {
-  return rename(Open().c_str(), Restoring().c_str()) == 0;
+bool CheckpointFile::BeginRestoring(const Witness& witness) const {
+  const Turn turn(Folder());
+  return !witness.SawRemoval() && rename(Open().c_str(), Restoring().c_str()) == 0;
 }
 
 // A file of the year 1970 says so to those that have it open: see Witness.
@@ -216,14 +248,17 @@ void CheckpointFile::RemoveRestored() const {
 }
 
 void CheckpointFile::RemoveUnwanted() const {
+  const Turn turn(Folder());
   RemoveFile(Open());
   RemoveFile(Restoring());
   RemoveFile(ProgressFile());
   Flush();
 }
 
+std::string CheckpointFile::Folder() const { return fs::path(stem).parent_path().string(); }
+
 // After a power cut, what was decided is not open again.
-void CheckpointFile::Flush() const { state_document::FlushFolder(fs::path(stem).parent_path()); }
+void CheckpointFile::Flush() const { state_document::FlushFolder(Folder()); }
 
 void CheckpointFile::Touch() const { SetTimes(Restoring(), {UTIME_NOW, UTIME_OMIT}); }
 
@@ -242,7 +277,9 @@ Json CheckpointFile::Progress() const {
   return progress.is_null() ? Json{{"must_reload", false}, {"problem", ""}} : progress;
 }
 
-Witness::Witness(const CheckpointFile& file) : descriptor(OpenAny(file.Open(), file.Restoring())) {}
+Witness::Witness(const CheckpointFile& file) : descriptor(OpenAny(file.Open(), file.Restoring())) {
+  if (descriptor < 0 && errno != ENOENT) Fail("open", file.Open(), errno);
+}
 
 Witness::~Witness() {
   if (descriptor >= 0) close(descriptor);
@@ -250,7 +287,7 @@ Witness::~Witness() {
 
 bool Witness::SawRemoval() const {
   struct stat status {};
-  return fstat(descriptor, &status) != 0 || status.st_nlink == 0;
+  return descriptor < 0 || (fstat(descriptor, &status) == 0 && status.st_nlink == 0);
 }
 
 bool Witness::SawRestoration() const {

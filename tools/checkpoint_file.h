@@ -6,7 +6,8 @@
 //   KEY.progress   how far that is
 //
 // Each begins with a checksum. The process that will restore it holds a lock on the file. Without a
-// lock it is abandoned. KEY stands for the endpoints of the device.
+// lock it is abandoned. KEY stands for the endpoints of the device, so that the next checkpoint has
+// the same name: a Witness tells them apart.
 #pragma once
 
 #include <optional>
@@ -20,6 +21,8 @@ namespace tool {
 /// Seconds of a clock that no one sets, and that goes on while the machine sleeps.
 double SecondsSinceBoot();
 
+class Witness;
+
 class CheckpointFile {
  public:
   explicit CheckpointFile(std::string path_of_key) : stem(std::move(path_of_key)) {}
@@ -32,6 +35,8 @@ class CheckpointFile {
   bool IsOpen() const;
   bool IsRestoring() const;
   bool Exists() const { return IsOpen() || IsRestoring(); }
+  /// Whether it is this one, and open.
+  bool IsOpen(const Witness& witness) const;
   /// Whether a process holds the lock.
   bool IsAttended() const;
 
@@ -44,8 +49,8 @@ class CheckpointFile {
 
   /// These decide: false if another was first, or there is none. What removes a file throws
   /// if it cannot.
-  bool Confirm() const;
-  bool BeginRestoring() const;
+  bool Confirm(const Witness& witness) const;
+  bool BeginRestoring(const Witness& witness) const;
   /// For the process that has the lock: what was before is restored, or is not wanted.
   void RemoveRestored() const;
   void RemoveUnwanted() const;
@@ -59,6 +64,7 @@ class CheckpointFile {
  private:
   friend class Witness;
 
+  std::string Folder() const;
   void Flush() const;
 
   std::string Open() const { return stem + ".open"; }
@@ -71,7 +77,10 @@ class CheckpointFile {
 /// Made while there is a checkpoint, to know afterwards what has become of it.
 class Witness {
  public:
+  /// Throws if there is one that cannot be opened.
   explicit Witness(const CheckpointFile& file);
+  /// Of the file that is open as this descriptor, which it closes.
+  explicit Witness(int opened) : descriptor(opened) {}
   ~Witness();
 
   Witness(const Witness&) = delete;

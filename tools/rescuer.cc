@@ -54,12 +54,13 @@ class FileWatch {
   const int process;  // -1: none
 };
 
-// Returns at the deadline, as soon as the file is no longer open, and at the end of the
+// Returns at the deadline, as soon as the checkpoint is no longer open, and at the end of the
 // process, if that is not 0.
-void WaitForDeadline(const CheckpointFile& file, double deadline, pid_t process) {
+void WaitForDeadline(const CheckpointFile& file, const Witness& witness, double deadline,
+                     pid_t process) {
   constexpr double kLongest = 5;  // poll does not count the time in which the machine sleeps
   const FileWatch watch(file.Stem() + ".open", process);
-  while (file.IsOpen() && SecondsSinceBoot() < deadline && !watch.HasEnded())
+  while (file.IsOpen(witness) && SecondsSinceBoot() < deadline && !watch.HasEnded())
     watch.Wait(std::min(deadline - SecondsSinceBoot(), kLongest));
 }
 
@@ -106,12 +107,13 @@ int RunRescuer(const std::string& stem) {
   for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE}) std::signal(signal, SIG_IGN);
   openlog("networkgrpc", LOG_PID, LOG_DAEMON);
   const CheckpointFile file(stem);
+  const Witness witness(kLockDescriptor);
   try {
     const Json content = file.Read();
     const std::string of = "the checkpoint of '" + content["command"].get<std::string>() + "'";
-    WaitForDeadline(file, content["deadline"], content.value("process", 0));
-    file.BeginRestoring();  // unless another has begun it, or confirmed
-    if (!file.IsRestoring()) return 0;
+    WaitForDeadline(file, witness, content["deadline"], content.value("process", 0));
+    file.BeginRestoring(witness);  // unless another has begun it, or confirmed
+    if (witness.SawRemoval() || !file.IsRestoring()) return 0;
     const bool is_restored =
         RestoreUntilDone(file, [&of](const std::string& problem, double pause) {
           syslog(LOG_WARNING, "cannot restore %s yet: %s; trying again in %.0f s", of.c_str(),

@@ -33,11 +33,20 @@ abandon() {
   wait_until is_abandoned
 }
 
+has_ended() { ! kill -0 "$1" 2>/dev/null; }
+
 # Whether what runs on the terminal ends with this status.
 ends_with() {
   local status=0
   wait "$terminal_pid" || status=$?
   [ "$status" -eq "$1" ]
+}
+
+# Whether the command that runs in the background ends with this status and message.
+command_ends_with() {
+  local status=0
+  wait "$command_pid" || status=$?
+  [ "$status" -eq "$1" ] && grep -q "$2" "$BATS_TEST_TMPDIR/errors"
 }
 
 # The change of most tests, with the question behind it answered by ANSWER.
@@ -120,20 +129,33 @@ rename_and_answer() {
   is_as_before
 }
 
+# roll_back_late CALL FILE: in the background, 2 s late at that system call. Returns when it has
+# opened the file.
+roll_back_late() {
+  strace -f -o "$BATS_TEST_TMPDIR/trace" -e "trace=openat,$1" -e "inject=$1:delay_enter=2000000:when=1" \
+    "$TOOL" rollback 2>"$BATS_TEST_TMPDIR/errors" &
+  command_pid=$!
+  wait_until grep -q "$2\"" "$BATS_TEST_TMPDIR/trace"
+}
+
 @test "Rollback_ConfirmedMeanwhile_SaysThatItIsKept" {
-  local trace="$BATS_TEST_TMPDIR/trace"
   tool hostname set changed --confirm-within 60
-  strace -f -o "$trace" -e trace=openat,rename -e inject=rename:delay_enter=2000000 \
-    "$TOOL" rollback 2>"$BATS_TEST_TMPDIR/stderr" &
-  local pid=$!
-  has_read_it() { grep -q '[.]open"' "$trace"; }
-  wait_until has_read_it
+  roll_back_late flock '[.]open'
   run -0 tool confirm
-  local status=0
-  wait "$pid" || status=$?
-  [ "$status" -eq 1 ]
-  grep -qx "networkgrpc: confirmed meanwhile: the change is kept" "$BATS_TEST_TMPDIR/stderr"
+  command_ends_with 1 "^networkgrpc: confirmed meanwhile: the change is kept$"
   is_renamed
+}
+
+@test "Confirm_RollbackHasBegun_IsTooLate" {
+  remember
+  tool hostname set changed --confirm-within 60
+  control stop NetworkManager # it is not done before that is back
+  roll_back_late rename "$XDG_STATE_HOME/networkgrpc"
+  run -1 --separate-stderr tool confirm
+  [[ $stderr == *"too late: 'networkgrpc hostname set changed --confirm-within 60' is being undone" ]]
+  control start NetworkManager
+  command_ends_with 0 ""
+  is_as_before
 }
 
 @test "NoTerminal_ChangeIsMade_StaysOpenUntilConfirmed" {
@@ -356,12 +378,6 @@ run_command() {
   command_pid=$!
   wait_until is_open
 }
-command_ends_with() {
-  local status=0
-  wait "$command_pid" || status=$?
-  [ "$status" -eq "$1" ] && grep -q "$2" "$BATS_TEST_TMPDIR/errors"
-}
-
 # Which is likely on a busy machine.
 @test "Checkpoint_RescuerIsDoneFirst_IsNotTakenForAConfirmation" {
   run_command 3 "read -r <>'$BATS_TEST_TMPDIR/input'"
@@ -399,6 +415,19 @@ command_ends_with() {
   tool hostname set changed --confirm-within 60
   echo >"$BATS_TEST_TMPDIR/go"
   command_ends_with 1 "'bash' ended with status 7; confirmed meanwhile: the change is kept"
+  is_open
+  is_renamed
+}
+
+# It wakes when the next checkpoint has the name of its own.
+@test "Confirm_RescuerIsLate_LeavesAnotherCheckpoint" {
+  tool hostname set first --confirm-within 3
+  late=$(rescuer)
+  kill -STOP "$late"
+  tool confirm
+  tool hostname set changed --confirm-within 60
+  kill -CONT "$late"
+  wait_until has_ended "$late"
   is_open
   is_renamed
 }

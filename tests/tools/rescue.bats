@@ -55,7 +55,7 @@ begin_restoring() {
 # The rescuer without its pauses: each ends at once, and the file pauses tells how long it would
 # have been.
 rescue_without_pauses() {
-  strace -qq -o pauses -e trace=poll -e inject=poll:retval=0 "$TOOL" __rescue "$stem" >/dev/null 2>&1 3>&- </dev/null
+  strace -qq -o pauses -e trace=poll -e inject=poll:retval=0 "$TOOL" __rescue "$stem" >/dev/null 2>&1 3<"$stem.restoring" </dev/null
 }
 seconds_passed() { sed -n 's/.*, \([0-9]*\)) *= .*/\1/p' pauses 2>/dev/null | awk '{ sum += $1 } END { print int(sum / 1000) }'; }
 has_passed() { [ "$(seconds_passed)" -ge "$1" ]; }

@@ -23,7 +23,7 @@ kill_rescuers() {
 }
 
 # Those that can fail for want of space, memory, descriptors or permission.
-readonly calls=%file,write,fsync,close,fcntl,fchmod,fchown,socket,connect,sendmsg
+readonly calls=%file,write,fsync,close,fcntl,flock,fchmod,fchown,socket,connect,sendmsg
 
 # One of so many calls is tried, in turn: 1 tries all.
 every=${NETWORKGRPC_EVERY_NTH_CALL:-4}
@@ -75,6 +75,7 @@ cut_power() {
 has_said_why() { [ "$1" -eq 0 ] || [ "$1" -eq 137 ] || [ -s stderr ]; }
 implies() { [ "$1" -ne 0 ] || "${@:2}"; } # STATUS COMMAND...
 
+has_asked() { grep -q "unless confirmed" stderr; }
 is_renamed() { [ "$(tool hostname 2>/dev/null)" = changed ]; }
 has_checkpoint() { [ -n "$(find state -name '*.open' -o -name '*.restoring')" ]; }
 has_none() { ! has_checkpoint; }

@@ -41,7 +41,7 @@ is_alone() { grep -q 'unlink.*INJECTED' trace || [ "$(ls -A folder)" = state.jso
   is_old() { tool export 2>/dev/null | cmp -s - old; }
   before() { begin_anew && tool import old --yes >/dev/null 2>&1; }
   check() {
-    has_said_why "$1" && implies "$1" is_renamed && { is_old || has_checkpoint; } &&
+    has_said_why "$1" && implies "$1" is_renamed && implies "$1" has_asked && { is_old || has_checkpoint; } &&
       if_there rollback && has_none && is_old
   }
   for_each_call "$XDG_STATE_HOME" "$TOOL" import new.json --yes --confirm-within 60
