@@ -4,7 +4,9 @@ usage: try.py GROUP JOBS [SAMPLE SEED], in the folder of the project. See script
 """
 
 import collections
+import contextlib
 import filecmp
+import glob
 import hashlib
 import os
 import queue
@@ -22,6 +24,7 @@ from generate import generate
 FOLDER = os.path.abspath("build/mutate")
 LISTED = "tests/mutation/survivors.txt"
 LIMIT = 600  # seconds of one step: some mutants never end
+NO_LIMIT = threading.TIMEOUT_MAX
 # Steps are what is built, and the tests then run. {} is the folder of the file.
 Plan = collections.namedtuple("Plan", "files steps")
 CALLERS = "^(dante|network)[.]"
@@ -95,28 +98,41 @@ class Copy:
             file.write(PRECOMPILED)
         options = [*OPTIONS, f"-DCMAKE_PROJECT_INCLUDE={prelude}"]
         if not (
-            self.run("cmake", "--preset", "dev", "-B", self.build, *options, limit=None)
-            and self.compile(os.cpu_count(), targets, limit=None)
+            self.run("cmake", "--preset", "dev", "-B", self.build, *options, limit=NO_LIMIT)
+            and self.compile(os.cpu_count(), targets, limit=NO_LIMIT)
         ):
             sys.exit(f"mutate: cannot build the copy; see {self.log}")
 
     def run(self, *command, limit=LIMIT):
-        """Whether the command succeeds, within the limit."""
-        with open(self.log, "w", encoding="utf-8") as log:
-            process = subprocess.Popen(
-                command,
-                cwd=self.tree,
-                stdin=subprocess.DEVNULL,
-                stdout=log,
-                stderr=log,
-                start_new_session=True,
-            )
-            try:
-                return process.wait(limit) == 0
-            except subprocess.TimeoutExpired:
-                os.killpg(process.pid, signal.SIGKILL)
-                process.wait()
-                return False
+        """Whether the command succeeds, within the limit, and no test of bats fails on the way."""
+        process = subprocess.Popen(
+            command,
+            cwd=self.tree,
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+            start_new_session=True,
+        )
+        timer = threading.Timer(limit, os.killpg, (process.pid, signal.SIGKILL))
+        timer.start()
+        with open(self.log, "wb") as log, process.stdout:
+            for line in process.stdout:
+                log.write(line)
+                if re.match(rb"\d+: not ok ", line):
+                    os.killpg(process.pid, signal.SIGKILL)
+                    break
+        timer.cancel()
+        succeeded = process.wait() == 0
+        if not succeeded:
+            self.end_programs()
+        return succeeded
+
+    def end_programs(self):
+        """Ends what a test started that could not end it any more, in sessions of its own, too."""
+        for link in glob.glob("/proc/[0-9]*/exe"):
+            with contextlib.suppress(OSError):  # it has ended
+                if os.readlink(link).startswith(self.build):
+                    os.kill(int(link.split("/")[2]), signal.SIGKILL)
 
     def verdict(self, name, content, plan):
         with open(os.path.join(self.tree, name), "wb") as file:
@@ -133,7 +149,7 @@ class Copy:
         return self.run("cmake", "--build", self.build, *options, limit=limit)
 
     def passes(self, tests):
-        options = ["--no-tests=error", "--stop-on-failure", "--parallel", "2"]
+        options = ["--no-tests=error", "--stop-on-failure", "--parallel", "2", "--verbose"]
         return self.run("ctest", "--test-dir", self.build, *options, "-R", tests)
 
     def restore(self, name):
@@ -227,10 +243,11 @@ def main(group, jobs, sample=None, seed=0):
     for copy in copies:
         copy.prepare(TARGETS[group])
     made = make(group, copies[0])
-    chosen = set(made)
-    if sample:
-        chosen = set(random.Random(int(seed)).sample(sorted(made), min(int(sample), len(made))))
     explained = {key for key in listed() if any(re.match(plan.files, key) for plan in GROUPS[group])}
+    chosen = set(made)
+    if sample:  # of those that a test must notice
+        others = sorted(chosen - explained)
+        chosen = set(random.Random(int(seed)).sample(others, min(int(sample), len(others))))
 
     path = os.path.join(FOLDER, "results.tsv")
     known, done, files = read_results(path), {}, {}
