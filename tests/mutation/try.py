@@ -115,12 +115,14 @@ class Copy:
         )
         timer = threading.Timer(limit, os.killpg, (process.pid, signal.SIGKILL))
         timer.start()
+        failed = False
         with open(self.log, "wb") as log, process.stdout:
             for line in process.stdout:
                 log.write(line)
-                if re.match(rb"\d+: not ok ", line):
+                if failed and not re.match(rb"\d+: #", line):  # after the reason
                     os.killpg(process.pid, signal.SIGKILL)
                     break
+                failed = failed or re.match(rb"\d+: not ok ", line)
         timer.cancel()
         succeeded = process.wait() == 0
         if not succeeded:

@@ -135,7 +135,7 @@ roll_back_late() {
   strace -f -o "$BATS_TEST_TMPDIR/trace" -e "trace=openat,$1" -e "inject=$1:delay_enter=2000000:when=1" \
     "$TOOL" rollback 2>"$BATS_TEST_TMPDIR/errors" &
   command_pid=$!
-  wait_until grep -q "$2\"" "$BATS_TEST_TMPDIR/trace"
+  wait_until grep -qs "$2\"" "$BATS_TEST_TMPDIR/trace"
 }
 
 @test "Rollback_ConfirmedMeanwhile_SaysThatItIsKept" {
@@ -154,7 +154,7 @@ roll_back_late() {
   run -1 --separate-stderr tool confirm
   [[ $stderr == *"too late: 'networkgrpc hostname set changed --confirm-within 60' is being undone" ]]
   control start NetworkManager
-  command_ends_with 0 ""
+  wait "$command_pid"
   is_as_before
 }
 
