@@ -62,7 +62,14 @@ TARGETS = {
         f"tests/{folder}/all"
         for folder in ("allocation", "call_frame", "client", "dante", "faults", "lifecycle", "network")
     ],
-    "programs": ["conformance/all", "simulator/all", "tools/all", "tests/state_document/all"],
+    "programs": [
+        "conformance/all",
+        "networkgrpc_other_stacks",
+        "simulator/all",
+        "tests/state_document/all",
+        "tests/tools/all",
+        "tools/all",
+    ],
 }
 OPTIONS = [
     "-DCMAKE_BUILD_TYPE=None",
@@ -175,8 +182,7 @@ def work(copy, files, done, results):
             verdict = copy.verdict(name, content, plan)
             done[key] = verdict
             print(f"{verdict}\t{digest}\t{key}", file=results, flush=True)
-            if verdict == "survived":
-                print(f"mutate: {verdict}: {key}", flush=True)
+            print(f"mutate: {len(done)}: {verdict}: {key}", flush=True)
         copy.restore(name)
 
 

@@ -51,6 +51,14 @@ TEST(Merged, ListHasNoKey_IsReplaced) {
   EXPECT_EQ(Merged(from, to).dump(), R"({"network":{"hostname":"h","ntp":["c"]}})");
 }
 
+TEST(Merged, ObjectBecomesNull_IsReplaced) {
+  const Json from = Json::parse(R"({"a": {"b": 1}})");
+  const Json to = Json::parse(R"({"a": null})");
+
+  EXPECT_EQ(Merged(from, to), to);
+  EXPECT_EQ(Merged(to, from), from);
+}
+
 TEST(Merged, SubscriptionLacksMembers_TheyAreEmpty) {
   const Json from =
       Dante("routing", R"([{"rx_channel": 1, "device": "d", "channel": "c", "raw": null}])");

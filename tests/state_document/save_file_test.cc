@@ -16,6 +16,8 @@
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -28,23 +30,39 @@ using testing::IsEmpty;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
-// What was flushed: "file" or "folder". Each flush fails with `flush_error` if it
-// is not 0.
+// What was flushed: "file" or "folder".
 std::vector<std::string>& Flushed() {
   static std::vector<std::string> flushed;
   return flushed;
 }
-int flush_error = 0;
+
+const char* failing = "";  // the function that fails
+
+int Result(const char* function, long result) {
+  if (std::string_view(function) != failing) return static_cast<int>(result);
+  errno = EIO;
+  return -1;
+}
 
 }  // namespace
 
-// In place of that of the C library.
+// In place of those of the C library.
 extern "C" int fsync(int file) {
   struct stat found {};
   fstat(file, &found);
   Flushed().emplace_back(S_ISDIR(found.st_mode) ? "folder" : "file");
-  errno = flush_error;
-  return flush_error == 0 ? static_cast<int>(syscall(SYS_fsync, file)) : -1;
+  return Result("fsync", syscall(SYS_fsync, file));
+}
+extern "C" int close(int file) { return Result("close", syscall(SYS_close, file)); }
+extern "C" int fchmod(int file, mode_t mode) noexcept {
+  return Result("fchmod", syscall(SYS_fchmod, file, mode));
+}
+extern "C" int fchown(int file, uid_t user, gid_t group) noexcept {
+  return Result("fchown", syscall(SYS_fchown, file, user, group));
+}
+extern "C" int rename(const char* from, const char* to) noexcept {
+  if (std::string_view("rename") == failing) return Result("rename", 0);
+  return static_cast<int>(syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
 }
 
 namespace {
@@ -55,9 +73,12 @@ class SavedFile : public testing::Test {
     std::string pattern = testing::TempDir() + "save_file_test.XXXXXX";
     if (mkdtemp(pattern.data()) != nullptr) folder = std::filesystem::canonical(pattern);
     Flushed().clear();
-    flush_error = 0;
+    descriptors = Descriptors();
   }
-  ~SavedFile() override { std::filesystem::remove_all(folder); }
+  ~SavedFile() override {
+    EXPECT_EQ(Descriptors(), descriptors);
+    std::filesystem::remove_all(folder);
+  }
   SavedFile(const SavedFile&) = delete;
   SavedFile& operator=(const SavedFile&) = delete;
 
@@ -82,6 +103,10 @@ class SavedFile : public testing::Test {
     return names;
   }
 
+  static long Descriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  }
+
   // Why the file cannot be saved, by either function; "" if it can.
   template <class Save>
   static std::string ErrorOf(Save save) {
@@ -99,6 +124,7 @@ class SavedFile : public testing::Test {
   }
 
   std::string folder;
+  long descriptors = 0;
 };
 
 TEST_F(SavedFile, IsNew_HasTheModeOfEveryNewFile) {
@@ -216,17 +242,26 @@ TEST_F(SavedFile, IsReplaced_FileIsFlushedBeforeAndFolderAfter) {
   EXPECT_THAT(Flushed(), ElementsAre("file", "folder"));
 }
 
-TEST_F(SavedFile, FlushFails_KeepsTheOldContentAndLeavesNothing) {
-  Write("state", "old");
-  flush_error = EIO;
+TEST_F(SavedFile, StepFails_KeepsTheOldContentAndLeavesNothing) {
+  const std::pair<const char*, std::string> steps[] = {{"fchown", "set the owner of"},
+                                                       {"fchmod", "set the mode of"},
+                                                       {"fsync", "flush"},
+                                                       {"close", "close"},
+                                                       {"rename", "rename"}};
+  for (const auto& [function, step] : steps) {
+    SCOPED_TRACE(function);
+    Write("state", "old");
 
-  const std::string error = ErrorOf([&] { SaveFile(Path("state"), "new"); });
+    failing = function;
+    const std::string error = ErrorOf([&] { SaveFile(Path("state"), "new"); });
+    failing = "";
 
-  EXPECT_THAT(error, StartsWith("cannot write " + Path("state") + ": cannot flush temporary file " +
-                                Path(".networkgrpc.")));
-  EXPECT_THAT(error, HasSubstr(": Input/output error"));
-  EXPECT_EQ(Content("state"), "old");
-  EXPECT_THAT(Names(), ElementsAre("state"));
+    EXPECT_THAT(error, StartsWith("cannot write " + Path("state") + ": cannot " + step +
+                                  " temporary file " + Path(".networkgrpc.")));
+    EXPECT_THAT(error, HasSubstr(": Input/output error"));
+    EXPECT_EQ(Content("state"), "old");
+    EXPECT_THAT(Names(), ElementsAre("state"));
+  }
 }
 
 TEST_F(SavedFile, NoRoomForTheContent_KeepsTheOldContentAndLeavesNothing) {

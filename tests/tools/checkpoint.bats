@@ -163,6 +163,7 @@ roll_back_late() {
   [[ $stderr == "networkgrpc: the change is undone in 60 s unless confirmed: networkgrpc confirm" ]]
   [[ $(jq -r .confirm_by <<<"$output") == 20*Z ]]
   is_open
+  tool checkpoint --json | jq -e '.result.checkpoints[0] | .network_manager == env.network_manager_url and .dapi == env.grpc_dapi_url'
   run -0 tool confirm
   is_renamed
   is_closed
