@@ -58,12 +58,14 @@ std::optional<int> WaitFor(pid_t child, const Checkpoint& checkpoint) {
   const interrupt::Handler handler;  // Ctrl-C is for the command
   constexpr int kPauseMs = 20;
   int status = 0;
-  do {
-    if (waitpid(child, &status, WNOHANG) == child) return status;
+  while (waitpid(child, &status, WNOHANG) != child) {
+    if (!checkpoint.MayBeKept()) {
+      kill(child, SIGHUP);
+      return std::nullopt;
+    }
     poll(nullptr, 0, kPauseMs);
-  } while (checkpoint.MayBeKept());
-  kill(child, SIGHUP);
-  return std::nullopt;
+  }
+  return status;
 }
 
 // Why the change is not to be kept; empty if it may be.

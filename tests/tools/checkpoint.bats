@@ -388,6 +388,18 @@ run_command() {
   command_ends_with 1 "; what was before is restored"
 }
 
+@test "Checkpoint_CommandHasEndedInTime_IsNotSaidToRun" {
+  mkfifo "$BATS_TEST_TMPDIR/go"
+  run_command 3 "read -r <'$BATS_TEST_TMPDIR/go'"
+  kill -STOP "$command_pid"
+  echo >"$BATS_TEST_TMPDIR/go"
+  has_bash_ended() { ps -o stat=,comm= --ppid "$command_pid" | grep -q 'Z.*bash'; }
+  wait_until has_bash_ended
+  wait_until is_closed
+  kill -CONT "$command_pid"
+  command_ends_with 1 "networkgrpc: not confirmed: what was before is restored, but perhaps not"
+}
+
 @test "Rollback_CommandIsRunning_EndsIt" {
   run_command 60 "'$TOOL' hostname set changed; read -r <>'$BATS_TEST_TMPDIR/input'"
   run -0 tool rollback
