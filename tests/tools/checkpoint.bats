@@ -152,7 +152,7 @@ roll_back_late() {
   control stop NetworkManager # it is not done before that is back
   roll_back_late rename "$XDG_STATE_HOME/networkgrpc"
   run -1 --separate-stderr tool confirm
-  [[ $stderr == *"too late: 'networkgrpc hostname set changed --confirm-within 60' is being undone" ]]
+  [[ $stderr == "networkgrpc: too late: 'networkgrpc hostname set changed --confirm-within 60' is being undone" ]]
   control start NetworkManager
   wait "$command_pid"
   is_as_before
