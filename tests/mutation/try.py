@@ -253,9 +253,9 @@ def main(group, jobs, sample=None, seed=0):
     made = make(group, copies[0])
     explained = {key for key in listed() if any(re.match(plan.files, key) for plan in GROUPS[group])}
     chosen = set(made)
-    if sample:  # of those that a test must notice
-        others = sorted(chosen - explained)
-        chosen = set(random.Random(int(seed)).sample(others, min(int(sample), len(others))))
+    if sample:  # without those that no test can notice
+        chosen = set(random.Random(int(seed)).sample(sorted(made), min(int(sample), len(made))))
+        chosen -= explained
 
     path = os.path.join(FOLDER, "results.tsv")
     known, done, files = read_results(path), {}, {}
