@@ -393,7 +393,7 @@ run_command() {
   run_command 3 "read -r <'$BATS_TEST_TMPDIR/go'"
   kill -STOP "$command_pid"
   echo >"$BATS_TEST_TMPDIR/go"
-  has_bash_ended() { ps -o stat=,comm= --ppid "$command_pid" | grep -q 'Z.*bash'; }
+  has_bash_ended() { pgrep --parent "$command_pid" --runstates Z bash; }
   wait_until has_bash_ended
   wait_until is_closed
   kill -CONT "$command_pid"
