@@ -79,6 +79,9 @@ std::optional<std::int32_t> SingleId(const std::string& ids) { return Parse<std:
 dapi::Channels Selected(const dapi::Channels& all, const std::string& ids,
                         const std::string& direction) {
   if (ids == "all") return all;
+  const auto twice = [&ids](const std::string& name) {
+    return "'" + ids + "' has " + name + " twice";
+  };
   dapi::Channels selected;
   std::set<std::int32_t> seen;
   for (const auto& range : ParseRanges(ids))
@@ -88,8 +91,7 @@ dapi::Channels Selected(const dapi::Channels& all, const std::string& ids,
       if (channel == nullptr)
         throw Failure(ExitStatus::kNotFound, name + " not found; see 'networkgrpc channel list'",
                       Daemon::kDante);
-      if (!seen.insert(channel->id()).second)
-        throw Failure(ExitStatus::kUsage, "'" + ids + "' has " + name + " twice");
+      if (!seen.insert(channel->id()).second) throw Failure(ExitStatus::kUsage, twice(name));
       *selected.add_channels() = *channel;
     }
   return selected;
@@ -97,12 +99,12 @@ dapi::Channels Selected(const dapi::Channels& all, const std::string& ids,
 
 NamePattern::NamePattern(const std::string& argument, const std::string& text) : pattern(text) {
   if (text.empty()) throw Failure(ExitStatus::kUsage, argument + " must not be empty");
+  const std::string fault =
+      argument + ": '" + text +
+      "' has braces that are not {} for the id, {N} to count from N, {{ or }}";
   for (std::size_t at = 0; at < pattern.size();) {
     const auto piece = PieceAt(pattern, at, 0, 0);
-    if (!piece)
-      throw Failure(ExitStatus::kUsage,
-                    argument + ": '" + text +
-                        "' has braces that are not {} for the id, {N} to count from N, {{ or }}");
+    if (!piece) throw Failure(ExitStatus::kUsage, fault);
     at += piece->length;
   }
 }

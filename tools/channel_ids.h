@@ -24,9 +24,9 @@ ostrevan::grpcdapi::Channels Selected(const ostrevan::grpcdapi::Channels& all,
 /// for the first one, 6 for the next; "{{" and "}}" are braces.
 class NamePattern {
  public:
-  /// `argument` is what the pattern is called. Throws a Failure if the pattern is empty
-  /// or has other braces.
-  NamePattern(const std::string& argument, const std::string& pattern);
+  /// `argument` is what the text is called. Throws a Failure if the text is empty or has
+  /// other braces.
+  NamePattern(const std::string& argument, const std::string& text);
 
   std::string Name(std::int32_t id, std::size_t position) const;
 
