@@ -19,6 +19,7 @@ class SimulatedDaemon {
   SimulatedDaemon(Daemon which, SharedDevice& shared, Endpoint wanted)
       : daemon(which), device(shared), endpoint(std::move(wanted)) {
     Start();
+    endpoint = running->server.Where();
   }
 
   Daemon Which() const { return daemon; }
@@ -28,7 +29,6 @@ class SimulatedDaemon {
     const std::lock_guard<std::mutex> lock(mutex);
     if (running != nullptr || has_ended) return;
     running = std::make_unique<Running>(daemon, device, endpoint);
-    endpoint = running->server.Where();
   }
   void Stop() {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -69,10 +69,10 @@ class SimulatedDaemon {
 
   const Daemon daemon;
   SharedDevice& device;
-  std::mutex mutex;  // guards the members below
+  Endpoint endpoint;  // does not change after the first start
+  std::mutex mutex;   // guards the members below
   std::unique_ptr<Running> running;
   bool has_ended = false;
-  Endpoint endpoint;  // does not change after the first start
 };
 
 }  // namespace
