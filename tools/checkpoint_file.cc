@@ -122,7 +122,7 @@ void SetTimes(const std::string& file, const Times& to) {
 
 bool IsFile(const std::string& file) { return access(file.c_str(), F_OK) == 0; }
 
-// While it lives, no other process gives or takes the name of a checkpoint: what was looked at
+// While it lives, no other process creates, renames or removes a checkpoint: what was looked at
 // is what is then renamed or removed. A process that has ended holds up nobody.
 class Turn {
  public:

@@ -7,7 +7,7 @@
 //
 // Each begins with a checksum. The process that will restore it holds a lock on the file. Without a
 // lock it is abandoned. KEY stands for the endpoints of the device, so that the next checkpoint has
-// the same name: a Witness tells them apart.
+// the same name: a Witness distinguishes them.
 #pragma once
 
 #include <optional>

@@ -388,7 +388,7 @@ run_command() {
   command_ends_with 1 "; what was before is restored"
 }
 
-@test "Checkpoint_CommandHasEndedInTime_IsNotSaidToRun" {
+@test "Checkpoint_CommandHasEndedInTime_IsNotReportedAsRunning" {
   mkfifo "$BATS_TEST_TMPDIR/go"
   run_command 3 "read -r <'$BATS_TEST_TMPDIR/go'"
   kill -STOP "$command_pid"
