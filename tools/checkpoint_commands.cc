@@ -36,8 +36,13 @@ Json Entry(const CheckpointFile& file) {
 
 Json ListCheckpoints() {
   Json list = Json::array();
-  for (const CheckpointFile& file : CheckpointFile::All())
-    if (file.Exists()) list.push_back(Entry(file));
+  for (const CheckpointFile& file : CheckpointFile::All()) {
+    try {
+      list.push_back(Entry(file));
+    } catch (const Failure& failure) {
+      if (failure.status != ExitStatus::kNotFound) throw;  // it has ended meanwhile
+    }
+  }
   return {{"checkpoints", list}};
 }
 

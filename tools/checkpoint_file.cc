@@ -195,8 +195,8 @@ int CheckpointFile::Create(const Json& content) const {
   } catch (const std::runtime_error& reason) {
     throw Failure(ExitStatus::kFailed, std::string("no checkpoint: ") + reason.what());
   }
-  const int descriptor = OpenLocked(file);
   const Turn turn(Folder());
+  const int descriptor = OpenLocked(file);
   const auto rename = [&] {
     if (!IsRestoring())
       return renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, Open().c_str(), RENAME_NOREPLACE) == 0;

@@ -333,6 +333,14 @@ COMMANDS
   is_renamed
 }
 
+@test "List_CheckpointHasEndedMeanwhile_LeavesItOut" {
+  tool hostname set changed --confirm-within 600
+  local file
+  file="$(echo "$XDG_STATE_HOME"/networkgrpc/*.open)"
+  ASAN_OPTIONS=detect_leaks=0 run -0 --separate-stderr strace -qq -o /dev/null -P "$file" -e inject=openat:error=ENOENT "$TOOL" checkpoint
+  [ "$output" = "no checkpoint is open" ]
+}
+
 @test "SecondCheckpoint_SameDevice_IsRefusedAndNamesTheFirst" {
   tool hostname set changed --confirm-within 60
   run -1 --separate-stderr tool dante name Other --confirm-within 60
