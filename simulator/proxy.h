@@ -24,6 +24,7 @@ class Proxy : public Backend {
   void Ended(const Query& query, const std::string& fault, const Outcome& outcome) override {
     recording.Write(query, fault, outcome);
   }
+  bool IsComplete() const { return recording.IsComplete(); }
 
  private:
   grpc::GenericStub network_manager;

@@ -142,12 +142,23 @@ void RecordingFile::WriteLine(const std::string& line) {
   for (std::size_t at = 0; at < bytes.size() && !has_failed;) {
     const ssize_t size = write(file.Get(), bytes.data() + at, bytes.size() - at);
     if (size < 0 && errno == EINTR) continue;
-    has_failed = size < 0;
-    if (has_failed)
-      std::cerr << "networkgrpc-simulator: cannot write " << name << ": " << std::strerror(errno)
-                << "; the recording ends here\n";
+    if (size < 0) return End(errno);
     at += static_cast<std::size_t>(size);
   }
+  if (!has_failed) length += static_cast<off_t>(bytes.size());
+}
+
+void RecordingFile::End(int reason) {
+  has_failed = true;
+  std::cerr << "networkgrpc-simulator: cannot write " << name << ": " << std::strerror(reason)
+            << "; the recording ends here\n";
+  // Half a line would make the others useless; what cannot be cut back is no file.
+  static_cast<void>(ftruncate(file.Get(), length) == 0);
+}
+
+bool RecordingFile::IsComplete() const {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return !has_failed;
 }
 
 std::vector<RecordedCall> ReadRecording(const std::string& file) {

@@ -4,6 +4,8 @@
 //   {"number":1,"time":"...","milliseconds":0.4,"method":"DAPI.GetName",...}
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -30,17 +32,21 @@ class RecordingFile {
   /// Replaces the file. Throws std::runtime_error.
   RecordingFile(const std::string& given, bool redacts);
 
-  /// Reports the first failure on standard error.
+  /// Reports the first failure on standard error. The calls that come behind it are not recorded.
   void Write(const Query& query, const std::string& fault, const Outcome& outcome);
+  /// Whether every call until now was recorded.
+  bool IsComplete() const;
 
  private:
   void WriteLine(const std::string& line);
+  void End(int reason);
 
   const std::string name;
-  std::mutex mutex;
+  mutable std::mutex mutex;
   Descriptor file;
   std::unique_ptr<Redactor> redactor;  // null to keep everything
   std::uint64_t number = 0;
+  off_t length = 0;  // of the lines that are whole
   bool has_failed = false;
 };
 

@@ -233,6 +233,12 @@ std::shared_ptr<Replay> MakeReplay(const ProgramOptions& options) {
   return std::make_shared<Replay>(ReadRecording(options.recording));
 }
 
+std::shared_ptr<Proxy> MakeProxy(const ProgramOptions& options) {
+  if (options.log.empty()) return nullptr;
+  return std::make_shared<Proxy>(options.network_manager_url, options.dapi_url, options.log,
+                                 options.redacts);
+}
+
 // False, with an error, if calls came that are not in the recording.
 bool IsComplete(const Replay& replay) {
   const std::size_t missing = replay.Missing();
@@ -270,9 +276,8 @@ int Serve(const ProgramOptions& options) {
 
   const std::shared_ptr<Replay> replay = MakeReplay(options);
   if (replay != nullptr) prepared.front().AnswerWith(replay);
-  if (!options.log.empty())
-    prepared.front().AnswerWith(std::make_shared<Proxy>(
-        options.network_manager_url, options.dapi_url, options.log, options.redacts));
+  const std::shared_ptr<Proxy> proxy = MakeProxy(options);
+  if (proxy != nullptr) prepared.front().AnswerWith(proxy);
   const std::string path = watchers.Listen(options);
   Devices devices(watchers);
   devices.Start(prepared);
@@ -290,9 +295,11 @@ int Serve(const ProgramOptions& options) {
   }
 
   devices.End();
-  if (replay != nullptr && !IsComplete(*replay) && status == EXIT_SUCCESS) status = kFailed;
-  if (!SaveAll(devices.All(), options.saves) && status == EXIT_SUCCESS) status = kFailed;
-  return status;
+  const bool is_replayed = replay == nullptr || IsComplete(*replay);
+  const bool is_recorded = proxy == nullptr || proxy->IsComplete();
+  const bool are_saved = SaveAll(devices.All(), options.saves);
+  const bool has_failed = !is_replayed || !is_recorded || !are_saved;
+  return status == EXIT_SUCCESS && has_failed ? kFailed : status;
 }
 
 void PrintError(const std::exception& error) {

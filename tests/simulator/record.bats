@@ -79,6 +79,16 @@ networkgrpc-simulator: 1 calls were not in the recording" ]
   [ "$output" = "networkgrpc-simulator: cannot read absent.jsonl: No such file or directory" ]
 }
 
+@test "Log_CannotBeContinued_HasWholeCallsAndIsReported" {
+  start_simulator
+  run -1 --separate-stderr bash -c 'ulimit -f 1; "$0" record --log cut.jsonl -- "$1" status --json' "$SIMULATOR" "$TOOL"
+  jq -e .result.dante <<<"$output"
+  [ "$stderr" = "networkgrpc-simulator: cannot write cut.jsonl: File too large; the recording ends here" ]
+  jq -se 'length > 1' cut.jsonl
+  "$SIMULATOR" replay cut.jsonl -- true
+  run -7 bash -c 'ulimit -f 1; "$0" record --log cut.jsonl -- sh -c "$1 status; exit 7"' "$SIMULATOR" "$TOOL"
+}
+
 @test "BadCommandLines_AreNamed" {
   local words
   for words in "record" "record --log x --state y" "record --log x --devices 2" "replay" "replay x --save y" \
