@@ -1,22 +1,41 @@
-// Preloaded, makes one allocation of C++ code fail, that with the number in FAILING_ALLOCATION,
-// and creates the file "failed" when it does.
+// Preloaded, makes one allocation of C++ code fail, and creates the file "failed" when it does:
+// the first at the place with the number in FAILING_PLACE. A place is where the code
+// allocates and where that is called; they are numbered as the program comes to them.
+#include <execinfo.h>
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <atomic>
+#include <array>
 #include <cstdlib>
+#include <mutex>
 #include <new>
+#include <set>
 
 namespace {
 
-std::atomic<long> count{0};
+using Place = std::array<void*, 2>;
+
+// Whether this is the first allocation at the place that is to fail.
+bool IsToFail(const Place& place) {
+  thread_local bool is_counting = false;
+  if (is_counting) return false;  // the set's own
+  is_counting = true;
+  // Not destroyed: some allocate until the end. Not global: some do before those are made.
+  static auto& mutex = *new std::mutex;
+  static auto& places = *new std::set<Place>;
+  static const std::size_t failing = std::strtoul(std::getenv("FAILING_PLACE"), nullptr, 10);
+  const std::lock_guard<std::mutex> lock(mutex);
+  const bool is_new = places.insert(place).second;
+  is_counting = false;
+  return is_new && places.size() == failing;
+}
 
 }  // namespace
 
 void* operator new(std::size_t size) {
-  // Some allocate before this is initialized.
-  static const long failing = std::atol(std::getenv("FAILING_ALLOCATION"));
-  if (++count == failing) {
+  std::array<void*, 3> callers{};  // behind this function
+  backtrace(callers.data(), callers.size());
+  if (IsToFail({callers[1], callers[2]})) {
     close(creat("failed", S_IRUSR | S_IWUSR));
     throw std::bad_alloc();
   }

@@ -64,6 +64,26 @@ run_with() {
   } 2>/dev/null
 }
 
+# for_each_allocation COMMAND...: runs the command once for each place in its C++ code that
+# allocates, and the first allocation there fails; `before` and `check` as above. There are many:
+# fewer of them are tried.
+for_each_allocation() {
+  local place status failures=0
+  for ((place = 1; ; place += every ** 3)); do
+    before
+    rm -f failed
+    status=0
+    { # the shell reports what is killed
+      FAILING_PLACE=$place LD_PRELOAD=$FAIL_ALLOCATION timeout 60 "$@" >stdout 2>stderr </dev/null || status=$?
+    } 2>/dev/null
+    [ -e failed ] || break # it comes to fewer places
+    failures=$((failures + 1))
+    check "$status" || { echo "place $place, status $status:"; cat stderr; return 1; }
+  done
+  echo "# $failures runs" >&3
+  [ "$failures" -gt 5 ]
+}
+
 # cut_power FOLDER names|contents: leaves in the folder what is on the disk.
 cut_power() {
   kill_rescuers
@@ -71,8 +91,10 @@ cut_power() {
   python3 "$SOURCE_TREE/tests/tools/power_cut.py" "$1" on_disk trace "$2"
 }
 
-# Unless it was killed, it has said why it failed.
-has_said_why() { [ "$1" -eq 0 ] || [ "$1" -eq 137 ] || [ -s stderr ]; }
+# By a signal: it was killed, or it has aborted, as without memory gRPC does, and all before main.
+was_ended() { [ "$1" -eq 137 ] || [ "$1" -eq 134 ]; }
+# Unless it was ended, it has said why it failed.
+has_said_why() { [ "$1" -eq 0 ] || was_ended "$1" || [ -s stderr ]; }
 implies() { [ "$1" -ne 0 ] || "${@:2}"; } # STATUS COMMAND...
 
 has_asked() { grep -q "unless confirmed" stderr; }
