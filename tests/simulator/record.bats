@@ -81,12 +81,13 @@ networkgrpc-simulator: 1 calls were not in the recording" ]
 
 @test "Log_CannotBeContinued_HasWholeCallsAndIsReported" {
   start_simulator
-  run -1 --separate-stderr bash -c 'ulimit -f 1; "$0" record --log cut.jsonl -- "$1" status --json' "$SIMULATOR" "$TOOL"
+  with_small_files() (ulimit -f 1 && simulator "$@")
+  run -1 --separate-stderr with_small_files record --log cut.jsonl -- "$TOOL" status --json
   jq -e .result.dante <<<"$output"
   [ "$stderr" = "networkgrpc-simulator: cannot write cut.jsonl: File too large; the recording ends here" ]
   jq -se 'length > 1' cut.jsonl
-  "$SIMULATOR" replay cut.jsonl -- true
-  run -7 bash -c 'ulimit -f 1; "$0" record --log cut.jsonl -- sh -c "$1 status; exit 7"' "$SIMULATOR" "$TOOL"
+  simulator replay cut.jsonl -- true
+  run -7 with_small_files record --log cut.jsonl -- sh -c "'$TOOL' status; exit 7"
 }
 
 @test "BadCommandLines_AreNamed" {
