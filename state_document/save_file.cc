@@ -57,7 +57,7 @@ std::string FolderOf(const std::string& path) {
 // Where the last of the symbolic links points. Its target may be missing.
 std::string Followed(std::string path, const Failure& failure) {
   std::array<char, PATH_MAX> link{};
-  for (int links = 0; links < kMostLinks; ++links) {
+  for (int links = 0; links <= kMostLinks; ++links) {
     const ssize_t size = readlink(path.c_str(), link.data(), link.size());
     if (size < 0) return path;
     std::string next(link.data(), static_cast<std::size_t>(size));

@@ -183,6 +183,18 @@ TEST_F(SavedFile, LinkPointsToNoFile_TheFileIsMade) {
   EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
 }
 
+TEST_F(SavedFile, ChainOfLinks_IsFollowedAsFarAsTheKernelDoes) {
+  Write("0", "old");
+  for (int link = 1; link <= 41; ++link)
+    std::filesystem::create_symlink(std::to_string(link - 1), Path(std::to_string(link)));
+
+  SaveFile(Path("40"), "new");
+
+  EXPECT_EQ(Content("0"), "new");
+  EXPECT_EQ(ErrorOfSaving(Path("41")),
+            "cannot write " + Path("41") + ": Too many levels of symbolic links");
+}
+
 TEST_F(SavedFile, LinksWithoutEnd_AreRejected) {
   std::filesystem::create_symlink("link", Path("link"));
   EXPECT_EQ(ErrorOfSaving(Path("link")),
