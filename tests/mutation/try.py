@@ -23,7 +23,8 @@ from generate import generate
 
 FOLDER = os.path.abspath("build/mutate")
 LISTED = "tests/mutation/survivors.txt"
-LIMIT = 600  # seconds of one step: some mutants never end
+# Seconds of one step, and of one test of bats: some mutants never end.
+LIMIT, BATS_LIMIT = 600, 120
 NO_LIMIT = threading.TIMEOUT_MAX
 # Steps are what is built, and the tests then run. {} is the folder of the file.
 Plan = collections.namedtuple("Plan", "files steps")
@@ -115,6 +116,7 @@ class Copy:
         process = subprocess.Popen(
             command,
             cwd=self.tree,
+            env={**os.environ, "BATS_TEST_TIMEOUT": str(BATS_LIMIT)},
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
