@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <csignal>
+#include <fstream>
+#include <iterator>
 #include <memory>
 
 #include "terminal/joined.h"
@@ -56,16 +58,26 @@ std::string ShowCheckpoints(const Json& result) {
   return table.Text();
 }
 
-// Its wait status. At the deadline, or when the change is rolled back before, it receives a
-// hangup, and is not waited for: it must not hold up what is restored. Once the change is
-// confirmed, it has as long as it needs.
+// What it has started as well: a shell would leave that behind, to go on with the change. If the
+// kernel does not list it, the process alone.
+void HangUp(pid_t process) {
+  const std::string id = std::to_string(process);
+  std::ifstream list("/proc/" + id + "/task/" + id + "/children");
+  const std::vector<pid_t> children(std::istream_iterator<pid_t>(list), {});
+  kill(process, SIGHUP);
+  for (const pid_t child : children) HangUp(child);
+}
+
+// Its wait status. At the deadline, or when the change is rolled back before, it is hung up, and
+// not waited for: it must not hold up what is restored. Once the change is confirmed, it has as
+// long as it needs.
 std::optional<int> WaitFor(pid_t child, const Checkpoint& checkpoint) {
   const interrupt::Handler handler;  // Ctrl-C is for the command
   constexpr int kPauseMs = 20;
   int status = 0;
   while (waitpid(child, &status, WNOHANG) != child) {
     if (!checkpoint.MayBeKept()) {
-      kill(child, SIGHUP);
+      HangUp(child);
       return std::nullopt;
     }
     poll(nullptr, 0, kPauseMs);

@@ -374,11 +374,13 @@ COMMANDS
   is_as_before
 }
 
-@test "Checkpoint_CommandNeverEnds_IsEndedAndUndone" {
+@test "Checkpoint_CommandNeverEnds_IsEndedWithWhatItStartedAndUndone" {
   remember
-  run -1 --separate-stderr tool checkpoint --timeout 2 -- bash -c "'$TOOL' hostname set changed; read -r <>'$BATS_TEST_TMPDIR/input'"
+  run -1 --separate-stderr tool checkpoint --timeout 2 -- bash -c "'$TOOL' hostname set changed
+    tail -f /dev/null >/dev/null 2>&1 3>&- & echo \$! >'$BATS_TEST_TMPDIR/started'; wait"
   [[ $stderr == *"'bash' was still running at the end of the time; what was before is restored" ]]
   is_as_before
+  wait_until has_ended "$(cat "$BATS_TEST_TMPDIR/started")"
 }
 
 # run_command TIMEOUT COMMAND: under a checkpoint, in the background.
