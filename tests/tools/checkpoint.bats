@@ -291,8 +291,16 @@ COMMANDS
   wait_until is_as_before
 }
 
-@test "DaemonIsAway_DeadlineCame_RestoresWhenItIsBack" {
+# From now on; what would go to the system's log is in the file "log".
+use_tool_with_log() {
+  TOOL=$TOOL_WITH_LOG
+  export SYSTEM_LOG=$BATS_TEST_TMPDIR/log
+}
+of_the_change="the checkpoint of 'networkgrpc hostname set changed --confirm-within 1'"
+
+@test "DaemonIsAway_DeadlineCame_RestoresWhenItIsBackAndSaysSoInTheLog" {
   remember
+  use_tool_with_log
   tool hostname set changed --confirm-within 1
   control stop NetworkManager
   is_waiting() { tool checkpoint --json | jq -e '.result.checkpoints[0] | .state == "restoring" and (.problem | contains("cannot be reached"))'; }
@@ -300,10 +308,13 @@ COMMANDS
   control start NetworkManager
   wait_until is_as_before
   wait_until is_closed
+  [[ $(head -1 "$SYSTEM_LOG") == "cannot restore $of_the_change yet: "*"cannot be reached"*"; trying again in 1 s" ]]
+  wait_until grep -x "$of_the_change is restored" "$SYSTEM_LOG"
 }
 
 @test "DaemonRejectsTheRestoration_ManyTimes_IsAbandonedAndSaysWhy" {
   remember
+  use_tool_with_log
   tool hostname set changed --confirm-within 1
   control fault SetHostname:reject
   # A restoration that pauses goes on when its file is touched.
@@ -313,6 +324,7 @@ COMMANDS
       .state == "abandoned" and (.problem | contains("rejected SetHostname"))'
   }
   wait_until is_abandoned
+  wait_until grep -x "$of_the_change is abandoned: see 'networkgrpc checkpoint'" "$SYSTEM_LOG"
   control clear SetHostname
   run -0 tool rollback
   is_as_before
@@ -525,5 +537,22 @@ run_command() {
   remember
   XDG_STATE_HOME=/dev/null run -1 --separate-stderr tool hostname set changed --confirm-within 60
   [[ $stderr == *"cannot create the folder of the checkpoint"* ]]
+  with_small_files() (trap '' XFSZ && ulimit -f 0 && tool "$@")
+  run -1 with_small_files hostname set changed --confirm-within 60
+  [[ $output == "networkgrpc: no checkpoint: cannot write $XDG_STATE_HOME/networkgrpc/"*": File too large" ]]
   is_as_before
+}
+
+@test "Folder_IsInTheStateOfTheUser_RootHasItInVar" {
+  # is_in FOLDER VARIABLE=VALUE...: with these alone, the tool looks for checkpoints there.
+  is_in() {
+    env -i ASAN_OPTIONS=detect_leaks=0 "${@:2}" "$strace" -qq -o "$BATS_TEST_TMPDIR/trace" -e trace=openat "$TOOL" checkpoint
+    grep -F "\"$1/networkgrpc\"" "$BATS_TEST_TMPDIR/trace"
+  }
+  local strace in_home=$BATS_TEST_TMPDIR/.local/state
+  strace=$(command -v strace)
+  [ "$(id -u)" -ne 0 ] || in_home=/var/lib
+  is_in "$XDG_STATE_HOME" "HOME=$BATS_TEST_TMPDIR" "XDG_STATE_HOME=$XDG_STATE_HOME"
+  is_in "$in_home" "HOME=$BATS_TEST_TMPDIR"
+  is_in /var/lib "HOME="
 }
