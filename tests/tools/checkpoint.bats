@@ -216,11 +216,23 @@ import $BATS_TEST_TMPDIR/import.json --reload --yes
 COMMANDS
 }
 
+last_changes() { control calls | grep -oE '(Set|Reload)[A-Za-z]+' | tail -2 | tr '\n' ' '; }
+
 @test "NtpServers_RolledBack_AreAlsoInEffectAgain" {
   tool ntp set one --reload --yes --confirm-within 60
   control forget
   tool rollback
-  [ "$(control calls | grep -oE 'SetNTPServer|ReloadNTPConfig' | tail -2 | tr '\n' ' ')" = "SetNTPServer ReloadNTPConfig " ]
+  [ "$(last_changes)" = "SetNTPServer ReloadNTPConfig " ]
+}
+
+# Daemons do not report the gateway that is in effect.
+@test "Gateway_RolledBack_IsAlsoInEffectAgain" {
+  local set=(interface set --control --ip 10.0.0.60/8 --reload --yes)
+  tool "${set[@]}" --gateway 10.0.0.1
+  tool "${set[@]}" --gateway 10.0.0.2 --confirm-within 60
+  control forget
+  tool rollback
+  [ "$(last_changes)" = "SetNetworkConfig ReloadNetworkConfig " ]
 }
 
 @test "InexactRestoration_IsSaidBeforeTheChange" {

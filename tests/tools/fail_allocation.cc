@@ -23,7 +23,8 @@ bool IsToFail(const Place& place) {
   // Not destroyed: some allocate until the end. Not global: some do before those are made.
   static auto& mutex = *new std::mutex;
   static auto& places = *new std::set<Place>;
-  static const std::size_t failing = std::strtoul(std::getenv("FAILING_PLACE"), nullptr, 10);
+  static const char* const wanted = std::getenv("FAILING_PLACE");
+  static const std::size_t failing = wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 0;
   const std::lock_guard<std::mutex> lock(mutex);
   const bool is_new = places.insert(place).second;
   is_counting = false;
