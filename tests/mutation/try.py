@@ -24,7 +24,7 @@ from generate import generate
 FOLDER = os.path.abspath("build/mutate")
 LISTED = "tests/mutation/survivors.txt"
 # Seconds of one step, and of one test of bats: some mutants never end.
-LIMIT, BATS_LIMIT = 600, 120
+LIMIT, BATS_LIMIT = 600, 300
 NO_LIMIT = threading.TIMEOUT_MAX
 # Steps are what is built, and the tests then run. {} is the folder of the file.
 Plan = collections.namedtuple("Plan", "files steps")
