@@ -28,7 +28,7 @@ Check Answer(const std::string& method) {
               "",
               {}};
   if (is_read) {
-    check.expected = "Status OK and a " + MethodOf(method).reply->name;
+    check.expected = "Status OK and a reply of type " + MethodOf(method).reply->name;
     check.advice = "implement " + method + "; other checks that need it were skipped";
     check.run = [method](Session& it) { it.Read(method, RequestOf(it, method)); };
   } else if (method.compare(0, 6, "Reload") == 0) {

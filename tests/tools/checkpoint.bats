@@ -172,7 +172,7 @@ roll_back_late() {
 
 @test "NoTerminal_NotConfirmed_IsUndone" {
   remember
-  tool hostname set changed --confirm-within 1
+  tool hostname set changed --confirm-within 3
   wait_until is_as_before
   is_closed
 }
@@ -308,26 +308,26 @@ use_tool_with_log() {
   TOOL=$TOOL_WITH_LOG
   export SYSTEM_LOG=$BATS_TEST_TMPDIR/log
 }
-of_the_change="the checkpoint of 'networkgrpc hostname set changed --confirm-within 1'"
+of_the_change="the checkpoint of 'networkgrpc hostname set changed --confirm-within 3'"
 
 @test "DaemonIsAway_DeadlineCame_RestoresWhenItIsBackAndSaysSoInTheLog" {
   remember
   use_tool_with_log
-  tool hostname set changed --confirm-within 1
+  tool hostname set changed --confirm-within 3
   control stop NetworkManager
   is_waiting() { tool checkpoint --json | jq -e '.result.checkpoints[0] | .state == "restoring" and (.problem | contains("cannot be reached"))'; }
   wait_until is_waiting
   control start NetworkManager
   wait_until is_as_before
   wait_until is_closed
-  [[ $(head -1 "$SYSTEM_LOG") == "cannot restore $of_the_change yet: "*"cannot be reached"*"; trying again in 1 s" ]]
-  wait_until grep -x "$of_the_change is restored" "$SYSTEM_LOG"
+  [[ $(head -1 "$SYSTEM_LOG") == "<4>cannot restore $of_the_change yet: "*"cannot be reached"*"; trying again in 1 s" ]]
+  wait_until grep -x "<5>$of_the_change is restored" "$SYSTEM_LOG"
 }
 
 @test "DaemonRejectsTheRestoration_ManyTimes_IsAbandonedAndSaysWhy" {
   remember
   use_tool_with_log
-  tool hostname set changed --confirm-within 1
+  tool hostname set changed --confirm-within 3
   control fault SetHostname:reject
   # A restoration that pauses goes on when its file is touched.
   is_abandoned() {
@@ -336,7 +336,7 @@ of_the_change="the checkpoint of 'networkgrpc hostname set changed --confirm-wit
       .state == "abandoned" and (.problem | contains("rejected SetHostname"))'
   }
   wait_until is_abandoned
-  wait_until grep -x "$of_the_change is abandoned: see 'networkgrpc checkpoint'" "$SYSTEM_LOG"
+  wait_until grep -x "<3>$of_the_change is abandoned: see 'networkgrpc checkpoint'" "$SYSTEM_LOG"
   control clear SetHostname
   run -0 tool rollback
   is_as_before
