@@ -53,9 +53,18 @@ GROUPS = {
         ),
         Plan(
             "tools/(checkpoint|rescuer|snapshot)",
-            [(["networkgrpc"], "^tools[.]checkpoint$"), ([], "^tools[.](state|wait|torture|rescue)$")],
+            [
+                (["networkgrpc", "tool_with_log"], "^tools[.]checkpoint$"),
+                ([], "^tools[.](state|wait|torture|rescue)$"),
+            ],
         ),
-        Plan("conformance/", [(["networkgrpc-conformance"], "^conformance[.]")]),
+        Plan(
+            "conformance/",
+            [
+                (["networkgrpc-conformance"], "^conformance[.]conformance$"),
+                ([], "^conformance[.]faults$"),
+            ],
+        ),
     ],
 }
 TARGETS = {
