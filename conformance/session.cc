@@ -179,16 +179,24 @@ Reply Session::Finish(const std::string& method, const std::string& sent, Reply 
 
 const Channel& Session::Shared(tool::Daemon of) {
   const Channel& channel = tool::ChannelTo(of);
-  const auto end = std::chrono::system_clock::now() +
-                   std::chrono::milliseconds(static_cast<int>(limits.timeout * 1000));
+  const auto now = std::chrono::system_clock::now();
+  // The calls on a connection that is closed fail before the channel knows that it is.
+  if (unavailable.erase(of) != 0)
+    channel->WaitForStateChange(GRPC_CHANNEL_READY, now + std::chrono::seconds(1));
+  const auto end = now + std::chrono::milliseconds(static_cast<int>(limits.timeout * 1000));
   if (absent.count(of) == 0 && !channel->WaitForConnected(end)) absent.insert(of);
   return channel;
+}
+
+Reply Session::Noted(tool::Daemon of, Reply reply) {
+  if (reply.code == StatusCode::UNAVAILABLE) unavailable.insert(of);
+  return reply;
 }
 
 Reply Session::SendTo(const std::string& path, const std::string& request) {
   Batch batch;
   batch.Start(Shared(daemon), path, request, limits.timeout);
-  return Finish(path, Hex(request), batch.Wait().front());
+  return Noted(daemon, Finish(path, Hex(request), batch.Wait().front()));
 }
 
 Reply Session::SendBytes(const std::string& method, const std::string& request,
@@ -204,7 +212,8 @@ Reply Session::SendBytes(const std::string& method, const std::string& request,
 }
 
 Reply Session::SendBytes(const std::string& method, const std::string& request) {
-  return SendBytes(method, request, Shared(DaemonOf(method)));
+  const tool::Daemon of = DaemonOf(method);
+  return Noted(of, SendBytes(method, request, Shared(of)));
 }
 
 Reply Session::Send(const std::string& method, const Json& request) {

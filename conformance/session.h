@@ -117,8 +117,11 @@ class Session {
   /// given time.
   const Channel& Shared(tool::Daemon of);
   Reply Finish(const std::string& method, const std::string& sent, Reply reply);
+  /// The reply, over the connection that all checks share.
+  Reply Noted(tool::Daemon of, Reply reply);
 
-  std::set<tool::Daemon> absent;  // did not come back within the time limit
+  std::set<tool::Daemon> absent;       // did not come back within the time limit
+  std::set<tool::Daemon> unavailable;  // the last call may have lost the connection
 };
 
 /// "ostrevan.grpcdapi.DAPI"
