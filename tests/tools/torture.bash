@@ -81,7 +81,7 @@ for_each_allocation() {
     { [ "$status" -ne 124 ] && check "$status"; } || { echo "place $place, status $status:"; cat stderr; return 1; }
   done
   echo "# $failures runs" >&3
-  [ "$failures" -gt 5 ]
+  [ "$failures" -gt 2 ] # of 200 to 500 places, as the compiler inlines
 }
 
 # cut_power FOLDER names|contents: leaves in the folder what is on the disk.
