@@ -172,6 +172,12 @@ class Copy:
         options = ["--no-tests=error", "--stop-on-failure", "--parallel", "2", "--verbose"]
         return self.run("ctest", "--test-dir", self.build, *options, "-R", tests)
 
+    def noticed_by(self):
+        """The first test that failed in the last step."""
+        with open(self.log, encoding="utf-8", errors="replace") as log:
+            found = re.search(r"(?:not ok \d+|\[  FAILED  \]) ([^\n(]*)", log.read())
+        return found[1].strip() if found else "a test that did not end"
+
     def restore(self, name):
         shutil.copy(name, os.path.join(self.tree, name))
 
@@ -193,7 +199,8 @@ def work(copy, files, done, results):
             verdict = copy.verdict(name, content, plan)
             done[key] = verdict
             print(f"{verdict}\t{digest}\t{key}", file=results, flush=True)
-            print(f"mutate: {len(done)}: {verdict}: {key}", flush=True)
+            by = f" by '{copy.noticed_by()}'" if verdict == "killed" else ""
+            print(f"mutate: {len(done)}: {verdict}{by}: {key}", flush=True)
         copy.restore(name)
 
 
@@ -216,25 +223,32 @@ def read_results(path):
     return {(digest, key): verdict for verdict, digest, key in lines}
 
 
+def in_each(copies, task):
+    """Runs task(copy) for all copies at a time."""
+    threads = [threading.Thread(target=task, args=(copy,), daemon=True) for copy in copies]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+
+
+def check_tests(copies, files):
+    """Ends the program unless the tests pass without a mutant, at the load of the mutants."""
+    steps = {tests.format(os.path.dirname(name)) for name, plan, _ in files for _, tests in plan.steps}
+    passed = []
+    in_each(copies, lambda copy: passed.append(all(copy.passes(tests) for tests in sorted(steps))))
+    if not all(passed):
+        sys.exit(f"mutate: tests fail without a mutant; see {FOLDER}/*/log")
+
+
 def try_all(copies, files, path):
     """Tries the mutants of these files. Returns the verdicts."""
-    tested = set()
-    for name, plan, _ in files:
-        for _, tests in plan.steps:
-            tests = tests.format(os.path.dirname(name))
-            if tests not in tested and not copies[0].passes(tests):
-                sys.exit(f"mutate: tests fail without a mutant; see {copies[0].log}")
-            tested.add(tests)
-    waiting, done, threads = queue.Queue(), {}, []
+    check_tests(copies, files)
+    waiting, done = queue.Queue(), {}
     for entry in files:
         waiting.put(entry)
     with open(path, "a", encoding="utf-8") as results:
-        for copy in copies:
-            arguments = (copy, waiting, done, results)
-            threads.append(threading.Thread(target=work, args=arguments, daemon=True))
-            threads[-1].start()
-        for thread in threads:
-            thread.join()
+        in_each(copies, lambda copy: work(copy, waiting, done, results))
     return done
 
 
