@@ -54,6 +54,7 @@ GROUPS = {
             "tools/(checkpoint|rescuer|snapshot)",
             [
                 (["networkgrpc", "tool_with_log"], "^tools[.]checkpoint$"),
+                (["networkgrpc-conformance"], "^tools[.]golden$|^conformance[.]conformance$"),
                 ([], "^tools[.](state|wait|torture|rescue)$"),
             ],
         ),

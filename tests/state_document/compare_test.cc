@@ -93,6 +93,16 @@ TEST(Differences, ValuesDiffer_HavePathAndBothValues) {
                                 R"({"path":"dante","from":null,"to":1}])");
 }
 
+TEST(Differences, ListBecomesNull_IsOneDifference) {
+  const Json list = Dante("routing", R"([{"rx_channel": 1}])");
+  const Json null = Dante("routing", "null");
+
+  EXPECT_EQ(Compared(list, null),
+            R"([{"path":"dante.routing","from":[{"rx_channel":1}],"to":null}])");
+  EXPECT_EQ(Compared(null, list),
+            R"([{"path":"dante.routing","from":null,"to":[{"rx_channel":1}]}])");
+}
+
 TEST(Index, KeyIsThereTwice_FindsTheFirst) {
   const Json list = Json::parse(R"([{"id": 7, "name": "a"}, {"id": 7, "name": "b"}])");
   const Index index(list, "id");

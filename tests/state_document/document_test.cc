@@ -63,6 +63,12 @@ TEST(Document, HasComments_IsReadWithoutThem) {
             R"({"schema":1})");
 }
 
+TEST(Document, StreamIsRouted_MayNameItsDeviceOnly) {
+  EXPECT_EQ(Rejection(R"({"schema": 1, "dante": {"routing": [
+      {"rx_channel": 1, "device": "a", "raw": {"ip": "239.1.2.3"}}]}})"),
+            "");
+}
+
 TEST(Document, NumberHasAName_BecomesTheNameAndOthersStay) {
   const Document document(R"({"schema": 1, "network": {"interfaces": [
       {"name": "a", "mode": 0}, {"name": "b", "mode": 3}, {"name": "c", "mode": 4}]}})",

@@ -37,10 +37,11 @@ std::vector<std::string>& Flushed() {
 }
 
 const char* failing = "";  // the function that fails
+int reason = EIO;
 
 int Result(const char* function, long result) {
   if (std::string_view(function) != failing) return static_cast<int>(result);
-  errno = EIO;
+  errno = reason;
   return -1;
 }
 
@@ -50,8 +51,9 @@ int Result(const char* function, long result) {
 extern "C" int fsync(int fd) {
   struct stat found {};
   fstat(fd, &found);
-  Flushed().emplace_back(S_ISDIR(found.st_mode) ? "folder" : "file");
-  return Result("fsync", syscall(SYS_fsync, fd));
+  const bool is_folder = S_ISDIR(found.st_mode);
+  Flushed().emplace_back(is_folder ? "folder" : "file");
+  return Result(is_folder ? "fsync of a folder" : "fsync", syscall(SYS_fsync, fd));
 }
 extern "C" int close(int fd) { return Result("close", syscall(SYS_close, fd)); }
 extern "C" int fchmod(int fd, mode_t mode) noexcept {
@@ -267,6 +269,22 @@ TEST_F(SavedFile, StepFails_KeepsTheOldContentAndLeavesNothing) {
     EXPECT_THAT(error, HasSubstr(": Input/output error"));
     EXPECT_EQ(Content("state"), "old");
     EXPECT_THAT(Names(), ElementsAre("state"));
+  }
+}
+
+TEST_F(SavedFile, FolderCannotBeFlushed_IsReportedUnlessItNeverCan) {
+  const std::pair<int, std::string> reasons[] = {
+      {EIO, "cannot write " + Path("state") + ": cannot flush folder " + folder +
+                ": Input/output error"},
+      {EINVAL, ""}};
+  for (const auto& [error, message] : reasons) {
+    SCOPED_TRACE(error);
+    failing = "fsync of a folder";
+    reason = error;
+    EXPECT_EQ(ErrorOf([&] { SaveFile(Path("state"), "new"); }), message);
+    failing = "";
+    reason = EIO;
+    EXPECT_EQ(Content("state"), "new");
   }
 }
 
