@@ -114,7 +114,7 @@ is_as_before() { state | jq .dante | cmp -s - "$BATS_TEST_TMPDIR/before"; }
   start_simulator --fault SetName:ignore
   for option in --help --list --factory-reset; do
     printf '$ networkgrpc-conformance %s\n' "$option"
-    conformance "$option" | sed -E 's/after [0-9.]+ ms/after N ms/'
+    conformance "$option" | sed -E 's/after [0-9]+\.[0-9] ms/after N ms/'
     echo
   done >"$printed"
   [ -z "${NETWORKGRPC_REGENERATE-}" ] || cp "$printed" "$BATS_TEST_DIRNAME/printed.txt"
