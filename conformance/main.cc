@@ -141,18 +141,25 @@ void RequireReachable(const std::vector<Daemon>& daemons) {
   }
 }
 
+int Report(ExitStatus status, const std::string& message) {
+  std::cerr << std::string(kName) + ": " + terminal::Printable(message) + '\n';
+  return static_cast<int>(status);
+}
+
 int Conclude(const Options& options, const conformance::Run& run) {
+  std::vector<std::string> problems;
   std::cout << (options.json ? JsonReport(run) : TextReport(run)) << std::flush;
+  if (!std::cout) problems.emplace_back("cannot write to standard output");
   if (!options.junit.empty()) {
     std::ofstream file(options.junit);
     if (!(file << JunitReport(run)).flush())
-      throw Failure(ExitStatus::kFailed, "cannot write '" + options.junit + "'");
+      problems.push_back("cannot write '" + options.junit + "'");
   }
-  if (!std::cout) throw Failure(ExitStatus::kFailed, "cannot write to standard output");
-  if (!run.not_restored.empty()) throw Failure(ExitStatus::kFailed, run.not_restored);
-  const bool has_passed = run.Count(Outcome::kFailed) == 0 && run.Count(Outcome::kPassed) > 0;
-  return static_cast<int>(has_passed && !run.is_interrupted ? ExitStatus::kDone
-                                                            : ExitStatus::kFailed);
+  if (!run.not_restored.empty()) problems.push_back(run.not_restored);
+  for (const std::string& problem : problems) Report(ExitStatus::kFailed, problem);
+  const bool has_passed = problems.empty() && !run.is_interrupted &&
+                          run.Count(Outcome::kFailed) == 0 && run.Count(Outcome::kPassed) > 0;
+  return static_cast<int>(has_passed ? ExitStatus::kDone : ExitStatus::kFailed);
 }
 
 int CheckDevice(const Options& options, const Checks& checks) {
@@ -173,11 +180,6 @@ int CheckDevice(const Options& options, const Checks& checks) {
     run = RunChecks(checks, session, options.permissions, [&] { progress.Step(); });
   }
   return Conclude(options, run);
-}
-
-int Report(ExitStatus status, const std::string& message) {
-  std::cerr << std::string(kName) + ": " + terminal::Printable(message) + '\n';
-  return static_cast<int>(status);
 }
 
 }  // namespace

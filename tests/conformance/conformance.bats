@@ -81,6 +81,7 @@ is_as_before() { state | jq .dante | cmp -s - "$BATS_TEST_TMPDIR/before"; }
 
 @test "killed in the middle of a change, the device gets its settings back" {
   start_in_the_middle
+  tool checkpoint --json | jq -e '.result.checkpoints[0].seconds_left > 23 * 60 * 60'
   kill -KILL "$process"
   control clear all
   wait_until is_as_before
@@ -121,8 +122,22 @@ is_as_before() { state | jq .dante | cmp -s - "$BATS_TEST_TMPDIR/before"; }
   diff "$BATS_TEST_DIRNAME/printed.txt" "$printed"
 }
 
+@test "what cannot be written or restored is reported" {
+  start_controlled_simulator --fault SetName:reject,after=1
+  state | jq .dante >"$BATS_TEST_TMPDIR/before"
+  into_full() { conformance "$@" >/dev/full; }
+  run -1 --separate-stderr into_full --only settings.Name --timeout 1 --junit /dev/full
+  diff - <(echo "${stderr//$grpc_dapi_url/ENDPOINT}") <<'LINES'
+networkgrpc-conformance: cannot write to standard output
+networkgrpc-conformance: cannot write '/dev/full'
+networkgrpc-conformance: not everything is restored yet: cannot set the device name: the dante-api daemon at ENDPOINT rejected SetName; another process tries again: see 'networkgrpc checkpoint'
+LINES
+  control clear SetName
+  wait_until is_as_before
+}
+
 @test "JUnit and JSON agree with the text" {
-  start_simulator --fault 'GetDNSList:answer={"dns":["<&\"\u0007"]}'
+  start_simulator --fault 'GetDNSList:answer={"dns":["<&>\"\u0007"]}'
   run -1 --separate-stderr conformance --json --junit "$BATS_TEST_TMPDIR/junit.xml"
   python3 - "$BATS_TEST_TMPDIR/junit.xml" "$output" <<'PYTHON'
 import json, sys, xml.etree.ElementTree as xml
@@ -130,6 +145,8 @@ suite = xml.parse(sys.argv[1]).getroot()
 report = json.loads(sys.argv[2])
 assert [int(suite.get(it)) for it in ("tests", "failures", "skipped")] == [
     len(report["checks"]), report["failed"], report["skipped"]]
+seconds = [float(it.get("time")) for it in (suite, *suite)]
+assert abs(seconds[0] - sum(seconds[1:])) < 0.001 * len(seconds) < seconds[0]
 assert report["failed"] == 1 and report["schema"] == 1 and report["restored"]
 for case, check in zip(suite, report["checks"], strict=True):
     assert f'{case.get("classname")}.{case.get("name")}' == check["name"]
@@ -137,7 +154,44 @@ for case, check in zip(suite, report["checks"], strict=True):
     assert outcome == check["outcome"], check
 failed = [check for check in report["checks"] if check["outcome"] == "failed"]
 assert failed[0]["name"] == "lists.Dns" and failed[0]["calls"][-1]["sent"] == "GetDNSList {}"
+details = next(case[0].text for case in suite if len(case) and case[0].tag == "failure")
+sent, received = details.splitlines()[2:4]
+assert sent == "  sent      GetDNSList {}" and received.startswith(r'  received  OK {"dns":["<&>\"\u0007"]} after '), details
 PYTHON
+}
+
+# Of each: the number of calls, the first that was sent, the last that was received.
+@test "a failed check reports its calls, the latest 20 of them" {
+  local fault check expected
+  while read -r fault check expected; do
+    start_simulator --fault "$fault"
+    run -1 --separate-stderr conformance --json --timeout 9 --only "$check"
+    diff <(echo "$expected") <(jq -r '.checks[] | select(.outcome == "failed").calls |
+      "\(length) \(first.sent[:18]) \(last.received | sub(" after.*"; ""))"' <<<"$output")
+    stop_devices
+  done <<'TABLE'
+GetName:malformed answers.GetName 1 GetName {} OK (the reply is no Name) 0a7f6162
+GetModelName:after=1,status=INTERNAL calls.Concurrent.Dante 20 GetModelName {} INTERNAL
+GetName:after=4,times=1,status=INTERNAL sizes.HugeRequest.Dante 2 SetName {"name":"x INTERNAL
+GetHostname:after=4,times=1,status=INTERNAL sizes.HugeRequest.NetworkManager 2 SetHostname {"host INTERNAL
+GetName:after=4,times=1,status=INTERNAL utf8.InvalidName 2 SetName {"name":"a INTERNAL
+GetHostname:after=4,times=1,status=INTERNAL utf8.InvalidHostname 2 SetHostname {"host INTERNAL
+TABLE
+}
+
+# only FAULT CHECKS FAILED: of these checks, with the fault, only this one fails, and none is skipped.
+only() {
+  start_simulator --fault "$1"
+  report --only "$2" || true
+  [ "$(names failed) $(names skipped)" = "$3 " ]
+  stop_devices
+}
+
+@test "what a daemon may do fails no check" {
+  only 'SetNetworkConfig:times=1,request={"flag7":true}' settings.NetworkConfig ""
+  only 'GetNetworkStatus:when={"ids":[4]},answer={"status":[{"id":4}]}' stored.Address,reload.Address ""
+  only GetModelName:status=UNIMPLEMENTED answers.GetModelName,wire,calls answers.GetModelName
+  only GetDNSList:status=UNIMPLEMENTED answers.GetDNSList,wire,calls answers.GetDNSList
 }
 
 @test "--profile and --only choose the checks" {
