@@ -186,14 +186,13 @@ void RestoreSettings(const Json& snapshot, const Json& current) {
 }
 
 Json ReadPart(const char* part) {
-  return {{"schema", 1},
-          {part, part == std::string("network") ? ReadNetworkState() : ReadDanteState()}};
+  return {{part, part == std::string("network") ? ReadNetworkState() : ReadDanteState()}};
 }
 
 }  // namespace
 
 Json TakeSnapshot(Daemon of) {
-  Json snapshot = {{"document", {{"schema", 1}}}};
+  Json snapshot = {{"document", Json::object()}};
   if (of != Daemon::kDante) {
     snapshot["document"]["network"] = ReadNetworkState();
     snapshot["interfaces"] = TakeInterfaces();
