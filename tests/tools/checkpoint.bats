@@ -228,6 +228,13 @@ last_changes() { control calls | grep -oE '(Set|Reload)[A-Za-z]+' | tail -2 | tr
   [ "$(last_changes)" = "SetNTPServer ReloadNTPConfig " ]
 }
 
+@test "OnlyTheHostName_RolledBack_IsTheOnlyChange" {
+  tool hostname set changed --confirm-within 60
+  control forget
+  tool rollback
+  [ "$(last_changes)" = "SetHostname " ]
+}
+
 # Daemons do not report the gateway that is in effect.
 @test "Gateway_RolledBack_IsAlsoInEffectAgain" {
   local set=(interface set --control --ip 10.0.0.60/8 --reload --yes)
@@ -331,22 +338,38 @@ of_the_change="the checkpoint of 'networkgrpc hostname set changed --confirm-wit
   wait_until grep -x "<5>$of_the_change is restored" "$SYSTEM_LOG"
 }
 
-@test "DaemonRejectsTheRestoration_ManyTimes_IsAbandonedAndSaysWhy" {
+# A restoration that pauses goes on when its file is touched.
+do_not_pause() { touch -c "$XDG_STATE_HOME"/networkgrpc/*.restoring; }
+
+@test "DaemonRejectsTheRestoration_TenTimes_IsAbandonedAndSaysWhy" {
   remember
   use_tool_with_log
   tool hostname set changed --confirm-within 3
   control fault SetHostname:reject
-  # A restoration that pauses goes on when its file is touched.
   is_abandoned() {
-    touch -c "$XDG_STATE_HOME"/networkgrpc/*.restoring
+    do_not_pause
     tool checkpoint --json 2>/dev/null | jq -e '.result.checkpoints[0] |
       .state == "abandoned" and (.problem | contains("rejected SetHostname"))'
   }
+  control forget
   wait_until is_abandoned
   wait_until grep -x "<3>$of_the_change is abandoned: see 'networkgrpc checkpoint'" "$SYSTEM_LOG"
+  [ "$(control calls | grep -c SetHostname)" = 10 ]
   control clear SetHostname
   run -0 tool rollback
   is_as_before
+}
+
+@test "Change_FailsAndCannotBeUndone_IsPartlyDone" {
+  tool export | jq '.network.hostname = "changed" | .dante.name = "changed"' >"$BATS_TEST_TMPDIR/import.json"
+  control fault SetName:reject,after=1
+  control fault SetHostname:reject
+  "$TOOL" import "$BATS_TEST_TMPDIR/import.json" --yes --json --confirm-within 60 >"$BATS_TEST_TMPDIR/errors" &
+  command_pid=$!
+  without_pauses_has_ended() { do_not_pause && has_ended "$1"; }
+  wait_until without_pauses_has_ended "$command_pid"
+  command_ends_with 4 '; not everything could be restored: '
+  jq -e '.result == null and .error.outcome == "partly"' "$BATS_TEST_TMPDIR/errors"
 }
 
 @test "FileIsDamaged_EveryCommand_SaysSoAndNothingIsRestored" {
@@ -534,6 +557,8 @@ run_command() {
 @test "Checkpoint_NoTimeout_IsAUsageError" {
   run -2 --separate-stderr tool checkpoint -- true
   [[ $stderr == *"--timeout is required"* ]]
+  run -0 tool checkpoint --help
+  [[ $output == *" Behind --, with its arguments; without it, list"* ]]
 }
 
 @test "ConfirmAndRollback_NoneIsOpen_FailWithNotFound" {
@@ -564,6 +589,23 @@ run_command() {
     -e inject=unlink:error=EROFS "$TOOL" hostname set changed --confirm-within 60
   [[ ${stderr_lines[0]} == "networkgrpc: cannot remove the checkpoint $XDG_STATE_HOME/networkgrpc/"*".open: Read-only file system" ]]
   [[ ${stderr_lines[1]} == *"rejected SetHostname" ]]
+}
+
+@test "Change_CheckpointCannotBeCreated_IsNotMadeAndLeavesNoFile" {
+  local call file message open folder=$XDG_STATE_HOME/networkgrpc
+  tool hostname set before --confirm-within 60
+  open=$(echo "$folder"/*.open)
+  tool confirm
+  while read -r call file message; do
+    ASAN_OPTIONS=detect_leaks=0 run -1 --separate-stderr strace -qq -o /dev/null -P "$file" \
+      -e "inject=$call" "$TOOL" hostname set changed --confirm-within 60
+    [ "$stderr" = "networkgrpc: cannot $message the checkpoint $open: Input/output error" ]
+    [ "$(tool hostname) $(ls "$folder")" = "before " ]
+  done <<TABLE
+fsync:error=EIO:when=2 $folder create
+renameat2:error=EIO $open create
+openat:error=EIO $open open
+TABLE
 }
 
 @test "CommandThatOnlyShows_ConfirmWithin_OpensNone" {
