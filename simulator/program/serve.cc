@@ -204,10 +204,17 @@ bool SaveAll(std::vector<Simulator>& devices, const std::vector<std::string>& fi
   return are_saved;
 }
 
+// Before clients can use up all descriptors.
+Descriptor Watch(const sigset_t& signals) {
+  Descriptor watched(signalfd(-1, &signals, SFD_CLOEXEC));
+  if (!watched.IsOpen())
+    throw std::runtime_error(std::string("cannot watch for signals: ") + std::strerror(errno));
+  return watched;
+}
+
 // Until one of the signals comes, which all threads block, or the process ends; a
 // closed descriptor stands for none.
-void WaitForEnd(const sigset_t& ending, const Descriptor& process) {
-  const Descriptor signals(signalfd(-1, &ending, SFD_CLOEXEC));
+void WaitForEnd(const Descriptor& signals, const Descriptor& process) {
   std::array<pollfd, 2> awaited{{{signals.Get(), POLLIN, 0}, {process.Get(), POLLIN, 0}}};
   while (poll(awaited.data(), awaited.size(), -1) < 0) {
   }
@@ -270,6 +277,7 @@ int Serve(const ProgramOptions& options) {
   if (options.export_to.has_value())
     if (const std::optional<int> status = background.Start()) return *status;
   const sigset_t ending = PrepareSignals();
+  const Descriptor signals = Watch(ending);
   // gRPC's own lines about a port in use say less than the error below. A user who
   // wants them sets the variable.
   setenv("GRPC_VERBOSITY", "NONE", 0);
@@ -291,7 +299,7 @@ int Serve(const ProgramOptions& options) {
       background.Ready(ExportLines(*options.export_to, variables, CompanionText(options)));
     else
       Print(ReadyLines(devices.All(), path) + entries);
-    WaitForEnd(ending, watched);
+    WaitForEnd(signals, watched);
   }
 
   devices.End();

@@ -41,6 +41,13 @@ ctl() { timeout 20 "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control
   [ "$stderr" = "networkgrpc-simulator: $BATS_TEST_TMPDIR/bad.json:2: bogus: unknown member" ]
 }
 
+@test "without a descriptor for signals, nothing starts" {
+  # LeakSanitizer cannot work under strace.
+  ASAN_OPTIONS=detect_leaks=0 run -1 strace -f -qq -o /dev/null -e inject=signalfd4:error=EMFILE \
+    timeout --signal KILL 20 "$SIMULATOR"
+  [ "$output" = "networkgrpc-simulator: cannot watch for signals: Too many open files" ]
+}
+
 @test "the control socket is private, adds and clears faults, and is removed at exit" {
   start --control "$BATS_TEST_TMPDIR/private/control"
   [[ "$READY" == *" control=unix:$BATS_TEST_TMPDIR/private/control" ]]
