@@ -27,6 +27,8 @@ section() { "$SIMULATOR" --help | sed -n "/^$1:\$/,/^[^ ].*:\$/ s/^  //p"; }
   local count=0 line block=
   while IFS= read -r line; do
     if [ "$line" = '```' ]; then
+      XDG_RUNTIME_DIR=$BATS_TEST_TMPDIR/run$count # the simulator of the block before may still end
+      mkdir -m 700 "$XDG_RUNTIME_DIR"
       # A failing block must not leave its simulator behind.
       run timeout 60 bash -c "set -euo pipefail; simulator=
 trap '[ -z \"\$simulator\" ] || kill -KILL \$simulator 2>/dev/null || true' EXIT

@@ -12,8 +12,7 @@ setup() {
 }
 
 teardown() {
-  local pid
-  for pid in $(rescuer); do kill -KILL "$pid"; done
+  kill_rescuers
   [ -z "${terminal_pid-}" ] || kill -KILL "$terminal_pid" 2>/dev/null || true
   stop_devices
 }
@@ -25,12 +24,11 @@ is_as_before() { everything | diff "$BATS_TEST_TMPDIR/before" - >/dev/null; }
 is_open() { [ "$(tool checkpoint --json | jq -r '.result.checkpoints[0].state')" = open ]; }
 is_closed() { [ "$(tool checkpoint)" = "no checkpoint is open" ]; }
 is_renamed() { [ "$(tool hostname)" = changed ]; }
-rescuer() { pgrep -f "__rescue $XDG_STATE_HOME"; }
 is_waiting() { tool checkpoint --json | jq -e '.result.checkpoints[0] | .state == "restoring" and (.problem | contains("cannot be reached"))'; }
 is_abandoned() { [ "$(tool checkpoint --json 2>/dev/null | jq -r '.result.checkpoints[0].state')" = abandoned ]; }
 # Signalled, a process has its locks until it has run to its end.
 abandon() {
-  kill -KILL "$(rescuer)"
+  kill -KILL "$(rescuers)"
   wait_until is_abandoned
 }
 
@@ -49,6 +47,9 @@ command_ends_with() {
   wait "$command_pid" || status=$?
   [ "$status" -eq "$1" ] && grep -q "$2" "$BATS_TEST_TMPDIR/errors"
 }
+
+# Whether the device has received a call of this method.
+is_called() { control calls | grep -q "$1"; }
 
 # The change of most tests, with the question behind it answered by ANSWER.
 rename_and_answer() {
@@ -82,11 +83,11 @@ rename_and_answer() {
 
 @test "Question_TypedBeforeIt_DoesNotCount" {
   remember
-  control fault SetHostname:delay=1000,times=1
+  control fault SetHostname:freeze
   on_terminal "$TOOL" hostname set changed --confirm-within 60
-  called() { control calls | grep -q SetHostname; }
-  wait_until called
+  wait_until is_called SetHostname
   type_in y
+  control clear SetHostname
   wait_until shows "Keep it?"
   type_in n
   ends_with 1
@@ -170,7 +171,7 @@ roll_back_late() {
   run -0 tool confirm
   is_renamed
   is_closed
-  wait_until eval '! rescuer'
+  wait_until eval '! rescuers'
 }
 
 @test "NoTerminal_NotConfirmed_IsUndone" {
@@ -278,7 +279,7 @@ LINES
   remember
   on_terminal "$TOOL" hostname set changed --confirm-within 2
   wait_until shows "Keep it?"
-  kill -KILL "$(rescuer)"
+  kill -KILL "$(rescuers)"
   wait_until is_open # not abandoned: the tool attends to it
   ends_with 1
   shows "what was before is restored"
@@ -312,9 +313,8 @@ LINES
   control fault SetHostname:freeze,times=1
   control forget
   tool rollback &
-  froze() { control calls | tail -1 | grep -q SetHostname; }
-  wait_until froze
-  kill -KILL "$(rescuer)"
+  wait_until is_called SetHostname
+  kill -KILL "$(rescuers)"
   wait_until is_as_before
 }
 
@@ -510,7 +510,7 @@ run_command() {
 # It wakes when the next checkpoint has the name of its own.
 @test "Confirm_RescuerIsLate_LeavesAnotherCheckpoint" {
   tool hostname set first --confirm-within 3
-  late=$(rescuer)
+  late=$(rescuers)
   kill -STOP "$late"
   tool confirm
   tool hostname set changed --confirm-within 60
@@ -521,30 +521,33 @@ run_command() {
 }
 
 @test "Confirm_ChangeThenFailsHalfWay_TellsBoth" {
-  control fault ReloadNetworkConfig:status=INTERNAL,delay=2000
+  control fault ReloadNetworkConfig:freeze
   "$TOOL" interface set --control --ip 10.0.0.60/8 --reload --yes --confirm-within 60 2>"$BATS_TEST_TMPDIR/errors" &
   command_pid=$!
-  wait_until is_open
+  wait_until is_called ReloadNetworkConfig
   run -0 tool confirm
-  command_ends_with 5 "INTERNAL.*; confirmed meanwhile: the change is kept"
+  control drop NetworkManager
+  command_ends_with 6 "outcome unknown: .*; confirmed meanwhile: the change is kept"
 }
 
 @test "Confirm_ChangeThenEndsUnknown_IsStillUnknown" {
-  control fault SetHostname:status=UNAVAILABLE,delay=1000
+  control fault SetHostname:freeze
   "$TOOL" hostname set changed --json --confirm-within 60 >"$BATS_TEST_TMPDIR/errors" &
   command_pid=$!
-  wait_until is_open
+  wait_until is_called SetHostname
   run -0 tool confirm
-  command_ends_with 5 "confirmed meanwhile: the change is kept"
+  control drop NetworkManager
+  command_ends_with 6 "confirmed meanwhile: the change is kept"
   [ "$(jq -r .error.outcome "$BATS_TEST_TMPDIR/errors")" = unknown ]
 }
 
 @test "Rollback_DuringAChange_IsNotTakenForOneToConfirm" {
-  control fault SetHostname:delay=1000,times=1
+  control fault SetHostname:freeze
   "$TOOL" hostname set changed --confirm-within 60 2>"$BATS_TEST_TMPDIR/errors" </dev/null &
   command_pid=$!
-  wait_until is_open
+  wait_until is_called SetHostname
   run -0 tool rollback
+  control clear SetHostname
   command_ends_with 1 "rolled back meanwhile: what was before is restored, but perhaps not"
 }
 

@@ -37,6 +37,13 @@ control() { "$SIMULATOR" ctl --control "$BATS_TEST_TMPDIR/private/control" "$@";
 # Accepts every call and never answers.
 start_mute_device() { start_simulator --fault '*:freeze'; }
 
+# What would restore the checkpoints of this test.
+rescuers() { pgrep -f "__rescue $XDG_STATE_HOME"; }
+kill_rescuers() {
+  local pid
+  for pid in $(rescuers); do kill -KILL "$pid"; done
+}
+
 stop_devices() {
   local pid
   for pid in "${device_pids[@]}"; do kill -KILL "$pid" 2>/dev/null || true; done
@@ -50,7 +57,10 @@ open_device_input() {
 }
 
 setup() { open_device_input; }
-teardown() { stop_devices; }
+teardown() {
+  kill_rescuers
+  stop_devices
+}
 
 absent_device() {
   # Nothing listens on port 1 of a test machine.

@@ -141,7 +141,7 @@ nothing_is_left() { [ "$(ls -A "$home/run")" = '' ]; }
     start_there hostname get
     kill -"$signal" "$process"
     wait_until has_ended "$process"
-    has_ended "$ssh"
+    wait_until has_ended "$ssh" # and its end has been taken note of
     nothing_is_left
   done
 }

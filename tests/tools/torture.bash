@@ -11,17 +11,6 @@ setup() {
   open_device_input
 }
 
-teardown() {
-  kill_rescuers
-  stop_devices
-}
-
-rescuers() { pgrep -f "__rescue $XDG_STATE_HOME"; }
-kill_rescuers() {
-  local pid
-  for pid in $(rescuers); do kill -KILL "$pid"; done
-}
-
 # Those that can fail for want of space, memory, descriptors or permission.
 readonly calls=%file,write,fsync,close,fcntl,flock,fchmod,fchown,socket,connect,sendmsg
 
