@@ -482,7 +482,7 @@ run_command() {
 }
 
 @test "Confirm_CommandIsRunning_LetsItEnd" {
-  run_command 3 "read -r -t 4 <>'$BATS_TEST_TMPDIR/input'; '$TOOL' hostname set changed"
+  run_command 6 "read -r -t 7 <>'$BATS_TEST_TMPDIR/input'; '$TOOL' hostname set changed"
   run -0 tool confirm
   command_ends_with 0 "confirmed from elsewhere"
   is_renamed

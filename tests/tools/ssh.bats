@@ -54,6 +54,7 @@ start_device_there() {
 # start_there COMMAND...: in the background as $process, with its ssh as $ssh, until the
 # device has received a call with a fault.
 start_there() {
+  control forget
   # Without env, the shell would let it ignore SIGINT, as all that it starts with "&".
   env --default-signal=INT "$TOOL" --host device --network-manager "$nm" --dapi "$dapi" "$@" \
     >"$home/output" 2>"$home/errors" </dev/null 3>&- &
