@@ -41,7 +41,7 @@ start_mute_device() { start_simulator --fault '*:freeze'; }
 rescuers() { pgrep -f "__rescue $XDG_STATE_HOME"; }
 kill_rescuers() {
   local pid
-  for pid in $(rescuers); do kill -KILL "$pid"; done
+  for pid in $(rescuers); do kill -KILL "$pid" 2>/dev/null || true; done
 }
 
 stop_devices() {
