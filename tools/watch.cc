@@ -9,7 +9,9 @@
 #include <iostream>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
+#include <tuple>
 
 #include "tools/commands.h"
 #include "tools/interrupt.h"
@@ -123,18 +125,22 @@ class Watcher {
   }
 
  private:
+  // The same one, whichever call it fails: the kind, and the daemon's status and message.
+  using Problem = std::tuple<ExitStatus, std::string, std::string>;
+
   void Poll() {
     try {
       Report(observe());
     } catch (const Failure& failure) {
-      if (last_error != failure.message) lines.Error(failure);
-      last_error = failure.message;
+      const Problem problem(failure.status, failure.grpc_status, failure.daemon_message);
+      if (last_problem != problem) lines.Error(failure);
+      last_problem = problem;
     }
   }
 
   void Report(const Json& now) {
-    if (!last_error.empty()) lines.Event(Name(daemon), "answers again");
-    last_error.clear();
+    if (last_problem.has_value()) lines.Event(Name(daemon), "answers again");
+    last_problem.reset();
     if (last.is_null())
       lines.Event(Name(daemon), "watched");
     else
@@ -148,7 +154,7 @@ class Watcher {
   Json (*const observe)();
   const Target& target;
   Json last;
-  std::string last_error;
+  std::optional<Problem> last_problem;
 };
 
 Target CheckedTarget(const WatchArguments& arguments) {

@@ -46,6 +46,19 @@ teardown() {
   [ "$(grep -c 'network-manager daemon.*cannot be reached' "$seen")" -eq 1 ]
 }
 
+# A daemon that ends can fail a call in the middle of a reading first, then the first of each.
+@test "Watch_AnotherCallFailsForTheSameReason_IsNotReportedAgain" {
+  stop_devices
+  start_controlled_simulator
+  watch
+  control fault GetName:status=INTERNAL,message=disk
+  wait_until grep -q 'INTERNAL: disk' "$seen"
+  control fault GetPtpConfig:times=2,status=INTERNAL,message=disk
+  control fault GetPtpConfig:status=INTERNAL,message=full
+  wait_until grep -q 'INTERNAL: full' "$seen"
+  [ "$(grep -c 'INTERNAL: disk' "$seen")" -eq 1 ]
+}
+
 @test "Watch_DaemonRestarts_ReportsItAndContinues" {
   stop_devices
   start_controlled_simulator
