@@ -115,7 +115,7 @@ COMMANDS
 @test "SeveralChannels_OneFails_ReportsEachAndExitsWithItsStatus" {
   while IFS='|' read -r fault expected report; do
     start_simulator --fault SetRxChannelLink:none,delay=1,times=1 --fault "SetRxChannelLink:$fault,times=1"
-    run -"$expected" --separate-stderr tool routing set 1-3 B C --yes --timeout 1
+    run -"$expected" --separate-stderr tool routing set 1-3 B C --yes --timeout "$time_limit"
     # shellcheck disable=SC2053 # a pattern
     [[ $(paste -sd';' <<<"$output") == $report ]] || { echo "$fault: $output"; return 1; }
     stop_devices

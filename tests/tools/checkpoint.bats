@@ -574,7 +574,7 @@ run_command() {
 @test "Change_OutcomeIsUnknown_IsUndone" {
   remember
   control fault SetHostname:freeze,times=1
-  run -6 --separate-stderr tool hostname set changed --confirm-within 60 --timeout 0.5
+  run -6 --separate-stderr tool hostname set changed --confirm-within 60 --timeout "$time_limit"
   [[ $stderr == *"outcome unknown"*"; what was before is restored" ]]
   is_as_before
 }

@@ -11,6 +11,9 @@ export NETWORKGRPC_DEVICES= # none
 
 # Seconds to wait for an event; ctest sets PATIENCE, longer under emulation.
 patience=${PATIENCE:-30}
+# A time limit, in seconds, that a call keeps unless its daemon does not answer.
+# shellcheck disable=SC2034 # for the tests
+time_limit=$((patience / 10))
 device_pids=()
 
 # start_device COMMAND...: starts a program that prints its endpoints, and exports them

@@ -14,11 +14,11 @@ setup() {
 # the exit status in $status and what a person sees in $told.
 failure() {
   control fault "$1"
-  run --separate-stderr tool --timeout 0.5 "${@:2}"
+  run --separate-stderr tool --timeout "$time_limit" "${@:2}"
   told=$stderr
   control clear all
   control fault "$1"
-  tool --timeout 0.5 --json "${@:2}" 2>/dev/null |
+  tool --timeout "$time_limit" --json "${@:2}" 2>/dev/null |
     jq -r '.error | [.code, .name, .outcome, .grpc_status, .daemon_message] | join("|")'
   control clear all
 }
@@ -77,9 +77,9 @@ FAULTS
       ReloadNTP*) command=(ntp set time.example --reload --yes) ;;
       *) command=(interface set --name lan3 --ip 10.0.0.9/8 --reload --yes) ;;
     esac
-    run --separate-stderr tool --timeout 0.5 "${command[@]}"
+    run --separate-stderr tool --timeout "$time_limit" "${command[@]}"
     [[ $stderr == *"$message"* ]] || { echo "$fault: $stderr"; return 1; }
-    run --separate-stderr tool --timeout 0.5 --json "${command[@]}"
+    run --separate-stderr tool --timeout "$time_limit" --json "${command[@]}"
     error=$(jq -c '[.error.code, .result.stored, .result.applied, .error.outcome]' <<<"$output")
     [ "$error" = "$expected" ] || { echo "$fault: $error"; return 1; }
     control clear all

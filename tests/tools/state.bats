@@ -149,7 +149,7 @@ report() { jq -c '.result | [.applied, .stored, [.unknown[].path], [.not_applied
   while IFS=' ' read -r fault expected error; do
     control fault "$fault"
     document '.dante.name = "N" | .network.hostname = "h" | .network.ntp = ["t"] | .network.switch_mode = 1'
-    run --separate-stderr tool --timeout 0.5 import "$state" --yes --reload --json
+    run --separate-stderr tool --timeout "$time_limit" import "$state" --yes --reload --json
     [ "$(report <<<"$output")" = "$expected" ] || { echo "$fault: $output"; return 1; }
     [ "$(jq -c '[.error.code, .error.outcome]' <<<"$output")" = "$error" ] || { echo "$fault: $output"; return 1; }
     /usr/bin/python3 "$BATS_TEST_DIRNAME/validate.py" "$SOURCE_TREE/tools/schema" - <<<"$output"

@@ -51,7 +51,7 @@ start_both() {
   echo command >>"$BATS_TEST_TMPDIR/reached"
   # What only happens when something goes wrong.
   start_both --fault SetLatency:freeze
-  reach_leaves import state.json --yes --timeout 0.5
+  reach_leaves import state.json --yes --timeout "$time_limit"
   start_both --fault GetName:status=UNAVAILABLE
   reach_leaves doctor
   # Those of watch have a test of their own; nothing makes a simulated device differ after an

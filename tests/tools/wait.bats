@@ -26,7 +26,7 @@ ends_with() {
 @test "Wait_SomethingIsMissing_FailsInTimeAndNamesIt" {
   start_simulator
   while IFS='|' read -r condition reason; do
-    run -3 --separate-stderr tool wait --for daemons --for "$condition" --timeout 1.5
+    run -3 --separate-stderr tool wait --for daemons --for "$condition" --timeout "$time_limit"
     [[ $output == "missing  $condition: $reason" ]] || { echo "$condition: $output"; return 1; }
     [[ $stderr == "networkgrpc: not yet: $condition: $reason" ]]
   done <<'CONDITIONS'
@@ -34,7 +34,7 @@ dante.name=Other|dante.name is not Other
 link:lan9|interface 'lan9' not found; see 'networkgrpc interface list'
 live.interfaces[lan1].ip=1.2.3.4|live.interfaces[lan1].ip is not 1.2.3.4
 CONDITIONS
-  control_interface_env=lan7 run -3 --separate-stderr tool wait --for roles --timeout 1.5
+  control_interface_env=lan7 run -3 --separate-stderr tool wait --for roles --timeout "$time_limit"
   [[ $output == "missing  roles: no interface 'lan7' for the role control" ]]
 }
 
@@ -42,10 +42,10 @@ CONDITIONS
   printf '{"schema": 1, "network": {"interfaces": [{"name": "lan0", "id": 1, "speed": "none"}]},
     "dante": {"ptp": {"clock": "undisciplined"}}}' >"$BATS_TEST_TMPDIR/state.json"
   start_simulator --state "$BATS_TEST_TMPDIR/state.json"
-  run -3 --separate-stderr tool wait --for ptp --for link:lan0 --timeout 1.5
+  run -3 --separate-stderr tool wait --for ptp --for link:lan0 --timeout "$time_limit"
   [ "$output" = "missing  ptp: the PTP clock is undisciplined
 missing  link:lan0: interface 'lan0' has no link" ]
-  run -3 tool wait --for ptp --timeout 1.5 --json
+  run -3 tool wait --for ptp --timeout "$time_limit" --json
   [ "$(jq -r '.result.missing[0].condition' <<<"${lines[0]}")" = ptp ]
 }
 

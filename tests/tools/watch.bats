@@ -74,7 +74,7 @@ teardown() {
 @test "Watch_OneDaemonFreezes_ReportsItAndStillShowsTheOther" {
   stop_devices
   start_controlled_simulator
-  watch --timeout 0.5
+  watch --timeout "$time_limit"
   control fault 'DAPI.*:freeze'
   wait_until grep -q 'no reply from the dante-api daemon' "$seen"
   tool hostname set other
