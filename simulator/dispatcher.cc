@@ -42,7 +42,8 @@ const Method* FindMethodAt(const std::string& path, Daemon daemon) {
 }  // namespace
 
 // One call: reads the one request, then writes the one reply. Either its answer or
-// its cancellation ends it, whichever comes first.
+// its cancellation ends it, whichever comes first. What its functions throw, gRPC would
+// drop, and the call would never end: without memory they abort, as gRPC does.
 class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
  public:
   Call(Dispatcher& receiver, const grpc::GenericCallbackServerContext& context)
@@ -64,7 +65,7 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
     }
   }
 
-  void OnReadDone(bool ok) override {
+  void OnReadDone(bool ok) noexcept override {
     if (!ok) return Finish({grpc::StatusCode::INTERNAL, "no request"});
     query.request = wire_schema::ToString(request);
     const auto& hold = dispatcher.device.hooks.hold;
@@ -77,8 +78,8 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
   }
 
   /// Answers as usual, but for the edits of the fault.
-  void Answer() {
-    if (!fault.request.empty())
+  void Answer() noexcept {
+    if (method != nullptr && !fault.request.empty())
       query.request = Edited(*method->request, query.request, fault.request);
     if (Backend* const backend = dispatcher.device.backend.get()) {
       backend->Answer(query, [this](const Outcome& outcome) { End(outcome); });
@@ -94,7 +95,7 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
     }
   }
 
-  void OnCancel() override {
+  void OnCancel() noexcept override {
     query.cancellation->Cancel();
     bool ends = held->Cancel();
     {
@@ -141,7 +142,7 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
     bool is_cancelled = false;
   };
 
-  void Resume(bool is_answered) {
+  void Resume(bool is_answered) noexcept {
     if (!is_answered) return Drop();
     const Json shown = method != nullptr ? method->show(query.request) : Json(nullptr);
     TakeFault(shown);
@@ -159,7 +160,7 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
     if (fault.kind == FaultKind::kFreeze && !is_cancelled) dispatcher.frozen.insert(this);
   }
 
-  void Act() {
+  void Act() noexcept {
     switch (fault.kind) {
       case FaultKind::kNone:
       case FaultKind::kStop:
@@ -214,7 +215,7 @@ class Dispatcher::Call : public grpc::ServerGenericBidiReactor {
 
   void Drop() { End({grpc::Status::CANCELLED, "", true}); }
 
-  void End(Outcome outcome) {
+  void End(Outcome outcome) noexcept {
     if (!fault.answer.empty() && !outcome.is_dropped) {
       outcome.reply = Edited(*method->reply, outcome.reply, fault.answer);
       outcome.status = grpc::Status::OK;

@@ -44,7 +44,7 @@ void Proxy::Answer(const Query& query, const Done& done) {
   grpc::GenericStub& stub = query.daemon == Daemon::kDapi ? dapi : network_manager;
   stub.UnaryCall(
       &passed->context, query.path, {}, &passed->request, &passed->reply,
-      [passed, done](grpc::Status status) {
+      [passed, done](grpc::Status status) noexcept {
         const bool is_ok = status.ok();
         done({std::move(status), is_ok ? wire_schema::ToString(passed->reply) : "", false});
       });

@@ -81,3 +81,37 @@ prepare_import() {
   # Behind the checkpoint's name comes the folder's fsync, then the call.
   [[ $(sed -n '/^renameat2/,$s/(.*//p' trace | tr '\n' ' ') == "renameat2 fsync sendmsg "* ]]
 }
+
+# A recording has whole calls, and all of them if no failure is reported.
+is_whole() { [ ! -s log.jsonl ] || "$SIMULATOR" replay log.jsonl -- true; }
+is_complete() { [ "$(wc -l <log.jsonl)" -eq "$length" ]; }
+# `before` and `check` of a recording of this command.
+prepare_recording() {
+  start_simulator
+  "$SIMULATOR" record --log log.jsonl -- "$@" >/dev/null
+  length=$(wc -l <log.jsonl)
+  before() { rm -f log.jsonl; }
+  check() { has_said_why "$1" && implies "$1" is_complete && is_whole; }
+}
+
+@test "Record_EachCallFailsOrKills_HasWholeCalls" {
+  local call number how status hits=0
+  prepare_recording "$TOOL" status
+  while read -r call number; do
+    for how in error=ENOSPC signal=KILL; do
+      before
+      status=0
+      { strace -f -qq -o trace -P "$PWD/log.jsonl" -e "inject=$call:$how:when=$number" \
+        "$SIMULATOR" record --log "$PWD/log.jsonl" -- "$TOOL" status >stdout 2>stderr </dev/null || status=$?; } 2>/dev/null
+      if [ "$status" -eq 137 ] || grep -q INJECTED trace; then hits=$((hits + 1)); fi
+      check "$status" || { echo "$how at $call $number, status $status:"; cat trace stderr; return 1; }
+    done
+  done < <(printf '%s\n' openat\ 1 close\ 1 write\ {1..6})
+  echo "# $hits runs" >&3
+  [ "$hits" -gt 5 ]
+}
+
+@test "Record_EachAllocationFails_HasWholeCalls" {
+  prepare_recording "$TOOL" hostname
+  for_each_allocation "$SIMULATOR" record --log log.jsonl -- env -u LD_PRELOAD "$TOOL" hostname
+}
