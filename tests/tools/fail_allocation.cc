@@ -1,12 +1,16 @@
 // Preloaded, makes one allocation of C++ code fail, and creates the file "failed" when it does:
 // the first at the place with the number in FAILING_PLACE. A place is where the code
-// allocates and where that is called; they are numbered as the program comes to them.
+// allocates and where that is called; they are numbered as the program comes to them. With
+// ONLY_OWN_PLACES, those in libraries are left out, unless the program itself calls there.
+#include <dlfcn.h>
 #include <execinfo.h>
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <mutex>
 #include <new>
 #include <set>
@@ -14,6 +18,12 @@
 namespace {
 
 using Place = std::array<void*, 2>;
+
+// Whether the code is the program's, not that of a library.
+bool IsOwn(const void* code) {
+  Dl_info info{};
+  return dladdr(code, &info) != 0 && std::strcmp(info.dli_fname, program_invocation_name) == 0;
+}
 
 // Whether this is the first allocation at the place that is to fail.
 bool IsToFail(const Place& place) {
@@ -25,8 +35,10 @@ bool IsToFail(const Place& place) {
   static auto& places = *new std::set<Place>;
   static const char* const wanted = std::getenv("FAILING_PLACE");
   static const std::size_t failing = wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 0;
+  static const bool all = std::getenv("ONLY_OWN_PLACES") == nullptr;
   const std::lock_guard<std::mutex> lock(mutex);
-  const bool is_new = places.insert(place).second;
+  const bool counts = all || IsOwn(place[0]) || IsOwn(place[1]);
+  const bool is_new = counts && places.insert(place).second;
   is_counting = false;
   return is_new && places.size() == failing;
 }

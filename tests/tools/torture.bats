@@ -111,7 +111,8 @@ prepare_recording() {
   [ "$hits" -gt 5 ]
 }
 
+# A server of gRPC waits for ever for the end of a call that gRPC itself had no memory for.
 @test "Record_EachAllocationFails_HasWholeCalls" {
   prepare_recording "$TOOL" hostname
-  for_each_allocation "$SIMULATOR" record --log log.jsonl -- env -u LD_PRELOAD "$TOOL" hostname
+  ONLY_OWN_PLACES=1 for_each_allocation "$SIMULATOR" record --log log.jsonl -- env -u LD_PRELOAD "$TOOL" hostname
 }
