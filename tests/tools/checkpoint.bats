@@ -611,6 +611,15 @@ openat:error=EIO $open open
 TABLE
 }
 
+@test "Change_RescuerCannotBeStarted_IsNotMade" {
+  remember
+  ASAN_OPTIONS=detect_leaks=0 run -1 --separate-stderr strace -f --quiet=all -o /dev/null -P /proc/self/exe \
+    -e inject=execve:error=EAGAIN "$TOOL" hostname set changed --confirm-within 60
+  [ "$stderr" = "networkgrpc: cannot run '/proc/self/exe': Resource temporarily unavailable" ]
+  is_as_before
+  is_closed
+}
+
 @test "CommandThatOnlyShows_ConfirmWithin_OpensNone" {
   run -0 --separate-stderr tool dante name --confirm-within 60
   [ -z "$stderr" ]
