@@ -62,8 +62,8 @@ for_each_allocation() {
     before
     rm -f failed
     status=0
-    { # the shell reports what is killed
-      FAILING_PLACE=$place LD_PRELOAD=$FAIL_ALLOCATION timeout 60 "$@" >stdout 2>stderr </dev/null || status=$?
+    { # the shell reports what is killed; no program blocks SIGALRM
+      FAILING_PLACE=$place LD_PRELOAD=$FAIL_ALLOCATION timeout --signal=ALRM 60 "$@" >stdout 2>stderr </dev/null || status=$?
     } 2>/dev/null
     [ -e failed ] || break # it comes to fewer places
     failures=$((failures + 1))
